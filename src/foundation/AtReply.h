@@ -1,0 +1,28 @@
+// What a modem's reply to an AT command means: the final results of 3GPP TS 27.005 and 27.007 and ITU-T V.250.
+#pragma once
+#include <cstdint>
+#include <string_view>
+
+enum class AtStatus {
+    kNone = 0,
+    kUnexpected = 1,
+    kOk = 3,
+    kConnect = 4,
+    kError = 5,
+    kNoDialtone = 6,
+    kNoCarrier = 7,
+    kNoAnswer = 8,
+    kBusy = 9,
+    kExpected = 10,
+};
+
+struct AtOutcome {
+    AtStatus status = AtStatus::kNone;
+    std::int32_t code = 0;  // the result code that goes with it
+};
+
+// True when the line ends the reply: it holds a final result or the expected text.
+bool EndsReply(std::string_view line, std::string_view expected);
+
+// Classifies the last line of a reply; letters compare without case.
+AtOutcome ClassifyReply(std::string_view reply, std::string_view expected);

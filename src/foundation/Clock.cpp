@@ -1,0 +1,30 @@
+#include "foundation/Clock.h"
+
+#include <array>
+#include <cstdio>
+
+std::string ClockPrefix(const CalendarTime& local) {
+    std::array<char, 48> text{};
+    std::snprintf(text.data(), text.size(), "[%02d:%02d:%02d]", local.hour, local.minute, local.second);
+    return text.data();
+}
+
+std::string TimeText(Clock& clock, std::int64_t seconds) {
+    if (seconds <= 0) return "n/a";
+    const CalendarTime t = clock.ToLocal(seconds);
+    const auto digits = [](char* at, int value) {
+        at[0] = static_cast<char>('0' + value / 10 % 10);
+        at[1] = static_cast<char>('0' + value % 10);
+    };
+    std::string text = "00/00/0000 00:00:00 AM";
+    const int hour = t.hour % 12 == 0 ? 12 : t.hour % 12;
+    digits(&text[0], t.month);
+    digits(&text[3], t.day);
+    digits(&text[6], t.year / 100);
+    digits(&text[8], t.year % 100);
+    digits(&text[11], hour);
+    digits(&text[14], t.minute);
+    digits(&text[17], t.second);
+    if (t.hour >= 12) text[20] = 'P';
+    return text;
+}

@@ -1,0 +1,90 @@
+#include "foundation/IniFile.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "foundation/Text.h"
+#include "foundation/TextFile.h"
+
+namespace {
+
+constexpr std::size_t kMaximumSize = std::size_t{1} << 20;
+
+bool SameName(std::string_view a, std::string_view b) {
+    return std::ranges::equal(a, b, {}, UpperChar, UpperChar);
+}
+
+// The value part when the line is `key=value`.
+const char* ValueOf(const std::string& line, std::string_view key) {
+    const std::size_t sign = line.find('=');
+    if (sign == std::string::npos || !SameName(Trim(std::string_view(line).substr(0, sign)), key)) return nullptr;
+    return line.c_str() + sign + 1;
+}
+
+}  // namespace
+
+IniFile IniFile::Load(const std::string& name) {
+    IniFile ini;
+    const auto text = ReadTextFile(name, kMaximumSize);
+    if (!text) return ini;
+    Section* current = nullptr;
+    for (const std::string_view raw : Split(*text, "\n")) {
+        const std::string_view line = Trim(raw);
+        if (line.empty()) continue;
+        if (line.front() == '[' && line.back() == ']') {
+            current = &ini.Find(line.substr(1, line.size() - 2));
+        } else if (current != nullptr) {
+            current->lines.emplace_back(line);
+        }
+    }
+    return ini;
+}
+
+bool IniFile::Save(const std::string& name) const {
+    std::string text;
+    for (const Section& section : sections_) {
+        text.append("[").append(section.name).append("]\n");
+        for (const std::string& line : section.lines) text.append(line).append("\n");
+    }
+    return WriteTextFile(name, text);
+}
+
+IniFile::Section& IniFile::Find(std::string_view name) {
+    const auto hit = std::ranges::find_if(sections_, [&](const Section& s) { return SameName(s.name, name); });
+    return hit != sections_.end() ? *hit : sections_.emplace_back(Section{std::string(name), {}});
+}
+
+const std::vector<std::string>& IniFile::Lines(std::string_view section) const {
+    static const std::vector<std::string> kNone;
+    const auto hit = std::ranges::find_if(sections_, [&](const Section& s) { return SameName(s.name, section); });
+    return hit != sections_.end() ? hit->lines : kNone;
+}
+
+void IniFile::SetLines(std::string_view section, std::vector<std::string> lines) {
+    Find(section).lines = std::move(lines);
+}
+
+std::string IniFile::Text(std::string_view section, std::string_view key, std::string_view fallback) const {
+    for (const std::string& line : Lines(section)) {
+        if (const char* value = ValueOf(line, key)) return std::string(Trim(value));
+    }
+    return std::string(fallback);
+}
+
+std::uint32_t IniFile::Number(std::string_view section, std::string_view key, std::uint32_t fallback) const {
+    const std::string text = Text(section, key);
+    if (text.empty() || !IsDigit(text.front())) return fallback;
+    return static_cast<std::uint32_t>(ToInt(text));
+}
+
+void IniFile::SetText(std::string_view section, std::string_view key, std::string_view value) {
+    std::string line = std::string(key) + "=" + std::string(value);
+    Section& found = Find(section);
+    for (std::string& old : found.lines) {
+        if (ValueOf(old, key) != nullptr) {
+            old = std::move(line);
+            return;
+        }
+    }
+    found.lines.push_back(std::move(line));
+}

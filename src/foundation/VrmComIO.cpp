@@ -1,0 +1,97 @@
+#include "foundation/VrmComIO.h"
+
+#include <algorithm>
+
+#include "foundation/Text.h"
+#include "frame/ErrorTexts.h"
+#include "frame/VrmBase.h"
+
+namespace {
+constexpr std::uint32_t kLineTime = 1000;
+constexpr std::uint32_t kListCommandTime = 2000;
+constexpr char kCarriageReturn = '\r';
+constexpr std::string_view kPrompt = ">";  // what a modem asks for data with; no line end follows it
+
+std::string MaskPin(std::string_view command) {
+    std::string masked(command);
+    if (ContainsNoCase(masked, "AT+CPIN")) std::ranges::replace_if(masked, IsDigit, '*');
+    return masked;
+}
+}  // namespace
+
+CVrmComIO::CVrmComIO(SerialOpener& opener, Clock& clock) : CKorComIO("CVrmComIO", opener, clock) {}
+
+std::int32_t CVrmComIO::Open(SerialSettings settings) {
+    const bool port = ContainsNoCase(std::string_view(settings.device).substr(0, 3), "COM");
+    if (port && settings.speed == 0) settings.speed = kDefaultSpeed;
+    const std::int32_t code = port ? OpenPort(settings) : OpenTelephony(settings);
+    Log(logmask::kVerbatim, "OPEN DEVICE   [Velqar Build %s], device=[%s], baudrate=[%d], result=[%s]\n",
+        product::kBuild, settings.device.c_str(), static_cast<int>(settings.speed), DescribeError(code).data());
+    return code;
+}
+
+void CVrmComIO::Close() {
+    if (!IsOpen()) return;
+    CKorComIO::Close();
+    Log(logmask::kVerbatim, "CLOSE DEVICE\n");
+}
+
+std::int32_t CVrmComIO::WriteString(std::string_view text) {
+    if (IsLogging()) Log(logmask::kVerbatim, "WRITE STRING, string=[%s]\n", MaskPin(text).c_str());
+    return CKorComIO::WriteString(text, kCarriageReturn);
+}
+
+std::int32_t CVrmComIO::ReadString(std::string& line, std::size_t maximum, std::uint32_t timeout,
+                                   std::string_view prompt) {
+    const std::int32_t code = CKorComIO::ReadString(line, maximum, timeout, kCarriageReturn, prompt);
+    if (code == result::Success) Log(logmask::kVerbatim, "READ STRING,  string=[%s]\n", line.c_str());
+    return code;
+}
+
+std::int32_t CVrmComIO::WriteBytes(std::string_view octets) {
+    Log(logmask::kVerbatim, "WRITE BYTES, #bytes=[%d]\n", static_cast<int>(octets.size()));
+    return CKorComIO::WriteBytes(octets);
+}
+
+std::int32_t CVrmComIO::ReadBytes(std::string& octets, std::size_t count, std::uint32_t timeout) {
+    const std::int32_t code = CKorComIO::ReadBytes(octets, count, timeout);
+    if (code != result::Success) {
+        Log(logmask::kVerbatim, "READ BYTES, #bytes=[%d]\n", static_cast<int>(octets.size()));
+    }
+    return code;
+}
+
+AtExchange CVrmComIO::Exchange(std::string_view command, std::uint32_t timeout, std::string_view expected) {
+    if (!command.empty()) {
+        if (IsLogging()) Log(logmask::kActivity, "Sending command [%s]...\n", MaskPin(command).c_str());
+        (void)WriteString(command);
+    }
+    AtExchange exchange;
+    const std::string_view prompt = expected == kPrompt ? kPrompt : std::string_view{};
+    const Timer timer(GetClock(), timeout);
+    do {
+        std::string line;
+        const std::uint32_t wait = std::min(kLineTime, timer.Remaining());
+        if (ReadString(line, kLongestLine, wait, prompt) != result::Success) continue;
+        exchange.reply = std::move(line);
+        if (EndsReply(exchange.reply, expected)) break;
+    } while (!timer.Expired());
+    exchange.outcome = ClassifyReply(exchange.reply, expected);
+    // The line that closes an expected answer is read away; a prompt has none, the modem waits for data.
+    if (exchange.outcome.status == AtStatus::kExpected && prompt.empty()) {
+        std::string rest;
+        (void)ReadString(rest, kLongestLine, kLineTime);
+    }
+    Log(logmask::kActivity, "Reply: [%s]\n", exchange.reply.c_str());
+    return exchange;
+}
+
+std::int32_t CVrmComIO::RunCommandList(std::string_view list) {
+    for (const std::string_view command : Split(list, ";")) {
+        if (Trim(command).empty()) continue;
+        const AtExchange exchange = Exchange(command, kListCommandTime);
+        if (exchange.outcome.code != result::Success) return exchange.outcome.code;
+        if (exchange.outcome.status != AtStatus::kOk) return result::ModemUnexpectedResponse;
+    }
+    return result::Success;
+}

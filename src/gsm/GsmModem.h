@@ -1,0 +1,100 @@
+// The GSM modem channel: the AT dialogues of 3GPP TS 27.005 and 27.007 that send, receive, delete and ask.
+// Every operation opens the device, works, and closes it again.
+#pragma once
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "foundation/VrmComIO.h"
+#include "frame/VrmBase.h"
+#include "gsm/GsmCodec.h"
+#include "sms/SmsDeliveryReports.h"
+#include "sms/SmsMessageX.h"
+#include "sms/SmsMessagesX.h"
+
+// What the caller sets.
+struct GsmSettings {
+    std::string device;      // "COM1", or the name of a telephony line
+    std::uint32_t speed = 0;  // bits per second; 0 = 115200
+    std::string initString;   // an AT command sent first; empty = none
+    std::int32_t flowControl = sms::asDEVICEFLOWCONTROL_DEFAULT;
+    std::int32_t messageStorage = sms::asSTORAGE_ALL;  // where messages and reports are read from
+    std::int32_t reportsStorage = sms::asSTORAGE_ALL;  // kept for the caller; reading goes by messageStorage
+    std::string smsc;                                  // empty = the SIM's own
+};
+
+class CGsmModem : public CVrmBase {
+  public:
+    static constexpr char kReferenceSeparator = ';';
+
+    explicit CGsmModem(SerialOpener& opener, Clock& clock = SystemClock());
+
+    GsmSettings settings;
+
+    void SetLogFile(const std::string& name) override;
+    void SetActivityFile(const std::string& name) override;
+
+    // Back to the state after construction; only the PIN that was last rejected stays known.
+    void Clear();
+
+    // All return a result code; see the class's own page of the reference for the codes of each.
+    [[nodiscard]] std::int32_t EnterPin(std::string_view pin);
+    [[nodiscard]] std::int32_t SendCommand(std::string_view command, std::uint32_t timeout, std::string& response);
+
+    // `references`: the modem's reference of each part, joined by ";" ("17;18;19").
+    [[nodiscard]] std::int32_t Send(const CSmsMessageX& message, std::string& references);
+
+    // Reads the chosen storages into the received messages.
+    [[nodiscard]] std::int32_t Receive();
+    CSmsMessagesX& Received() { return received_; }
+
+    [[nodiscard]] std::int32_t DeleteMessage(std::int32_t index);
+    // MMS notifications stay on the device unless `all`.
+    [[nodiscard]] std::int32_t DeleteAllMessages(bool all);
+
+    // The report of a reference as Send returned it. For several parts: open while one part is; then the first state
+    // that is not "Delivered", and the latest time. A final report leaves the store.
+    [[nodiscard]] std::int32_t QueryStatus(std::string_view references, CSmsDeliveryReport& report);
+    CSmsDeliveryReports& Reports() { return reports_; }
+
+  private:
+    class OpenDevice;  // closes the device at the end of an operation
+
+    enum Storage : unsigned { kSim = 1, kDevice = 2, kCombined = 4, kReports = 8 };
+
+    [[nodiscard]] std::int32_t Open();
+    void Close();
+    [[nodiscard]] std::int32_t Initialise();
+    [[nodiscard]] std::int32_t ChooseMode();
+    [[nodiscard]] std::int32_t Command(std::string_view command, std::string_view expected = {});
+    [[nodiscard]] std::int32_t Command(std::string_view command, std::string_view expected, std::string& reply);
+
+    [[nodiscard]] std::int32_t CheckPin(std::string_view pin);
+    void WaitForRegistration();
+
+    [[nodiscard]] std::int32_t SendPdus(const CSmsMessageX& message, std::string& references);
+    [[nodiscard]] std::int32_t SendPdu(std::string_view pdu, std::string& reference);
+    [[nodiscard]] std::int32_t SendText(const CSmsMessageX& message, std::string& references);
+    [[nodiscard]] std::int32_t RequestReports();
+
+    [[nodiscard]] std::int32_t ReadReports();
+    [[nodiscard]] std::int32_t ReadStorages(unsigned storages);
+    [[nodiscard]] std::int32_t ReadStorage(const char* storage);
+    [[nodiscard]] std::int32_t ListMessages(const char* storage, int status, std::string& reportKeys);
+    void TakePdu(const std::string& pdu, const char* storage, std::int32_t index, std::string& reportKeys);
+    [[nodiscard]] std::int32_t SelectStorage(std::string_view storage);
+    [[nodiscard]] std::int32_t DeleteKeys(std::string_view keys);
+
+    CVrmComIO port_;
+    CGsmCodec codec_;
+    CSmsMessagesX received_;
+    CSmsDeliveryReports reports_;
+    std::string rejectedPin_;
+    unsigned offeredStorages_ = 0;
+    bool pduMode_ = true;
+    std::optional<std::int64_t> reportsReadAt_;
+};
+
+// What one value list of "+CNMI: (0-2),(0,1),..." offers: bit n for the value n (0 to 3).
+unsigned ParseCnmiList(std::string_view list);

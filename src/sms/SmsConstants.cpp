@@ -1,0 +1,31 @@
+#include "sms/SmsConstants.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+struct Row {
+    std::string_view name;
+    std::int32_t value;
+    std::string_view text;
+};
+
+constexpr auto kConstants = std::to_array<Row>({
+#define SMS_GROUP(name, help)
+#define SMS_GROUP_END(name)
+#define SMS_CONSTANT(name, value, dispid, help) {#name, value, help},
+#include "sms/SmsConstants.inc"
+#undef SMS_GROUP
+#undef SMS_GROUP_END
+#undef SMS_CONSTANT
+});
+
+}  // namespace
+
+std::string_view DeliveryStatusText(std::int32_t status) {
+    const auto* const row = std::ranges::find_if(kConstants, [status](const Row& candidate) {
+        return candidate.value == status && candidate.name.starts_with("asDELIVERYSTATUS_");
+    });
+    return row != kConstants.end() ? row->text : "Unspecified";
+}

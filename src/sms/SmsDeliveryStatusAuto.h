@@ -1,0 +1,12 @@
+// The class SmsDeliveryStatus, and filling one from a report.
+#pragma once
+#include <cstdint>
+
+#include "NeltCtrl.h"
+#include "sms/SmsDeliveryReports.h"
+
+// Writes the report into the SmsDeliveryStatus in a VARIANT; 0, or 34141 when there is none.
+[[nodiscard]] std::int32_t FillStatus(const CSmsDeliveryReport& report, const VARIANT* target);
+
+// A new SmsDeliveryStatus with the report's contents, into an output VARIANT.
+void GiveDeliveryStatus(VARIANT* out, const CSmsDeliveryReport& report);

@@ -1,0 +1,245 @@
+#include "sms/SmsMessagesX.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <functional>
+
+#include "frame/ErrorTexts.h"
+
+namespace {
+
+constexpr std::u16string_view kMissingPart = u"* Missing Part *";
+constexpr std::uint32_t kWapPushPort = 2948;
+constexpr std::uint32_t kWapSourcePort = 9200;
+constexpr std::uint8_t kMmsContentType = 0xBE;
+constexpr std::string_view kMmsContentTypeText = "application/vnd.wap.mms-message";
+constexpr std::uint8_t kNotificationInd = 130;
+constexpr std::uint8_t kDeliveryInd = 134;
+constexpr std::size_t kContentTypeAt = 3;
+
+std::string LowOctets(std::u16string_view text) {
+    std::string octets(text.size(), '\0');
+    std::ranges::transform(text, octets.begin(), [](char16_t c) { return static_cast<char>(c & 0xFF); });
+    return octets;
+}
+
+std::string NotificationText(const MmsNotification& mms) {
+    if (mms.messageType == kNotificationInd) {
+        return "M-NOTIFICATION-IND URL=" + mms.contentLocation + " ID=" + mms.transactionId + " FROM=" + mms.from +
+               " SIZE=" + std::to_string(mms.messageSize) + " EXPIRATION=" + std::to_string(mms.expiry);
+    }
+    if (mms.messageType == kDeliveryInd) {
+        std::array<char, 4> status{};
+        std::snprintf(status.data(), status.size(), "%02X", mms.status);
+        return "M-DELIVERY-IND ID=" + mms.messageId + " TO=" + mms.to + " DATE=" + mms.date +
+               " STATUS=" + status.data();
+    }
+    return "WAP/WSP message";
+}
+
+}  // namespace
+
+std::size_t CSmsMessagesX::KeyHash::operator()(const Key& key) const {
+    const std::hash<std::string_view> hash;
+    return hash(key.sender) * 31 + hash(key.recipient) * 17 + key.reference;
+}
+
+CSmsMessagesX::CSmsMessagesX(Clock& clock, std::int32_t segmentationTimeout, MmsNotificationDecoder* decoder)
+    : clock_(&clock), segmentationTimeout_(segmentationTimeout), decoder_(decoder) {}
+
+// The moment from which the part is older than the time-out: the age is a signed 32-bit difference to the message's
+// own time stamp.
+std::int64_t CSmsMessagesX::DueTime(std::int32_t timeSecs) const {
+    const std::int64_t now = clock_->Now();
+    const auto age = static_cast<std::int32_t>(static_cast<std::uint32_t>(now) - static_cast<std::uint32_t>(timeSecs));
+    return now + (std::int64_t{segmentationTimeout_} - age) + 1;
+}
+
+void CSmsMessagesX::Add(CSmsMessageX record) {
+    const std::scoped_lock guard(lock_);
+    record.Id = nextId_++;
+    record.State = MessageState::kPending;
+    if (record.PartNumber == 0 || record.PartNumber > record.PartCount) record.SetSinglePart();
+    if (record.PartCount == 1) {
+        arrived_.push_back(std::move(record));
+        return;
+    }
+    const auto [entry, isNew] = groups_.try_emplace({record.Sender, record.Recipient, record.PartReference});
+    Group& group = entry->second;
+    group.smallestCount = isNew ? record.PartCount : std::min(group.smallestCount, record.PartCount);
+    group.parts[record.PartNumber].push_back(nextSequence_);
+    if (!group.changed) {
+        group.changed = true;
+        changed_.push_back(&*entry);
+    }
+    const std::int64_t due = DueTime(record.TimeSecs);
+    due_.emplace(due, nextSequence_);
+    parts_.emplace_hint(parts_.end(), nextSequence_, Part{std::move(record), &*entry, due});
+    ++nextSequence_;
+}
+
+bool CSmsMessagesX::HasAllParts(const Group& group, std::uint32_t count) const {
+    if (group.parts.size() < count) return false;
+    const auto end = group.parts.upper_bound(count);
+    return std::distance(group.parts.begin(), end) == static_cast<std::ptrdiff_t>(count);
+}
+
+void CSmsMessagesX::Complete(CSmsMessageX record) {
+    record.State = MessageState::kComplete;
+    if (record.DestinationPort == kWapPushPort && (record.SourcePort == kWapSourcePort || record.SourcePort == 0)) {
+        RecogniseNotification(record);
+    }
+    complete_.push_back(std::move(record));
+}
+
+// One pass has the outcome of walking all waiting records in arrival order, but only touches those that can change:
+// single messages, groups that gained a part, and parts whose time has come.
+void CSmsMessagesX::Pass() {
+    std::vector<Sequence> candidates;
+    for (Groups::value_type* entry : changed_) {
+        Group& group = entry->second;
+        group.changed = false;
+        if (group.parts.size() < group.smallestCount) continue;
+        for (const auto& [number, sequences] : group.parts) {
+            candidates.insert(candidates.end(), sequences.begin(), sequences.end());
+        }
+    }
+    changed_.clear();
+    const std::int64_t now = clock_->Now();
+    for (auto due = due_.begin(); due != due_.end() && due->first <= now; ++due) candidates.push_back(due->second);
+    std::ranges::sort(candidates);
+
+    for (CSmsMessageX& record : arrived_) Complete(std::move(record));
+    arrived_.clear();
+    for (const Sequence sequence : candidates) {
+        const auto trigger = parts_.find(sequence);
+        if (trigger == parts_.end()) continue;  // merged by an earlier one
+        const Part& part = trigger->second;
+        const bool whole = HasAllParts(part.group->second, part.record.PartCount);
+        if (whole || part.due <= now) Combine(trigger, !whole);
+    }
+}
+
+void CSmsMessagesX::Combine(std::map<Sequence, Part>::iterator trigger, bool withGaps) {
+    CSmsMessageX whole;
+    {
+        const CSmsMessageX& from = trigger->second.record;
+        whole.TimeSecs = from.TimeSecs;
+        whole.Sender = from.Sender;
+        whole.Recipient = from.Recipient;
+        whole.SMSC = from.SMSC;
+        whole.Format = from.Format;
+        whole.PartCount = 1;
+        if (!withGaps) {  // a message completed by the time-out keeps no time text, no arrival and no ports
+            whole.ReceivedTime = from.ReceivedTime;
+            whole.Time = from.Time;
+            whole.SourcePort = from.SourcePort;
+            whole.DestinationPort = from.DestinationPort;
+        }
+    }
+    const std::uint32_t count = trigger->second.record.PartCount;
+    Group& group = trigger->second.group->second;
+    std::vector<std::map<Sequence, Part>::iterator> merged{trigger};
+    for (std::uint32_t number = 1; number <= count; ++number) {
+        const auto found = group.parts.find(number);
+        if (found == group.parts.end()) {
+            whole.Data += kMissingPart;
+            continue;
+        }
+        const auto part = parts_.find(found->second.front());
+        whole.Data += part->second.record.Data;
+        whole.StorageLocation += part->second.record.StorageLocation;
+        if (part != trigger) merged.push_back(part);
+    }
+    for (const auto& part : merged) RemovePart(part);
+    whole.Id = nextId_++;
+    Complete(std::move(whole));
+}
+
+void CSmsMessagesX::RemovePart(std::map<Sequence, Part>::iterator part) {
+    Groups::value_type* entry = part->second.group;
+    Group& group = entry->second;
+    const auto numbered = group.parts.find(part->second.record.PartNumber);
+    std::erase(numbered->second, part->first);
+    if (numbered->second.empty()) group.parts.erase(numbered);
+    if (group.parts.empty()) groups_.erase(groups_.find(entry->first));
+    due_.erase({part->second.due, part->first});
+    parts_.erase(part);
+}
+
+void CSmsMessagesX::RecogniseNotification(CSmsMessageX& record) {
+    const std::string octets = LowOctets(record.Data);
+    if (octets.size() <= kContentTypeAt) return;
+    const std::string_view content = std::string_view(octets).substr(kContentTypeAt);
+    if (content.find(kMmsContentTypeText) == std::string_view::npos &&
+        static_cast<std::uint8_t>(content.front()) != kMmsContentType) {
+        return;
+    }
+    const std::size_t pduAt = static_cast<std::uint8_t>(octets[2]) + kContentTypeAt;
+    std::optional<MmsNotification> mms;
+    if (decoder_ != nullptr && pduAt < octets.size()) mms = decoder_->Decode(std::string_view(octets).substr(pduAt));
+    const std::string text = NotificationText(mms.value_or(MmsNotification{}));
+    record.Data.assign(text.begin(), text.end());
+    record.SourcePort = 0;
+    record.DestinationPort = 0;
+    record.Format = sms::asMESSAGEFORMAT_NOTIFICATION_MMS;
+}
+
+void CSmsMessagesX::Process() {
+    const std::scoped_lock guard(lock_);
+    Pass();
+}
+
+std::int32_t CSmsMessagesX::First(CSmsMessageX& message) {
+    const std::scoped_lock guard(lock_);
+    Pass();
+    next_ = 0;
+    if (complete_.empty()) return result::NoMoreMessages;
+    message = CSmsMessageX(complete_[next_++]);
+    return result::Success;
+}
+
+std::int32_t CSmsMessagesX::Next(CSmsMessageX& message) {
+    const std::scoped_lock guard(lock_);
+    Pass();
+    if (next_ >= complete_.size()) return result::NoMoreMessages;
+    message = CSmsMessageX(complete_[next_++]);
+    return result::Success;
+}
+
+std::int32_t CSmsMessagesX::ByIndex(std::size_t index, CSmsMessageX& message) const {
+    const std::scoped_lock guard(lock_);
+    if (index >= complete_.size()) return result::NoMoreMessages;
+    message = CSmsMessageX(complete_[index]);
+    return result::Success;
+}
+
+std::size_t CSmsMessagesX::Count() {
+    const std::scoped_lock guard(lock_);
+    Pass();
+    return complete_.size();
+}
+
+std::size_t CSmsMessagesX::Stored() const {
+    const std::scoped_lock guard(lock_);
+    return complete_.size() + arrived_.size() + parts_.size();
+}
+
+void CSmsMessagesX::Remove(std::size_t index) {
+    const std::scoped_lock guard(lock_);
+    if (index >= complete_.size()) return;
+    complete_.erase(complete_.begin() + static_cast<std::ptrdiff_t>(index));
+    if (index < next_) --next_;
+}
+
+void CSmsMessagesX::Clear() {
+    const std::scoped_lock guard(lock_);
+    complete_.clear();
+    next_ = 0;
+    arrived_.clear();
+    parts_.clear();
+    groups_.clear();
+    changed_.clear();
+    due_.clear();
+}
