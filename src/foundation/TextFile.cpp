@@ -1,10 +1,12 @@
 #include "foundation/TextFile.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <memory>
 
 #include "foundation/FileReplace.h"
+#include "foundation/Text.h"
 
 namespace {
 
@@ -18,7 +20,7 @@ File Open(const std::string& name, const char* mode) { return File(std::fopen(na
 }  // namespace
 
 std::optional<std::string> ReadTextFile(const std::string& name, std::size_t limit) {
-    const File file = Open(name, "rt");
+    const File file = Open(name, "rb");  // text mode would end at a Ctrl-Z
     if (!file) return std::nullopt;
     std::string text;
     std::array<char, 16384> chunk{};
@@ -28,6 +30,7 @@ std::optional<std::string> ReadTextFile(const std::string& name, std::size_t lim
         text.append(chunk.data(), size);
     }
     if (text.empty() && std::ferror(file.get()) != 0) return std::nullopt;  // a folder opens on some systems
+    ReplaceAll(text, "\r\n", "\n");
     return text;
 }
 

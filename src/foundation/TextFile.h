@@ -1,4 +1,4 @@
-// Whole text files, in the C library's text mode (line feeds are written as the platform's line ends).
+// Whole text files. Line feeds are written as the platform's line ends and read back as line feeds.
 #pragma once
 #include <optional>
 #include <string>

@@ -1,0 +1,616 @@
+// Serial texts and lines, AT replies, and the modem dialogues, against a scripted modem in virtual time.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "foundation/VrmComIO.h"
+#include "frame/ErrorTexts.h"
+#include "gsm/GsmModem.h"
+#include "sms/DeviceOptions.h"
+#include "support/ScriptedModem.h"
+#include "support/TemporaryFolder.h"
+
+namespace {
+
+class Serial : public testing::Test {
+  protected:
+    void Open(SerialSettings settings = {.device = "COM3"}) { ASSERT_EQ(port.Open(std::move(settings)), 0); }
+
+    VirtualClock clock;
+    ScriptedModem modem{clock};
+    CVrmComIO port{modem, clock};
+};
+
+TEST_F(Serial, ChoosesPortOrTelephonyByName) {
+    struct Row {
+        const char* device;
+        std::uint32_t speed;
+        bool telephony;
+        std::uint32_t usedSpeed;
+    };
+    for (const Row& row : {Row{"COM3", 0, false, 115200}, Row{"com12", 9600, false, 9600},
+                           Row{"Standard Modem", 0, true, 0}}) {
+        Open({.device = row.device, .speed = row.speed});
+        EXPECT_EQ(modem.viaTelephony, row.telephony);
+        EXPECT_EQ(modem.settings.speed, row.usedSpeed);
+        EXPECT_EQ(port.Open({.device = "COM3"}), 30103);
+        port.Close();
+    }
+    EXPECT_EQ(port.Open({.device = "COM3", .speed = 1}), 30113);
+    EXPECT_EQ(port.Open({.device = ""}), 30201);
+    modem.openResult = 30104;
+    EXPECT_EQ(port.Open({.device = "COM3"}), 30104);
+    EXPECT_FALSE(port.IsOpen());
+}
+
+TEST_F(Serial, AnUnknownOpenErrorIsLogged) {
+    const TemporaryFolder folder;
+    port.SetLogFile(folder.File("log"));
+    modem.openResult = 30104;
+    for (const auto& [error, logged] : {std::pair{2U, false}, {5U, false}, {31U, true}}) {
+        std::remove(folder.File("log").c_str());
+        modem.systemError = error;
+        (void)port.Open({.device = "COM3"});
+        const std::string log = TemporaryFolder::Read(folder.File("log"));
+        EXPECT_EQ(log.find("Unknown error occured while opening serial port  : [0x0000001F]") != std::string::npos, logged);
+        EXPECT_NE(log.find("OPEN DEVICE   [Velqar Build 5.3.10.1123 (x64)], device=[COM3], baudrate=[115200], "
+                           "result=[Generic open port error]\n"),
+                  std::string::npos);
+    }
+}
+
+TEST_F(Serial, WritesTextsWithTheirTerminator) {
+    EXPECT_EQ(port.WriteString("AT"), 0);  // not open: still 0
+    EXPECT_EQ(port.WriteBytes("x"), 30114);
+    std::string line;
+    EXPECT_EQ(port.ReadString(line, 10, 100), 30114);
+    EXPECT_EQ(port.ReadBytes(line, 10, 100), 30114);
+    Open();
+    port.WriteString("AT");
+    port.WriteString("0001\x1a");
+    port.WriteString("");
+    EXPECT_EQ(modem.written, "AT\r0001\x1a");
+    modem.written.clear();
+    port.WriteString(std::string(5000, 'x'));
+    EXPECT_EQ(modem.written.size(), 4097U);
+    port.Close();
+    modem.written.clear();
+    Open({.device = "COM3", .writeDelay = 50, .characterDelay = 20});
+    const auto before = clock.Slept();
+    port.WriteString("ATZ");
+    EXPECT_EQ(modem.written, "ATZ\r");
+    EXPECT_EQ(clock.Slept() - before, 50U + 4 * 20);
+}
+
+TEST_F(Serial, ASlowWriteToADeadLineEnds) {
+    Open({.device = "COM3", .characterDelay = 20});
+    modem.dead = true;
+    const auto before = clock.Slept();
+    port.WriteString("ATZ");
+    EXPECT_LE(clock.Slept() - before, 5000U + 4 * 20 + 20);
+}
+
+TEST_F(Serial, ReadsLinesHoweverTheyArrive) {
+    struct Row {
+        const char* name;
+        std::string octets;
+        std::size_t maximum;
+        std::string line;
+        std::int32_t code;
+    };
+    for (const std::size_t fragment : {0, 1, 3}) {
+        modem.Fragment(fragment);
+        for (const Row& row : {
+                 Row{"empty lines are skipped", "\r\nOK\r\n", 100, "OK", 0},
+                 Row{"blanks are trimmed", "\r\n  a b \t\r", 100, "a b", 0},
+                 Row{"cut by the time-out", "half", 100, "half", 0},
+                 Row{"cut by the maximum", "abcdef\r", 4, "abcd", 0},
+                 Row{"nothing", "", 100, "", 30115},
+                 Row{"only line ends", "\r\n\r\n\r\n", 100, "", 30115},
+                 Row{"embedded zero", std::string("a\0b\r", 4), 100, std::string("a\0b", 3), 0},
+             }) {
+            Open();
+            modem.Give(row.octets);
+            std::string line;
+            const auto before = clock.Slept();
+            EXPECT_EQ(port.ReadString(line, row.maximum, 1000), row.code) << row.name;
+            EXPECT_EQ(line, row.line) << row.name;
+            EXPECT_LE(clock.Slept() - before, 1000U) << row.name;
+            port.Close();
+        }
+    }
+}
+
+TEST_F(Serial, ReadsOctetsUntilCountOrTimeout) {
+    Open();
+    modem.Give("abcdef");
+    std::string octets;
+    EXPECT_EQ(port.ReadBytes(octets, 4, 100), 0);
+    EXPECT_EQ(octets, "abcd");
+    EXPECT_EQ(port.ReadBytes(octets, 4, 100), 0);
+    EXPECT_EQ(octets, "ef");
+    EXPECT_EQ(port.ReadBytes(octets, 4, 100), 30115);
+}
+
+TEST_F(Serial, AFloodCostsNoMoreThanTheTimeout) {
+    Open();
+    modem.endless = true;
+    for (const char* flood : {"\r\n\r\n", "RING\r\n", "no end "}) {
+        modem.flood = flood;
+        const auto before = clock.Slept();
+        (void)port.Exchange("AT", 5000);
+        EXPECT_LE(clock.Slept() - before, 6100U) << flood;
+    }
+}
+
+TEST_F(Serial, ExchangesClassifyTheLastLine) {
+    struct Row {
+        const char* reply;
+        const char* expected;
+        AtStatus status;
+        std::int32_t code;
+    };
+    Open();
+    for (const Row& row : {
+             Row{"\r\nOK\r\n", "", AtStatus::kOk, 0},
+             Row{"AT\r\r\nOK\r\n", "", AtStatus::kOk, 0},
+             Row{"\r\nok\r\n", "", AtStatus::kOk, 0},
+             Row{"\r\nCONNECT 9600\r\n", "", AtStatus::kConnect, 0},
+             Row{"\r\nERROR\r\n", "", AtStatus::kError, 30352},
+             Row{"\r\n+CMS ERROR: 38\r\n", "", AtStatus::kError, 33160},
+             Row{"\r\n+CMS ERROR: 330\r\n", "", AtStatus::kError, 33170},
+             Row{"\r\n+CMS ERROR:27\r\n", "", AtStatus::kError, 34031},
+             Row{"\r\n+CMS ERROR: 500\r\n", "", AtStatus::kError, 30352},
+             Row{"\r\n+CMS ERROR: xyz\r\n", "", AtStatus::kError, 30352},
+             Row{"\r\n+CME ERROR: 10\r\n", "", AtStatus::kError, 33140},
+             Row{"\r\n+CME ERROR: 38\r\n", "", AtStatus::kError, 30352},
+             Row{"\r\nNO DIALTONE\r\n", "", AtStatus::kNoDialtone, 30353},
+             Row{"\r\nNO CARRIER\r\n", "", AtStatus::kNoCarrier, 30354},
+             Row{"\r\nNO ANSWER\r\n", "", AtStatus::kNoAnswer, 30355},
+             Row{"\r\nBUSY\r\n", "", AtStatus::kBusy, 30356},
+             Row{"\r\n+X: 1\r\n\r\nOK\r\n", "+X:", AtStatus::kExpected, 0},
+             Row{"\r\n> ", ">", AtStatus::kExpected, 0},
+             Row{"", "", AtStatus::kNone, 30350},
+             Row{"\r\nwhat\r\n", "", AtStatus::kUnexpected, 30351},
+         }) {
+        modem.On("AT", {row.reply});
+        const AtExchange exchange = port.Exchange("AT", 3000, row.expected);
+        EXPECT_EQ(exchange.outcome.status, row.status) << row.reply;
+        EXPECT_EQ(exchange.outcome.code, row.code) << row.reply;
+    }
+    const auto before = clock.Slept();
+    modem.On("AT", {"\r\n> "});
+    (void)port.Exchange("AT", 3000, ">");
+    EXPECT_EQ(clock.Slept(), before);  // a prompt is not waited behind
+}
+
+TEST_F(Serial, CommandListsStopAtTheFirstFailure) {
+    Open();
+    modem.On("AT2", {"\r\nCONNECT\r\n"});
+    modem.On("AT3", {"\r\nERROR\r\n"});
+    EXPECT_EQ(port.RunCommandList("AT1;;AT1;"), 0);
+    EXPECT_EQ(port.RunCommandList("AT1;AT2;AT1"), 30351);
+    EXPECT_EQ(port.RunCommandList("AT3;AT1"), 30352);
+    EXPECT_EQ(modem.commands, (std::vector<std::string>{"AT1", "AT1", "AT1", "AT2", "AT3"}));
+}
+
+TEST(DeviceOptions, FlowControlSetsTheLineControls) {
+    SerialSettings settings;
+    ApplyFlowControl(settings, 0);
+    EXPECT_EQ(settings.ctsFlow + settings.rtsControl + settings.xonXoff + settings.dsrFlow, 0U);
+    ApplyFlowControl(settings, 1);
+    EXPECT_EQ(settings.ctsFlow, 2U);
+    EXPECT_EQ(settings.rtsControl, 2U);
+    ApplyFlowControl(settings, 2);
+    EXPECT_EQ(settings.ctsFlow, 1U);
+    EXPECT_EQ(settings.xonXoff, 1U);
+}
+
+// --- the dialogues
+
+class Gsm : public testing::Test {
+  protected:
+    Gsm() {
+        gsm.settings.device = "COM3";
+        modem.On("AT+CPMS=?", {"\r\n+CPMS: (\"SM\",\"ME\"),(\"SM\",\"MT\")\r\n\r\nOK\r\n"});
+        modem.On("AT+CMGF=?", {"\r\n+CMGF: (0,1)\r\n\r\nOK\r\n"});
+        modem.On("AT+CNMI=?", {"\r\n+CNMI: (1,2),(0-3),(0,2),(0-2),(1)\r\n\r\nOK\r\n"});
+        modem.On("AT+CMGS=14", {"\r\n> "});
+        modem.On(kPdu, {"\r\n+CMGS: 17\r\n\r\nOK\r\n"});
+    }
+
+    static CSmsMessageX Message(std::u16string text = u"a") {
+        CSmsMessageX message;
+        message.Recipient = "+31612345678";
+        message.Data = std::move(text);
+        return message;
+    }
+    std::int32_t Send(const CSmsMessageX& message) { return gsm.Send(message, references); }
+    bool Sent(const std::string& command) const {
+        return std::ranges::find(modem.commands, command) != modem.commands.end();
+    }
+    long Count(const std::string& command) const { return std::ranges::count(modem.commands, command); }
+
+    static constexpr const char* kPdu = "0001000B911316325476F800000161";
+    const std::vector<std::string> kInitialise = {"ATE0", "AT+CMEE=1", "AT+CPMS=?", "AT+CMGF=?"};
+    VirtualClock clock;
+    ScriptedModem modem{clock};
+    CGsmModem gsm{modem, clock};
+    std::string references;
+};
+
+TEST_F(Gsm, SendsOnePdu) {
+    ASSERT_EQ(Send(Message()), 0);
+    std::vector<std::string> expected = kInitialise;
+    expected.insert(expected.end(), {"AT+CMGF=0", "AT+CMGS=14", kPdu});
+    EXPECT_EQ(modem.commands, expected);
+    EXPECT_EQ(references, "17");
+    EXPECT_EQ(gsm.Reports().Query("17")->status, 11);
+    EXPECT_EQ(modem.openings, modem.closings);
+    EXPECT_EQ(clock.Slept(), 500U);  // settling after the opening, and nothing else
+}
+
+TEST_F(Gsm, TheOpeningDialogueHasItsExits) {
+    struct Row {
+        const char* command;
+        const char* reply;
+        std::int32_t code;
+        const char* smsc;
+        const char* init;
+    };
+    for (const Row& row : {
+             Row{"ATX", "", 30350, "", "ATX"},
+             Row{"ATX", "\r\nERROR\r\n", 0, "", "ATX"},
+             Row{"ATE0", "", 30350, "", ""},
+             Row{"ATE0", "\r\nERROR\r\n", 0, "", ""},
+             Row{"AT+CMEE=1", "", 30350, "", ""},
+             Row{"AT+CSCA=\"+31653131313\"", "\r\nERROR\r\n", 33171, "+31653131313", ""},
+             Row{"AT+CSCA=\"+31653131313\"", "\r\n+CMS ERROR: 330\r\n", 0, "+31653131313", ""},
+             Row{"AT+CSCA=\"+31653131313\"", "", 0, "+31653131313", ""},
+             Row{"AT+CPMS=?", "\r\n+CMS ERROR: 310\r\n", 33140, "", ""},
+             Row{"AT+CPMS=?", "\r\nERROR\r\n", 30352, "", ""},
+             Row{"AT+CMGF=?", "\r\nERROR\r\n", 30352, "", ""},
+             Row{"AT+CMGF=0", "\r\nERROR\r\n", 30352, "", ""},
+             Row{"AT+CMGS=14", "\r\n+CMS ERROR: 500\r\n", 30352, "", ""},
+             Row{"AT+CMGS=14", "", 30350, "", ""},
+         }) {
+        ScriptedModem other{clock};
+        other.On("AT+CPMS=?", {"\r\n+CPMS: (\"SM\"),(\"SM\")\r\n\r\nOK\r\n"});
+        other.On("AT+CMGF=?", {"\r\n+CMGF: (0,1)\r\n\r\nOK\r\n"});
+        other.On("AT+CMGS=14", {"\r\n> "});
+        other.On(kPdu, {"\r\n+CMGS: 1\r\n\r\nOK\r\n"});
+        other.On(row.command, {row.reply});
+        CGsmModem fresh(other, clock);
+        fresh.settings.device = "COM3";
+        fresh.settings.smsc = row.smsc;
+        fresh.settings.initString = row.init;
+        EXPECT_EQ(fresh.Send(Message(), references), row.code) << row.command << row.reply;
+        EXPECT_EQ(other.openings, other.closings);
+    }
+    modem.openResult = 30104;
+    EXPECT_EQ(Send(Message()), 30104);
+}
+
+TEST_F(Gsm, RecipientsAreCheckedBeforeTheDeviceIsOpened) {
+    for (const auto& [recipient, code] : {std::pair{"123", 34031}, {"+316x", 34031}, {"X12345", 34032}}) {
+        CSmsMessageX message = Message();
+        message.Recipient = recipient;
+        EXPECT_EQ(Send(message), code) << recipient;
+    }
+    EXPECT_EQ(modem.openings, 0);
+}
+
+TEST_F(Gsm, SendsThePartsOfALongMessageASecondApart) {
+    modem.On("AT+CMGS=153", {"\r\n> "});
+    modem.On("AT+CMGS=28", {"\r\n> "});
+    modem.Otherwise("\r\nOK\r\n");
+    CSmsMessageX message = Message(std::u16string(161, u'a'));
+    message.Format = 2;
+    CGsmCodec codec;
+    ASSERT_EQ(codec.Encode({"", message.Recipient, message.Data, 2}), 0);
+    const std::string& text = codec.Text();
+    const std::size_t at = text.find(';');
+    const std::string first = text.substr(0, at);
+    const std::string second = text.substr(at + 1, text.size() - at - 2);
+    modem.On("AT+CMGS=" + std::to_string(first.size() / 2 - 1), {"\r\n> "});
+    modem.On("AT+CMGS=" + std::to_string(second.size() / 2 - 1), {"\r\n> "});
+    modem.On(first, {"\r\n+CMGS: 254\r\n\r\nOK\r\n"});
+    modem.On(second, {"\r\n+CMGS: 255\r\n\r\nOK\r\n"});
+    ASSERT_EQ(Send(message), 0);
+    EXPECT_EQ(references, "254;255");
+    EXPECT_EQ(clock.Slept(), 1500U);
+    EXPECT_EQ(gsm.Reports().Count(), 2U);
+}
+
+TEST_F(Gsm, ABusyNetworkIsTriedThreeTimes) {
+    struct Row {
+        std::vector<std::string> answers;
+        std::int32_t code;
+        long attempts;
+        std::uint64_t waited;
+    };
+    const std::string busy = "\r\n+CMS ERROR: 38\r\n";
+    for (const Row& row : {Row{{busy}, 33160, 3, 4000}, Row{{busy, "\r\n+CMGS: 9\r\n\r\nOK\r\n"}, 0, 2, 2000},
+                           Row{{"\r\n+CMS ERROR: 1\r\n"}, 30352, 1, 0}}) {
+        modem.commands.clear();
+        modem.On(kPdu, row.answers);
+        const auto before = clock.Slept();
+        EXPECT_EQ(Send(Message()), row.code);
+        EXPECT_EQ(Count(kPdu), row.attempts);
+        EXPECT_EQ(Count("AT+CMGS=14"), row.attempts);
+        EXPECT_EQ(clock.Slept() - before, 500 + row.waited);
+        EXPECT_EQ(references.empty(), row.code != 0);
+    }
+}
+
+TEST_F(Gsm, ReportsAreRequestedWithTheLowestSupportedValues) {
+    CSmsMessageX message = Message();
+    message.RequestDeliveryStatus = true;
+    const std::string pdu = "0021000B911316325476F800000161";
+    modem.On(pdu, {"\r\n+CMGS: 17\r\n\r\nOK\r\n"});
+    ASSERT_EQ(Send(message), 0);
+    EXPECT_TRUE(Sent("AT+CNMI=1,0,0,2,1"));
+    EXPECT_EQ(gsm.Reports().Query("17")->status, 1);
+    for (const char* answer : {"\r\n+CNMI: (1,2),(0-3),(0,2),(0,1),(1)\r\n\r\nOK\r\n", "\r\n+CNMI: (1,2)\r\n\r\nOK\r\n",
+                               "\r\nERROR\r\n", "\r\n+CNMI: ,,,\r\n\r\nOK\r\n"}) {
+        modem.On("AT+CNMI=?", {answer});
+        modem.commands.clear();
+        EXPECT_EQ(Send(message), 33151) << answer;
+        EXPECT_FALSE(Sent("AT+CMGS=14"));
+    }
+}
+
+TEST(Cnmi, ListsAreRangesOrValues) {
+    for (const auto& [list, values] : {std::pair{"(0-2)", 7U}, {"0,2", 5U}, {"(3)", 8U}, {"2-9", 12U}, {"", 0U}, {"7", 0U},
+                                       {"1-0", 0U}, {"x", 0U}, {"-", 1U}}) {
+        EXPECT_EQ(ParseCnmiList(list), values) << list;
+    }
+}
+
+TEST_F(Gsm, KeywordsChooseTheMode) {
+    struct Row {
+        const char* keywords;
+        bool asks;
+        bool text;
+    };
+    modem.On("AT+CMGS=\"+31612345678\"", {"\r\n> "});
+    modem.On("hi", {"\r\n+CMGS: 5\r\n\r\nOK\r\n"});
+    modem.On("AT+CMGS=15", {"\r\n> "});
+    modem.On("0001000B911316325476F8000002E834", {"\r\n+CMGS: 5\r\n\r\nOK\r\n"});
+    for (const Row& row : {Row{"", true, false}, Row{"ForceTextMode", false, true}, Row{"ForcePduMode", false, false},
+                           Row{"forcepdumode;forcetextmode", false, true}, Row{"SkipModeSetting", false, true}}) {
+        gsm.SetAdvancedSettings(row.keywords);
+        modem.commands.clear();
+        EXPECT_EQ(Send(Message(u"hi")), 0) << row.keywords;
+        EXPECT_EQ(Sent("AT+CMGF=?"), row.asks) << row.keywords;
+        EXPECT_EQ(Sent("AT+CMGF=1"), row.text) << row.keywords;
+        EXPECT_EQ(Sent("hi"), row.text) << row.keywords;
+        EXPECT_EQ(references, "5");
+    }
+    gsm.SetAdvancedSettings("ForceTextMode");
+    modem.On("AT+CMGS=\"12345\"", {"\r\n> "});
+    CSmsMessageX message = Message(u"hi");
+    message.Recipient = "S12345";
+    EXPECT_EQ(Send(message), 0);
+    EXPECT_TRUE(Sent("AT+CMGS=\"12345\""));
+}
+
+TEST_F(Gsm, PinsAreEnteredOnceAndMasked) {
+    const TemporaryFolder folder;
+    gsm.SetLogFile(folder.File("log"));
+    gsm.SetActivityFile(folder.File("activity"));
+    for (const char* pin : {"123", "123456789", "", "12a4", "12\"\r"}) EXPECT_EQ(gsm.EnterPin(pin), 33142) << pin;
+    EXPECT_EQ(modem.openings, 0);
+
+    modem.On("AT+CPIN?", {"\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n"});
+    modem.On("AT+CPIN=\"1111\"", {"\r\n+CME ERROR: 16\r\n"});
+    EXPECT_EQ(gsm.EnterPin("1111"), 33142);
+    const std::size_t before = modem.commands.size();
+    EXPECT_EQ(gsm.EnterPin("1111"), 33142);
+    EXPECT_EQ(modem.commands.size(), before);
+
+    modem.On("AT+CREG?", {"\r\n+CREG: 0,2\r\n\r\nOK\r\n", "\r\n+CREG: 0,1\r\n\r\nOK\r\n"});
+    EXPECT_EQ(gsm.EnterPin("2222"), 0);
+    EXPECT_EQ(Count("AT+CREG?"), 2);
+    EXPECT_EQ(modem.openings, modem.closings);
+    const std::string log = TemporaryFolder::Read(folder.File("log"));
+    EXPECT_EQ(log.find("2222"), std::string::npos);
+    EXPECT_NE(log.find("AT+CPIN=\"****\""), std::string::npos);
+    EXPECT_EQ(log.find("Successfully registered"), std::string::npos);
+
+    modem.On("AT+CREG?", {"\r\n+CREG: 0,2\r\n\r\nOK\r\n"});
+    EXPECT_EQ(gsm.EnterPin("3333"), 0);
+    EXPECT_EQ(Count("AT+CREG?"), 12);
+    EXPECT_NE(TemporaryFolder::Read(folder.File("log")).find("Successfully registered"), std::string::npos);
+}
+
+TEST_F(Gsm, PinStatesHaveTheirCodes) {
+    for (const auto& [reply, code] : {std::pair{"\r\n+CPIN: READY\r\n\r\nOK\r\n", 0}, {"\r\nERROR\r\n", 33140},
+                                      {"\r\n+CME ERROR: 10\r\n", 33140}, {"", 30350}}) {
+        modem.On("AT+CPIN?", {reply});
+        EXPECT_EQ(gsm.EnterPin("1234"), code) << reply;
+        EXPECT_FALSE(Sent("AT+CPIN=\"1234\""));
+    }
+}
+
+TEST_F(Gsm, RawCommandsGiveTheWholeReply) {
+    std::string response;
+    modem.On("ATI", {"\r\nMaker\r\nModel\r\n\r\nOK\r\n"});
+    EXPECT_EQ(gsm.SendCommand("ATI", 2000, response), 0);
+    EXPECT_EQ(response, "Maker\r\nModel\r\nOK");
+    modem.On("ATQ", {"\r\n+CME ERROR: 11\r\n"});
+    EXPECT_EQ(gsm.SendCommand("ATQ", 2000, response), 33141);
+    modem.On("ATS", {""});
+    const auto before = clock.Slept();
+    EXPECT_EQ(gsm.SendCommand("ATS", 2000, response), 30350);
+    EXPECT_EQ(clock.Slept() - before, 2500U);
+    modem.On("ATW", {"\r\nhm\r\n"});
+    EXPECT_EQ(gsm.SendCommand("ATW", 2000, response), 30351);
+    modem.endless = true;
+    modem.flood = std::string(1000, 'x') + "\r\n";
+    modem.On("ATF", {""});
+    EXPECT_EQ(gsm.SendCommand("ATF", 100'000, response), 30351);
+    EXPECT_LE(response.size(), 70'000U);
+}
+
+constexpr const char* kHello = "00040B911316111111F10000621112406180000AE8329BFD4697D9EC37";
+constexpr const char* kReport = "0006110B911316325476F8621112406191006211124061910000";
+
+std::string Listed(int index, const std::string& pdu) {
+    return "\r\n+CMGL: " + std::to_string(index) + ",1,,20\r\n" + pdu + "\r\n";
+}
+
+TEST_F(Gsm, ReceivesFromTheChosenStorages) {
+    struct Row {
+        std::int32_t choice;
+        const char* offered;
+        std::vector<std::string> read;
+    };
+    for (const Row& row : {Row{0, "(\"SM\",\"ME\",\"SR\")", {"SM", "ME"}}, Row{0, "(\"SM\",\"MT\",\"ME\")", {"MT"}},
+                           Row{1, "(\"SM\",\"ME\")", {"SM"}}, Row{2, "(\"SM\",\"ME\")", {"ME"}}, Row{3, "(\"SM\")", {"MT"}},
+                           Row{4, "(\"SM\")", {"SM"}}, Row{77, "(\"ME\")", {"ME"}}, Row{0, "()", {}}}) {
+        modem.On("AT+CPMS=?", {std::string("\r\n+CPMS: ") + row.offered + "\r\n\r\nOK\r\n"});
+        modem.commands.clear();
+        gsm.settings.messageStorage = row.choice;
+        EXPECT_EQ(gsm.Receive(), 0);
+        std::vector<std::string> read;
+        for (const std::string& command : modem.commands) {
+            if (command.starts_with("AT+CPMS=\"")) read.push_back(command.substr(9, 2));
+        }
+        EXPECT_EQ(read, row.read) << row.choice << row.offered;
+    }
+}
+
+TEST_F(Gsm, ReceivesMessagesAndReportsAmongNoise) {
+    gsm.settings.messageStorage = 1;
+    modem.On("AT+CMGL=1", {"\r\nRING\r\n" + Listed(3, kHello) + "\r\n+CMTI: \"SM\",9\r\n" + "\r\n+CMGL: 4,1,,20\r\n\r\nRING\r\n" +
+                           std::string(kHello) + "\r\n\r\nOK\r\n"});
+    modem.On("AT+CMGL=0", {Listed(5, kReport) + Listed(6, "0001000B911316325476F800000161") + "\r\nOK\r\n"});
+    EXPECT_EQ(gsm.Receive(), 0);
+    EXPECT_EQ(gsm.Received().Count(), 2U);
+    CSmsMessageX message;
+    ASSERT_EQ(gsm.Received().First(message), 0);
+    EXPECT_EQ(message.Data, u"hellohello");
+    EXPECT_EQ(message.Sender, "+31611111111");
+    EXPECT_EQ(message.StorageLocation, "SM0003;");
+    EXPECT_EQ(message.Time, "11/21/2026 04:16:08 AM");
+    EXPECT_EQ(gsm.Reports().Query("17")->status, 2);
+    EXPECT_EQ(modem.commands.back(), "AT+CMGD=5");
+}
+
+TEST_F(Gsm, AListingThatBreaksOffHasACodeAndAnEnd) {
+    gsm.settings.messageStorage = 1;
+    struct Row {
+        const char* reply;
+        std::int32_t code;
+        std::size_t received;
+    };
+    const std::string stalled = Listed(3, kHello) + "\r\n+CMGL: 4,1";
+    for (const Row& row : {Row{stalled.c_str(), 30350, 1}, Row{"", 30350, 0}, Row{"\r\n+CMS ERROR: 310\r\n", 33140, 0}}) {
+        modem.On("AT+CMGL=1", {row.reply});
+        EXPECT_EQ(gsm.Receive(), row.code) << row.reply;
+        EXPECT_EQ(gsm.Received().Count(), row.received);
+    }
+    modem.endless = true;
+    for (const char* flood : {"RING\r\n", "\r\n", "+CMGL: 1,1,,2\r\n"}) {
+        modem.On("AT+CMGL=1", {""});
+        modem.flood = flood;
+        EXPECT_EQ(gsm.Receive(), 30350) << flood;
+    }
+}
+
+TEST_F(Gsm, AMissingStorageIsNamed) {
+    gsm.settings.messageStorage = 2;
+    modem.On("AT+CPMS=\"ME\"", {"\r\nERROR\r\n"});
+    EXPECT_EQ(gsm.Receive(), 33150);
+}
+
+TEST_F(Gsm, DeletesByStorageAndKey) {
+    EXPECT_EQ(gsm.DeleteMessage(0), 33060);
+    EXPECT_EQ(gsm.DeleteAllMessages(true), 33060);
+    modem.On("AT+CMGL=1", {Listed(3, kHello) + "\r\nOK\r\n"});
+    ASSERT_EQ(gsm.Receive(), 0);
+    ASSERT_EQ(gsm.Received().Count(), 2U);  // one in SM, one in ME
+    EXPECT_EQ(gsm.DeleteMessage(2), 34050);
+    EXPECT_EQ(gsm.DeleteMessage(-1), 34050);
+    modem.commands.clear();
+    EXPECT_EQ(gsm.DeleteMessage(1), 0);
+    EXPECT_EQ(modem.commands, (std::vector<std::string>{"AT+CPMS=\"ME\"", "AT+CMGD=3"}));
+    EXPECT_EQ(gsm.Received().Count(), 1U);
+    modem.commands.clear();
+    modem.On("AT+CMGD=3", {"\r\nERROR\r\n", "\r\nOK\r\n"});
+    EXPECT_EQ(gsm.DeleteAllMessages(false), 30352);
+    EXPECT_EQ(gsm.Received().Count(), 1U);
+    EXPECT_EQ(gsm.DeleteAllMessages(false), 0);
+    EXPECT_EQ(gsm.Received().Count(), 0U);
+}
+
+TEST_F(Gsm, IncompletePartsAreNotDeleted) {
+    modem.On("AT+CPMS=?", {"\r\n+CPMS: (\"SM\")\r\n\r\nOK\r\n"});
+    modem.On("AT+CMGL=1", {Listed(1, kHello) + Listed(2, "00440B911316111111F10000621112406180000905" "0003010201C242") + "\r\nOK\r\n"});
+    ASSERT_EQ(gsm.Receive(), 0);
+    clock.SetNow(1795234568);
+    ASSERT_EQ(gsm.Receive(), 0);
+    EXPECT_EQ(gsm.Received().Count(), 1U);
+    EXPECT_EQ(gsm.DeleteAllMessages(true), 0);
+    EXPECT_TRUE(Sent("AT+CMGD=1"));
+    EXPECT_FALSE(Sent("AT+CMGD=2"));
+}
+
+TEST_F(Gsm, QueriesReadReportsAtMostEveryTenSeconds) {
+    CSmsDeliveryReport report;
+    EXPECT_EQ(gsm.QueryStatus("", report), 34050);
+    EXPECT_EQ(gsm.QueryStatus("17", report), 33061);
+    const int openings = modem.openings;
+    EXPECT_EQ(gsm.QueryStatus("17", report), 33061);
+    EXPECT_EQ(modem.openings, openings);
+    gsm.settings.messageStorage = 4;
+    modem.On("AT+CMGL=0", {Listed(5, kReport) + "\r\nOK\r\n", "\r\nOK\r\n"});
+    clock.Sleep(11'000);
+    ASSERT_EQ(gsm.QueryStatus("17", report), 0);
+    EXPECT_TRUE(Sent("AT+CPMS=\"SR\""));
+    EXPECT_EQ(report.status, 2);
+    EXPECT_EQ(report.completedTime, 1795234579);
+    EXPECT_EQ(gsm.QueryStatus("17", report), 33061);  // a final report leaves the store
+    clock.Sleep(11'000);
+    modem.On("ATE0", {""});
+    EXPECT_EQ(gsm.QueryStatus("17", report), 30350);
+}
+
+TEST_F(Gsm, TheStatusOfSeveralPartsIsThatOfTheWhole) {
+    struct Row {
+        std::vector<std::int32_t> parts;
+        std::int32_t whole;
+        std::int32_t completed;
+        bool removed;
+    };
+    for (const Row& row : {Row{{2, 2, 2}, 2, 102, true}, Row{{2, 1, 2}, 1, 0, false}, Row{{5, 1}, 1, 0, false},
+                           Row{{2, 5, 3}, 5, 102, true}, Row{{3, 2}, 3, 101, true}, Row{{11, 11}, 11, 101, true}}) {
+        gsm.Reports().Clear();
+        std::string joined;
+        for (std::size_t i = 0; i < row.parts.size(); ++i) {
+            gsm.Reports().Update(std::to_string(i), row.parts[i], static_cast<std::int32_t>(100 + i), 0);
+            joined += (i > 0 ? ";" : "") + std::to_string(i);
+        }
+        CSmsDeliveryReport report;
+        ASSERT_EQ(gsm.QueryStatus(joined, report), 0);
+        EXPECT_EQ(report.status, row.whole) << joined;
+        EXPECT_EQ(report.completedTime, row.completed) << joined;
+        EXPECT_EQ(gsm.Reports().Count(), row.removed ? 0U : row.parts.size());
+    }
+}
+
+TEST_F(Gsm, ClearForgetsAllButTheRejectedPin) {
+    modem.On("AT+CPIN?", {"\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n"});
+    modem.On("AT+CPIN=\"1111\"", {"\r\nERROR\r\n"});
+    (void)gsm.EnterPin("1111");
+    gsm.Reports().RecordSent("1", ReportWanted::kNo);
+    gsm.Clear();
+    EXPECT_EQ(gsm.settings.device, "");
+    EXPECT_EQ(gsm.Reports().Count(), 0U);
+    const int openings = modem.openings;
+    EXPECT_EQ(gsm.EnterPin("1111"), 33142);
+    EXPECT_EQ(modem.openings, openings);
+}
+
+}  // namespace

@@ -1,0 +1,119 @@
+// A modem in virtual time: answers written octets by rules, and lets every time-out cost nothing.
+#pragma once
+#include <deque>
+#include <functional>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "foundation/SerialDevice.h"
+#include "frame/ErrorTexts.h"
+#include "support/VirtualClock.h"
+
+class ScriptedModem : public SerialOpener {
+  public:
+    explicit ScriptedModem(VirtualClock& clock) : clock_(&clock) {}
+
+    // What is answered to each occurrence of a command (the last answer is repeated). A command is what ends in a
+    // carriage return or Ctrl-Z, without it. Commands without a rule get "\r\nOK\r\n".
+    void On(const std::string& command, std::vector<std::string> answers) { rules_[command] = std::move(answers); }
+    void Otherwise(std::string answer) { otherwise_ = std::move(answer); }
+    void Give(const std::string& octets) { incoming_ += octets; }
+    // Answers go out this many octets a read; 0 = all at once.
+    void Fragment(std::size_t size) { fragment_ = size; }
+
+    std::vector<std::string> commands;  // as received
+    std::string written;                // every octet
+    SerialSettings settings;            // of the last opening
+    int openings = 0;
+    int closings = 0;
+    bool viaTelephony = false;
+    std::int32_t openResult = result::Success;
+    std::uint32_t systemError = 2;
+    bool dead = false;         // reads and writes fail
+    bool endless = false;      // gives `flood` without end
+    std::string flood;
+
+    std::int32_t OpenPort(const SerialSettings& wanted, std::unique_ptr<SerialDevice>& device,
+                          std::uint32_t& error) override {
+        error = systemError;
+        return Open(wanted, device, false);
+    }
+    std::int32_t OpenTelephony(const SerialSettings& wanted, std::unique_ptr<SerialDevice>& device) override {
+        return Open(wanted, device, true);
+    }
+
+  private:
+    class Line : public SerialDevice {
+      public:
+        explicit Line(ScriptedModem& modem) : modem_(&modem) {}
+        ~Line() override { ++modem_->closings; }
+        bool Write(std::span<const char> octets) override { return modem_->Take({octets.data(), octets.size()}); }
+        int Read(std::span<char> buffer, std::uint32_t wait) override { return modem_->Read(buffer, wait); }
+        void Purge() override { modem_->incoming_.clear(); }
+        void SetDtr(bool) override {}
+        void SetRts(bool) override {}
+
+      private:
+        ScriptedModem* modem_;
+    };
+
+    std::int32_t Open(const SerialSettings& wanted, std::unique_ptr<SerialDevice>& device, bool telephony) {
+        ++openings;
+        settings = wanted;
+        viaTelephony = telephony;
+        if (openResult == result::Success) device = std::make_unique<Line>(*this);
+        return openResult;
+    }
+
+    bool Take(const std::string& octets) {
+        if (dead) return false;
+        written += octets;
+        for (const char octet : octets) {
+            if (octet != '\r' && octet != '\x1a') {
+                pending_ += octet;
+                continue;
+            }
+            commands.push_back(pending_);
+            Answer(pending_);
+            pending_.clear();
+        }
+        return true;
+    }
+
+    void Answer(const std::string& command) {
+        const auto rule = rules_.find(command);
+        if (rule == rules_.end()) {
+            incoming_ += otherwise_;
+            return;
+        }
+        std::vector<std::string>& answers = rule->second;
+        incoming_ += answers.front();
+        if (answers.size() > 1) answers.erase(answers.begin());
+    }
+
+    int Read(std::span<char> buffer, std::uint32_t wait) {
+        if (dead) return -1;
+        if (endless && incoming_.empty()) {
+            clock_->Sleep(1);
+            incoming_ = flood;
+        }
+        if (incoming_.empty()) {
+            clock_->Sleep(wait);
+            return 0;
+        }
+        std::size_t size = std::min(buffer.size(), incoming_.size());
+        if (fragment_ != 0) size = std::min(size, fragment_);
+        incoming_.copy(buffer.data(), size);
+        incoming_.erase(0, size);
+        return static_cast<int>(size);
+    }
+
+    VirtualClock* clock_;
+    std::map<std::string, std::vector<std::string>> rules_;
+    std::string otherwise_ = "\r\nOK\r\n";
+    std::string pending_;
+    std::string incoming_;
+    std::size_t fragment_ = 0;
+};
