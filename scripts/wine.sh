@@ -7,13 +7,17 @@ dll="$root/build/windows/NeltCtrlx64.dll"
 
 wine_start() {
   mkdir -p "$WINEPREFIX"
+  exec 9>"$WINEPREFIX/.lock"
+  flock 9
   # A server of its own session: a signal to a server that a program started would make it print all it holds.
-  setsid wineserver -p >/dev/null 2>&1 || true
-  [ -e "$WINEPREFIX/.ready" ] && return
-  wine wineboot -i >/dev/null 2>&1
-  touch "$WINEPREFIX/.ready"
+  setsid wineserver -p >/dev/null 2>&1 9>&- || true
+  if [ ! -e "$WINEPREFIX/.ready" ]; then
+    wine wineboot -i >/dev/null 2>&1 9>&-
+    touch "$WINEPREFIX/.ready"
+  fi
+  exec 9>&-
 }
 
 wine_stop() { wineserver -k >/dev/null 2>&1 || true; }
 
-register_dll() { wine regsvr32 /s "$dll" >/dev/null 2>&1; }
+register_dll() { wine regsvr32 /s "$(wine winepath -w "$dll" 2>/dev/null | tr -d '\r')" >/dev/null 2>&1; }

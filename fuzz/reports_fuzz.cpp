@@ -1,0 +1,15 @@
+// The report file loader: what it has loaded it can save, load again and save alike.
+#include <cstdlib>
+
+#include "Fuzz.h"
+#include "sms/SmsDeliveryReports.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    CSmsDeliveryReports reports;
+    reports.LoadText(TextOf(data, size), size % 2 != 0);
+    CSmsDeliveryReports again;
+    again.LoadText(reports.SaveText());
+    (void)again.SaveText();
+    (void)again.ApplyReceipt({std::string(TextOf(data, size)), 2, 0, 0});
+    return 0;
+}

@@ -1,0 +1,292 @@
+// The frame through real COM: creation, unloading, both kinds of binding, bad input, the interface listing.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+#include "Com.h"
+#include "TypeLibraryListing.h"
+#include "gsm/UserDataHeader.h"
+
+namespace {
+
+TEST(Creation, WorksThroughEveryProgId) {
+    for (const wchar_t* progId : {L"Quorvane.SmsMessage", L"Quorvane.SmsMessage.1", L"Quorvane.SmsConstants.1",
+                                  L"Quorvane.SmsDeliveryReport", L"Quorvane.SmsDeliveryReport.1", L"quorvane.smsprotocolgsm"}) {
+        EXPECT_NO_THROW(Create<IDispatch>(progId)) << progId;
+    }
+    for (const wchar_t* progId : {L"Quorvane.SmsDataRingtone", L"Quorvane.SmsDataPicture", L"Quorvane.SmsDeliveryStatus"}) {
+        EXPECT_ANY_THROW(Create<IDispatch>(progId)) << progId;
+    }
+}
+
+TEST(Creation, ClassObjectsRefuseWhatTheyMust) {
+    Com<IClassFactory> factory;
+    ASSERT_EQ(::CoGetClassObject(__uuidof(SmsMessage), CLSCTX_INPROC_SERVER, nullptr, IID_IClassFactory,
+                                 reinterpret_cast<void**>(factory.out())),
+              S_OK);
+    void* object = &factory;
+    EXPECT_EQ(factory->CreateInstance(factory.get(), IID_IUnknown, &object), CLASS_E_NOAGGREGATION);
+    EXPECT_EQ(object, nullptr);
+    EXPECT_EQ(factory->CreateInstance(nullptr, IID_IClassFactory, &object), E_NOINTERFACE);
+    EXPECT_EQ(factory->CreateInstance(nullptr, IID_IUnknown, nullptr), E_POINTER);
+}
+
+TEST(Unloading, FollowsObjectsClassObjectsAndLocks) {
+    HMODULE module = ::LoadLibraryW(L"NeltCtrlx64.dll");
+    const auto canUnload =
+        reinterpret_cast<HRESULT(WINAPI*)()>(reinterpret_cast<void*>(::GetProcAddress(module, "DllCanUnloadNow")));
+    const auto getClass = reinterpret_cast<HRESULT(WINAPI*)(REFCLSID, REFIID, void**)>(
+        reinterpret_cast<void*>(::GetProcAddress(module, "DllGetClassObject")));
+    ::CoFreeUnusedLibrariesEx(0, 0);
+    ASSERT_EQ(canUnload(), S_OK);
+    IClassFactory* factory = nullptr;
+    ASSERT_EQ(getClass(__uuidof(SmsProtocolGsm), IID_IClassFactory, reinterpret_cast<void**>(&factory)), S_OK);
+    EXPECT_EQ(canUnload(), S_FALSE);
+    IDispatch* object = nullptr;
+    ASSERT_EQ(factory->CreateInstance(nullptr, IID_IDispatch, reinterpret_cast<void**>(&object)), S_OK);
+    factory->LockServer(TRUE);
+    factory->Release();
+    EXPECT_EQ(canUnload(), S_FALSE);
+    object->Release();
+    EXPECT_EQ(canUnload(), S_FALSE);
+    ASSERT_EQ(getClass(__uuidof(SmsMessage), IID_IClassFactory, reinterpret_cast<void**>(&factory)), S_OK);
+    factory->LockServer(FALSE);
+    factory->Release();
+    EXPECT_EQ(canUnload(), S_OK);
+    EXPECT_EQ(getClass(IID_IUnknown, IID_IClassFactory, reinterpret_cast<void**>(&factory)), CLASS_E_CLASSNOTAVAILABLE);
+    ::FreeLibrary(module);
+}
+
+TEST(Interface, IsTheGoldenListing) {
+    std::ifstream file(std::getenv("GOLDEN_LISTING"));
+    std::ostringstream golden;
+    golden << file.rdbuf();
+    std::string expected = golden.str();
+    std::erase(expected, '\r');
+    EXPECT_EQ(ListTypeLibrary(L"NeltCtrlx64.dll"), expected)
+        << "the interface never changes once it has landed; additions are appended to tests/golden/interface.txt";
+}
+
+TEST(Interface, ConstantsReadTheirValues) {
+    const auto constants = Create<ISmsConstants>(L"Quorvane.SmsConstants");
+    for (const auto& [name, value] : {std::pair{L"asMESSAGEFORMAT_NOTIFICATION_MMS", 74L}, {L"asmessageformat_REPORT", 30L},
+                                      {L"asDELIVERYSTATUS_SUBMITTED", 11L}, {L"asDELIVERYSTATUS_SUBMITREQUESTED", 10L},
+                                      {L"asMMS_CLASS_PERSONAL", 0L}, {L"asSMPPDELIVERYREPORTFORMAT_DEC", 1L}}) {
+        Variant outcome;
+        ASSERT_EQ(Call(constants.get(), name, DISPATCH_PROPERTYGET, {}, &outcome), S_OK) << name;
+        EXPECT_EQ(outcome.lVal, value) << name;
+    }
+}
+
+TEST(CommonMembers, HaveTheirFixedTexts) {
+    const auto gsm = Create<ISmsProtocolGsm>(L"Quorvane.SmsProtocolGsm");
+    for (int round = 0; round < 2; ++round) {
+        Bstr text;
+        gsm->get_Version(text.out());
+        EXPECT_EQ(text.str(), L"5.3 (x64)");
+        gsm->get_Build(text.out());
+        EXPECT_EQ(text.str(), L"5.3.10.1123 (x64)");
+        gsm->get_Module(text.out());
+        EXPECT_EQ(text.str(), L"NeltCtrlx64.dll");
+        gsm->GetErrorDescription(99999, text.out());
+        EXPECT_EQ(text.str(), L"Generic Error");
+        EXPECT_EQ(gsm->Clear(), S_OK);
+    }
+}
+
+TEST(CommonMembers, LastErrorIsThatOfTheLastMethodOnly) {
+    const auto gsm = Create<ISmsProtocolGsm>(L"Quorvane.SmsProtocolGsm");
+    LONG error = -1;
+    gsm->get_LastError(&error);
+    EXPECT_EQ(error, 0);
+    Variant message;
+    gsm->GetFirstMessage(&message);
+    gsm->put_Device(Bstr(L"COM9"));
+    Bstr text;
+    gsm->get_Device(text.out());
+    gsm->GetErrorDescription(0, text.out());
+    gsm->get_LastError(&error);
+    EXPECT_EQ(error, 33060);
+    EXPECT_EQ(message.vt, VT_DISPATCH);
+    EXPECT_EQ(message.pdispVal, nullptr);
+    LONG count = 0;
+    gsm->GetDeviceCount(&count);
+    gsm->get_LastError(&error);
+    EXPECT_EQ(error, 0);
+}
+
+TEST(CommonMembers, NullPointersAreSurvived) {
+    const auto gsm = Create<ISmsProtocolGsm>(L"Quorvane.SmsProtocolGsm");
+    const auto message = Create<ISmsMessage>(L"Quorvane.SmsMessage");
+    EXPECT_EQ(gsm->get_LastError(nullptr), S_OK);
+    EXPECT_EQ(gsm->get_Device(nullptr), S_OK);
+    EXPECT_EQ(gsm->put_Device(nullptr), S_OK);
+    EXPECT_EQ(gsm->get_LogFile(nullptr), S_OK);
+    EXPECT_EQ(gsm->GetErrorDescription(0, nullptr), S_OK);
+    EXPECT_EQ(message->get_Data(nullptr), S_OK);
+    EXPECT_EQ(message->get_Format(nullptr), S_OK);
+    LONG error = 0;
+    const auto code = [&](HRESULT outcome) {
+        EXPECT_EQ(outcome, S_OK);
+        gsm->get_LastError(&error);
+        return error;
+    };
+    Bstr text;
+    Variant value;
+    EXPECT_EQ(code(gsm->Send(nullptr, text.out())), 33005);
+    EXPECT_EQ(code(gsm->Send(&value, nullptr)), 33005);
+    EXPECT_EQ(code(gsm->Receive(nullptr)), 33005);
+    EXPECT_EQ(code(gsm->GetFirstMessage(nullptr)), 33005);
+    EXPECT_EQ(code(gsm->GetNextMessage(nullptr)), 33005);
+    EXPECT_EQ(code(gsm->GetMessage(0, nullptr)), 33005);
+    EXPECT_EQ(code(gsm->QueryStatus(nullptr, nullptr)), 33005);
+    EXPECT_EQ(code(gsm->QueryStatus(nullptr, &value)), 34050);
+    EXPECT_EQ(code(gsm->GetDeviceCount(nullptr)), 33005);
+    EXPECT_EQ(code(gsm->GetDevice(0, nullptr)), 33005);
+    EXPECT_EQ(code(gsm->GetDevice(99, text.out())), 30201);
+    EXPECT_EQ(code(gsm->SendCommand(nullptr, 0, nullptr)), 33005);
+    EXPECT_EQ(code(gsm->EnterPin(nullptr)), 33142);
+    EXPECT_EQ(code(gsm->SaveReports(nullptr)), 33070);
+    EXPECT_EQ(code(gsm->LoadReports(nullptr)), 33071);
+    EXPECT_EQ(code(gsm->DeleteMessage(-1)), 33060);
+    EXPECT_EQ(code(gsm->GetMessage(-1, &value)), 34050);
+}
+
+TEST(SmsMessage, HoldsItsDefaultsAndAnyValue) {
+    const auto message = Create<ISmsMessage>(L"Quorvane.SmsMessage");
+    for (int round = 0; round < 2; ++round) {
+        Bstr text;
+        message->get_Time(text.out());
+        EXPECT_EQ(text.str(), L"n/a");
+        for (const auto& [name, value] : {std::pair{L"PID", -1L}, {L"DCS", -1L}, {L"ESM", -1L}, {L"SourceTON", -1L},
+                                          {L"DestinationNPI", -1L}, {L"Format", 0L}, {L"ValidityPeriod", 0L}, {L"TimeSecs", 0L},
+                                          {L"RequestDeliveryStatus", 0L}}) {
+            Variant outcome;
+            ASSERT_EQ(Call(message.get(), name, DISPATCH_PROPERTYGET, {}, &outcome), S_OK);
+            EXPECT_EQ(outcome.lVal, value) << name;
+        }
+        for (const wchar_t* name : {L"PID", L"Format", L"TimeSecs", L"ValidityPeriod"}) {
+            ASSERT_EQ(Call(message.get(), name, DISPATCH_PROPERTYPUT, {Variant(LONG_MIN)}, nullptr), S_OK);
+            Variant outcome;
+            Call(message.get(), name, DISPATCH_PROPERTYGET, {}, &outcome);
+            EXPECT_EQ(outcome.lVal, LONG_MIN);
+        }
+        message->put_RequestDeliveryStatus(5);
+        LONG wanted = 0;
+        message->get_RequestDeliveryStatus(&wanted);
+        EXPECT_EQ(wanted, -1);
+        for (const std::wstring& value : {std::wstring(L"a\0b", 3), std::wstring(65536, L'n'), std::wstring(),
+                                          std::wstring(L"\xD800 lone surrogate")}) {
+            message->put_Data(Bstr(value));
+            message->get_Data(text.out());
+            EXPECT_EQ(text.str(), value);
+            message->put_Sender(Bstr(value));
+            message->get_Sender(text.out());
+            EXPECT_EQ(text.str().size(), value.size());
+        }
+        message->put_Time(Bstr(L"later"));
+        message->Clear();
+    }
+}
+
+TEST(LateBinding, RefusesWrongTypesWithoutHarm) {
+    const auto gsm = Create<ISmsProtocolGsm>(L"Quorvane.SmsProtocolGsm");
+    Variant outcome;
+    EXPECT_EQ(Call(gsm.get(), L"deviceSPEED", DISPATCH_PROPERTYPUT, {Variant(std::wstring(L"9600"))}, nullptr), S_OK);
+    EXPECT_EQ(Call(gsm.get(), L"DeviceSpeed", DISPATCH_PROPERTYGET, {}, &outcome), S_OK);
+    EXPECT_EQ(outcome.lVal, 9600);
+    EXPECT_NE(Call(gsm.get(), L"DeviceSpeed", DISPATCH_PROPERTYPUT, {Variant(std::wstring(L"fast"))}, nullptr), S_OK);
+    EXPECT_EQ(Call(gsm.get(), L"NoSuchName", DISPATCH_METHOD, {}, nullptr), DISP_E_UNKNOWNNAME);
+    EXPECT_NE(Call(gsm.get(), std::wstring(65536, L'x').c_str(), DISPATCH_METHOD, {}, nullptr), S_OK);
+    EXPECT_NE(Call(gsm.get(), L"Send", DISPATCH_METHOD, {}, &outcome), S_OK);
+    EXPECT_EQ(Call(gsm.get(), L"DeleteAllMessages", DISPATCH_METHOD, {}, nullptr), S_OK);  // the argument is optional
+}
+
+// Every form in which a script engine may hand over an object.
+TEST(LateBinding, TakesObjectsThroughEveryIndirection) {
+    const auto gsm = Create<ISmsProtocolGsm>(L"Quorvane.SmsProtocolGsm");
+    const auto message = Create<ISmsMessage>(L"Quorvane.SmsMessage");
+    const auto constants = Create<ISmsConstants>(L"Quorvane.SmsConstants");
+    message->put_Recipient(Bstr(L"123"));  // refused with 34031 before any device is opened
+    IDispatch* dispatch = message.get();
+    IUnknown* unknown = message.get();
+    IDispatch* none = nullptr;
+    Variant direct(dispatch);
+    VARIANT forms[9]{};
+    forms[0] = direct;
+    forms[1].vt = VT_DISPATCH | VT_BYREF;
+    forms[1].ppdispVal = &dispatch;
+    forms[2].vt = VT_VARIANT | VT_BYREF;
+    forms[2].pvarVal = &direct;
+    forms[3].vt = VT_VARIANT | VT_BYREF;
+    forms[3].pvarVal = &forms[2];
+    forms[4].vt = VT_VARIANT | VT_BYREF;
+    forms[4].pvarVal = &forms[1];
+    forms[5].vt = VT_UNKNOWN;
+    forms[5].punkVal = unknown;
+    forms[6].vt = VT_UNKNOWN | VT_BYREF;
+    forms[6].ppunkVal = &unknown;
+    forms[7].vt = VT_VARIANT | VT_BYREF;
+    forms[7].pvarVal = &forms[7];  // refers to itself
+    forms[8].vt = VT_DISPATCH | VT_BYREF;
+    forms[8].ppdispVal = &none;
+    for (int i = 0; i < 9; ++i) {
+        Bstr reference;
+        LONG error = 0;
+        EXPECT_EQ(gsm->Send(&forms[i], reference.out()), S_OK);
+        gsm->get_LastError(&error);
+        EXPECT_EQ(error, i < 7 ? 34031 : 34141) << i;
+    }
+    const Variant empty;
+    const Variant number(5L);
+    const Variant text(std::wstring(L"x"));
+    const Variant foreign(constants.get());
+    const Variant nothing(static_cast<IDispatch*>(nullptr));
+    for (const VARIANT& wrong : {static_cast<const VARIANT&>(empty), static_cast<const VARIANT&>(number),
+                                 static_cast<const VARIANT&>(text), static_cast<const VARIANT&>(foreign),
+                                 static_cast<const VARIANT&>(nothing)}) {
+        VARIANT argument = wrong;
+        Variant outcome;
+        EXPECT_EQ(Call(gsm.get(), L"Send", DISPATCH_METHOD, {argument}, &outcome), S_OK);
+        LONG error = 0;
+        gsm->get_LastError(&error);
+        EXPECT_EQ(error, 34141) << wrong.vt;
+    }
+}
+
+TEST(LogFiles, BadNamesChangeNothing) {
+    const auto gsm = Create<ISmsProtocolGsm>(L"Quorvane.SmsProtocolGsm");
+    for (const std::wstring& name : {std::wstring(L"C:\\windows"), std::wstring(L"Q:\\none\\x.log"), std::wstring(65536, L'f'),
+                                     std::wstring(L"a\0b", 3), std::wstring(L"con?<>|")}) {
+        EXPECT_EQ(gsm->put_LogFile(Bstr(name)), S_OK);
+        EXPECT_EQ(gsm->put_ActivityFile(Bstr(name)), S_OK);
+        gsm->put_Device(Bstr(L"COM99"));
+        Bstr response;
+        EXPECT_EQ(gsm->SendCommand(Bstr(L"AT"), 100, response.out()), S_OK);
+        LONG error = 0;
+        gsm->get_LastError(&error);
+        EXPECT_EQ(error, 30104);
+    }
+}
+
+TEST(Assertions, AreAppendedToTheirFile) {
+    ::CreateDirectoryW(L"c:\\qvdebug", nullptr);
+    ::DeleteFileW(L"c:\\qvdebug\\assert.txt");
+    CUserDataHeader full;
+    for (int i = 0; i < 256; ++i) full.AddOctet(0);
+    const CUserDataHeader copy(full);
+    EXPECT_EQ(copy.OctetCount(), 256U);
+    std::ifstream file("c:\\qvdebug\\assert.txt");
+    std::string line;
+    std::getline(file, line);
+    file.close();
+    ASSERT_GT(line.size(), 10U);
+    EXPECT_EQ(line.substr(10), " QUORVANE ASSERTION FAILURE, FILE: [..\\..\\..\\Common\\GsmPdu\\UserDataHeader.cpp]; LINE: 191");
+    ::DeleteFileW(L"c:\\qvdebug\\assert.txt");
+    ::RemoveDirectoryW(L"c:\\qvdebug");
+    const CUserDataHeader unreported(full);  // no folder: nothing happens
+}
+
+}  // namespace

@@ -1,0 +1,12 @@
+// Prints the interface listing: list_typelib.exe NeltCtrlx64.dll > tests/golden/interface.txt
+#include <cstdio>
+
+#include "Com.h"
+#include "TypeLibraryListing.h"
+
+int main(int argc, char** argv) {
+    const ComApartment apartment;
+    const std::string file = argc > 1 ? argv[1] : "NeltCtrlx64.dll";
+    std::fputs(ListTypeLibrary(std::wstring(file.begin(), file.end()).c_str()).c_str(), stdout);
+    return 0;
+}

@@ -1,0 +1,9 @@
+#include <gtest/gtest.h>
+
+#include "Com.h"
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    const ComApartment apartment;
+    return RUN_ALL_TESTS();
+}
