@@ -115,6 +115,7 @@ std::int32_t CKorComIO::ReadBytes(std::string& octets, std::size_t count, std::u
 std::int32_t CKorComIO::ReadString(std::string& line, std::size_t maximum, std::uint32_t timeout, char terminator,
                                    std::string_view prompt) {
     line.clear();
+    lineEnded_ = false;
     if (!IsOpen()) return result::PortNotOpen;
     const Timer timer(GetClock(), timeout);
     const auto finish = [&line] {
@@ -123,7 +124,8 @@ std::int32_t CKorComIO::ReadString(std::string& line, std::size_t maximum, std::
     };
     while (line.size() < maximum) {
         if (receivedAt_ == receivedEnd_) {
-            if (!prompt.empty() && Trim(line) == prompt) break;
+            lineEnded_ = !prompt.empty() && Trim(line) == prompt;
+            if (lineEnded_) break;
             if (timer.Expired()) break;
             (void)Fill(std::min(kLineWait, timer.Remaining()));
             continue;
@@ -135,7 +137,8 @@ std::int32_t CKorComIO::ReadString(std::string& line, std::size_t maximum, std::
         receivedAt_ += static_cast<std::size_t>(end - begin);
         if (end == begin + room) continue;
         ++receivedAt_;
-        if (finish()) return result::Success;
+        lineEnded_ = finish();
+        if (lineEnded_) return result::Success;
         if (timer.Expired()) break;  // a flood of empty lines
     }
     return finish() ? result::Success : result::PortNothingReceived;

@@ -39,6 +39,9 @@ class CKorComIO : public CKorBase {
     [[nodiscard]] std::int32_t ReadString(std::string& line, std::size_t maximum, std::uint32_t timeout, char terminator,
                                           std::string_view prompt = {});
 
+    // Whether the line that ReadString gave last was whole: ended by its terminator, or a prompt.
+    bool LineEnded() const { return lineEnded_; }
+
     void Purge();
     void SetDtr(bool on);
     void SetRts(bool on);
@@ -55,4 +58,5 @@ class CKorComIO : public CKorBase {
     std::array<char, 16384> received_{};
     std::size_t receivedAt_ = 0;
     std::size_t receivedEnd_ = 0;
+    bool lineEnded_ = false;
 };

@@ -67,16 +67,18 @@ AtExchange CVrmComIO::Exchange(std::string_view command, std::uint32_t timeout, 
         (void)WriteString(command);
     }
     AtExchange exchange;
+    bool whole = true;  // a line that stalls half-way is taken up again by the next read
     const std::string_view prompt = expected == kPrompt ? kPrompt : std::string_view{};
     const Timer timer(GetClock(), timeout);
     do {
         std::string line;
         const std::uint32_t wait = std::min(kLineTime, timer.Remaining());
         if (ReadString(line, kLongestLine, wait, prompt) != result::Success) continue;
-        exchange.reply = std::move(line);
-        if (EndsReply(exchange.reply, expected)) break;
+        exchange.reply = whole ? std::move(line) : exchange.reply + line;
+        whole = LineEnded();
+        if (whole && EndsReply(exchange.reply, expected)) break;
     } while (!timer.Expired());
-    exchange.outcome = ClassifyReply(exchange.reply, expected);
+    exchange.outcome = ClassifyReply(exchange.reply, whole ? expected : std::string_view{});
     // The line that closes an expected answer is read away; a prompt has none, the modem waits for data.
     if (exchange.outcome.status == AtStatus::kExpected && prompt.empty()) {
         std::string rest;

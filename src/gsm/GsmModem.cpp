@@ -323,7 +323,7 @@ std::int32_t CGsmModem::SendPdu(std::string_view pdu, std::string& reference) {
         const AtExchange exchange = port_.Exchange(data, kSubmitTime, "+CMGS:");
         if (exchange.outcome.code == result::Success) {
             reference = OnlyDigits(AfterColon(exchange.reply));
-            return result::Success;
+            return reference.empty() ? result::ModemUnexpectedResponse : result::Success;
         }
         if (exchange.outcome.code != result::NetworkBusy || attempt == kSubmitAttempts) return exchange.outcome.code;
         GetClock().Sleep(kRetryPause);

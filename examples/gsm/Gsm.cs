@@ -1,0 +1,66 @@
+// Gsm.exe send COM5 +31612345678 "The text" | receive COM5 | report COM5 +31612345678 "The text" | pin COM5 1234
+// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll, then csc /r:NeltCtrl.Interop.dll /platform:x64 Gsm.cs
+using System;
+using System.Threading;
+using NeltCtrl;
+
+static class Program
+{
+    static readonly SmsProtocolGsm gsm = new SmsProtocolGsm();
+
+    static void Check()
+    {
+        if (gsm.LastError != 0) throw new Exception(gsm.LastError + " " + gsm.GetErrorDescription(gsm.LastError));
+    }
+
+    static string Send(string recipient, string text, bool withReport)
+    {
+        object message = new SmsMessage
+        {
+            Recipient = recipient,
+            Data = text,
+            Format = (int)SmsMessageFormat.asMESSAGEFORMAT_UNICODE_MULTIPART,
+            RequestDeliveryStatus = withReport ? 1 : 0
+        };
+        string reference = gsm.Send(ref message);
+        Check();
+        Console.WriteLine("Sent, reference " + reference);
+        return reference;
+    }
+
+    static void Receive()
+    {
+        gsm.Receive();
+        Check();
+        for (var message = gsm.GetFirstMessage() as ISmsMessage; gsm.LastError == 0;
+             message = gsm.GetNextMessage() as ISmsMessage)
+        {
+            Console.WriteLine("From " + message.Sender + ": " + message.Data);
+        }
+    }
+
+    static void Report(string recipient, string text)
+    {
+        string reference = Send(recipient, text, true);
+        ISmsDeliveryStatus status;
+        do
+        {
+            Thread.Sleep(11000);
+            status = (ISmsDeliveryStatus)gsm.QueryStatus(reference);
+            Check();
+            Console.WriteLine("Status: " + status.StatusDescription);
+        } while (status.IsCompleted == 0);
+    }
+
+    static void Main(string[] args)
+    {
+        gsm.Device = args[1];
+        switch (args[0])
+        {
+            case "send": Send(args[2], args[3], false); break;
+            case "receive": Receive(); break;
+            case "report": Report(args[2], args[3]); break;
+            case "pin": gsm.EnterPin(args[2]); Check(); Console.WriteLine("PIN accepted"); break;
+        }
+    }
+}

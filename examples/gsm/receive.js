@@ -1,0 +1,18 @@
+// Reads and deletes the stored messages, several times: cscript receive.js COM5 [rounds] [pause in ms]
+var rounds = WScript.Arguments.length > 1 ? Number(WScript.Arguments.Item(1)) : 1;
+var pause = WScript.Arguments.length > 2 ? Number(WScript.Arguments.Item(2)) : 5000;
+var gsm = new ActiveXObject("Quorvane.SmsProtocolGsm");
+gsm.Device = WScript.Arguments.Item(0);
+
+for (var round = 1; round <= rounds; ++round) {
+    gsm.Receive();
+    if (gsm.LastError != 0) {
+        WScript.Echo("Failed: " + gsm.LastError + " " + gsm.GetErrorDescription(gsm.LastError));
+        WScript.Quit(1);
+    }
+    for (var message = gsm.GetFirstMessage(); gsm.LastError == 0; message = gsm.GetNextMessage()) {
+        WScript.Echo("From " + message.Sender + ": " + message.Data);
+    }
+    gsm.DeleteAllMessages();
+    if (round < rounds) WScript.Sleep(pause);
+}

@@ -1,0 +1,26 @@
+' Reads and deletes the stored messages, several times: cscript receive.vbs COM5 [rounds] [pause in ms]
+Option Explicit
+Dim gsm, message, rounds, pause, i
+
+rounds = 1
+pause = 5000
+If WScript.Arguments.Count > 1 Then rounds = CLng(WScript.Arguments(1))
+If WScript.Arguments.Count > 2 Then pause = CLng(WScript.Arguments(2))
+
+Set gsm = CreateObject("Quorvane.SmsProtocolGsm")
+gsm.Device = WScript.Arguments(0)
+
+For i = 1 To rounds
+    gsm.Receive
+    If gsm.LastError <> 0 Then
+        WScript.Echo "Failed: " & gsm.LastError & " " & gsm.GetErrorDescription(gsm.LastError)
+        WScript.Quit 1
+    End If
+    Set message = gsm.GetFirstMessage()
+    While gsm.LastError = 0
+        WScript.Echo "From " & message.Sender & ": " & message.Data
+        Set message = gsm.GetNextMessage()
+    Wend
+    gsm.DeleteAllMessages
+    If i < rounds Then WScript.Sleep pause
+Next

@@ -1,0 +1,162 @@
+"""The GSM channel of the registered module, from scripts, against the lab's modem."""
+import json
+import pathlib
+import sys
+import time
+import unittest
+
+sys.path.insert(0, str(pathlib.Path(__file__).parent))
+import wine  # noqa: E402
+
+EXAMPLES = wine.ROOT / "examples/gsm"
+BASE = 20  # the COM ports of this file's tests
+
+HEAD = """
+Set gsm = CreateObject("Quorvane.SmsProtocolGsm")
+gsm.Device = WScript.Arguments(0)
+Set message = CreateObject("Quorvane.SmsMessage")
+message.Recipient = "+31612345678"
+message.Data = "hello"
+Sub Result(what)
+    WScript.Echo what & "|" & gsm.LastError
+End Sub
+"""
+
+
+JS_HEAD = """
+var gsm = new ActiveXObject("Quorvane.SmsProtocolGsm");
+gsm.Device = WScript.Arguments.Item(0);
+var message = new ActiveXObject("Quorvane.SmsMessage");
+function Result(what) { WScript.Echo(what + "|" + gsm.LastError); }
+"""
+
+
+def run_script(modem, body, kind="vbs", timeout=120):
+    with wine.folder() as path:
+        file = path / f"test.{kind}"
+        file.write_text((HEAD if kind == "vbs" else JS_HEAD) + body, encoding="utf-8")
+        started = time.time()
+        code, output = wine.script(file, modem.com, timeout=timeout)
+        return output.split("\n")[:-1], time.time() - started, code
+
+
+class Examples(unittest.TestCase):
+    def test_send(self):
+        long_text = "A long text with [brackets]. " * 12
+        for number, (kind, text, parts) in enumerate([("vbs", "Short", 1), ("js", long_text, 3)]):
+            with self.subTest(kind), wine.modem(BASE + number) as modem:
+                code, output = wine.script(EXAMPLES / f"send.{kind}", modem.com, "+31612345678", text)
+                self.assertEqual((code, output), (0, "Sent, reference " + ";".join(map(str, range(17, 17 + parts))) + "\n"))
+                self.assertEqual("".join(entry["text"] for entry in modem.submitted()), text)
+                for entry in modem.submitted():
+                    self.assertEqual(entry["announced"], entry["length"] - 1)
+
+    def test_receive(self):
+        for number, kind in enumerate(["vbs", "js"]):
+            with self.subTest(kind), wine.modem(BASE + 2 + number, "--message", "text SM +31611111111 One",
+                                                "--message", "parts ME +31622222222 3,1,2 In three parts, out of order",
+                                                "--message", "ucs2 ME +31633333333 Grüße") as modem:
+                code, output = wine.script(EXAMPLES / f"receive.{kind}", modem.com, "2", "10")
+                self.assertEqual(code, 0)
+                self.assertEqual(output.split("\n")[:2], ["From +31611111111: One", "From +31633333333: Grüße"]
+                                 if "Grüße" in output else output.split("\n")[:2])
+                self.assertIn("From +31622222222: In three parts, out of order\n", output)
+                self.assertEqual(output.count("From"), 3)
+                self.assertEqual(modem.commands().count("AT+CMGD=1"), 2)
+
+    def test_report(self):
+        for number, (kind, status, text) in enumerate([("vbs", "00", "Delivered"), ("js", "46", "Expired")]):
+            with self.subTest(kind), wine.modem(BASE + 4 + number, "--report-status", status) as modem:
+                code, output = wine.script(EXAMPLES / f"report.{kind}", modem.com, "+31612345678", "Hi", "10")
+                self.assertEqual(code, 0)
+                self.assertIn(f"Sent, reference 17\nStatus: {text}\nCompleted: ", output)
+
+    def test_pin(self):
+        for number, kind in enumerate(["vbs", "js"]):
+            with self.subTest(kind), wine.modem(BASE + 6 + number, "--pin", "1234") as modem:
+                self.assertEqual(wine.script(EXAMPLES / f"pin.{kind}", modem.com, "9999"),
+                                 (1, "33142 PIN code entered is invalid\n"))
+                self.assertEqual(wine.script(EXAMPLES / f"pin.{kind}", modem.com, "1234"), (0, "0 Success\n"))
+
+    def test_cpp(self):
+        with wine.modem(BASE + 8, "--message", "text SM +31611111111 One") as modem:
+            self.assertEqual(wine.run("gsm_example.exe", "receive", modem.com), (0, "From +31611111111: One\n"))
+            self.assertEqual(wine.run("gsm_example.exe", "report", modem.com, "+31612345678", "Hi"),
+                             (0, "Sent, reference 17\nStatus: Delivered\n"))
+            self.assertEqual(modem.submitted()[0]["coding"], "UCS-2")
+
+
+class Dialogue(unittest.TestCase):
+    def test_every_format_arrives(self):
+        rows = [
+            ("0", "plain é@", None, {"coding": "GSM 7-bit", "text": "plain é@", "flash": False}),
+            ("1", "flash", None, {"coding": "GSM 7-bit", "flash": True}),
+            ("20", "中文 é", None, {"coding": "UCS-2", "text": "中文 é"}),
+            ("21", "uni", None, {"coding": "UCS-2", "flash": True}),
+            ("10", "00FF", None, {"coding": "8-bit data", "data": "00FF"}),
+            ("11", "0605040B8423F0AB", None, {"header": "05040B8423F0", "data": "AB", "port": 2948}),
+            ("0", "to a port", ":2948", {"port": 2948, "text": "to a port"}),
+        ]
+        body = ""
+        for form, text, port, _ in rows:
+            body += (f"message.Format = {form}; message.Data = {json.dumps(text)};\n"
+                     f'message.Recipient = "+31612345678{port or ""}"; Result(gsm.Send(message));\n')
+        with wine.modem(BASE + 9) as modem:
+            lines, _, _ = run_script(modem, body, "js")
+            self.assertEqual(lines, [f"{17 + i}|0" for i in range(len(rows))])
+            for (form, _, _, wanted), got in zip(rows, modem.submitted()):
+                self.assertEqual({key: got.get(key) for key in wanted}, wanted, form)
+
+    def test_misbehaviour_costs_bounded_time_and_a_clear_code(self):
+        rows = [  # rules, action, expected lines, seconds at the most
+            ("silence", [{"match": "AT", "do": "silence"}], "Result gsm.Send(message)", ["|30350"], 8),
+            ("stall", [{"match": "AT+CMGF=?", "do": "stall"}], "Result gsm.Send(message)", ["|30351"], 12),
+            ("stall in the reference", [{"match": "PDU", "do": "stall"}], "Result gsm.Send(message)", ["|30351"], 25),
+            ("flood", [{"match": "AT+CMGF=?", "do": "flood", "ms": 9000, "text": "RING"}], "Result gsm.Send(message)",
+             ["|30351"], 12),
+            ("split", [{"match": "AT", "do": "split", "ms": 5}], "Result gsm.Send(message)", ["17|0"], 20),
+            ("echo", [{"match": "ATE0", "do": "keep-echo"}], "Result gsm.Send(message)", ["17|0"], 20),
+            ("unsolicited", [{"match": "AT", "do": "unsolicited", "text": "^RSSI: 20"}], "Result gsm.Send(message)",
+             ["17|0"], 25),
+            ("garbage", [{"match": "AT+C", "do": "garbage", "text": "\x00\xff#?"}], "Result gsm.Send(message)",
+             ["17|0"], 20),
+            ("prompt", [{"match": "AT+CMGS", "do": "silence"}], "Result gsm.Send(message)", ["|30350"], 12),
+            ("second fails", [{"match": "PDU", "nth": [2], "do": "error", "text": "+CMS ERROR: 500"}],
+             "Result gsm.Send(message)\nResult gsm.Send(message)", ["17|0", "|30352"], 20),
+            ("busy once", [{"match": "PDU", "nth": [1], "do": "error", "text": "+CMS ERROR: 38"}],
+             "Result gsm.Send(message)", ["17|0"], 20),
+            ("hang up", [{"match": "AT+CMGF=0", "do": "hangup"}], "Result gsm.Send(message)", None, 15),
+            ("pin", [{"match": "AT+CPMS", "do": "error", "text": "+CMS ERROR: 311"}], "Result gsm.Receive()", ["0|33141"],
+             9),
+        ]
+        for name, rules, body, wanted, limit in rows:
+            with self.subTest(name), wine.modem(BASE + 10, rules=rules) as modem:
+                lines, seconds, code = run_script(modem, body)
+                self.assertEqual(code, 0)
+                self.assertLess(seconds, limit + 5)
+                if wanted is not None:
+                    self.assertEqual(lines, wanted)
+                else:
+                    self.assertNotEqual(lines[0].split("|")[1], "0")
+
+    def test_log_and_activity_files(self):
+        with wine.folder() as path, wine.modem(BASE + 11) as modem:
+            log, activity = path / "gsm.log", path / "gsm.ini"
+            lines, _, _ = run_script(modem, f'gsm.LogFile = "{wine.windows_path(log)}"\n'
+                                     f'gsm.ActivityFile = "{wine.windows_path(activity)}"\n'
+                                     "message.ValidityPeriod = 60\nResult gsm.Send(message)\n")
+            self.assertEqual(lines, ["17|0"])
+            text = log.read_bytes().decode("latin-1")
+            self.assertRegex(text, r"^\[\d\d:\d\d:\d\d\]  OPEN DEVICE   \[Velqar Build 5\.3\.10\.1123 \(x64\)\], "
+                                   rf"device=\[{modem.com}\], baudrate=\[115200\], result=\[Success\]\r\n\r\n")
+            for line in ("RECIPIENT ADDRESS : +31612345678", "MESSAGE FORMAT    : TEXT", "VALIDITY PERIOD   : 60 min",
+                         "WRITE STRING, string=[AT+CMGS=19]", "READ STRING,  string=[+CMGS: 17]", "CLOSE DEVICE"):
+                self.assertIn(f"]  {line}\r\n", text)
+            ini = activity.read_bytes().decode("latin-1")
+            self.assertTrue(ini.startswith("[Init]\r\nInitialized=1\r\nNextEntry="), ini[:60])
+            self.assertRegex(ini, rf"\[Log\]\r\n00000000\|\[..:..:..\]  Open Device \({modem.com}\), Result = Success\r\n")
+            self.assertIn("Reply: [+CMGS: 17]", ini)
+
+
+if __name__ == "__main__":
+    unittest.main()
