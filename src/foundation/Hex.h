@@ -16,19 +16,13 @@ inline constexpr auto kPairs = [] {
     return pairs;
 }();
 
-// The value of a character; 0 for one that is not hexadecimal.
-inline constexpr auto kValues = [] {
-    std::array<std::uint8_t, 256> values{};
-    for (std::uint8_t i = 0; i < 10; ++i) values['0' + i] = i;
-    for (std::uint8_t i = 0; i < 6; ++i) {
-        values['A' + i] = static_cast<std::uint8_t>(10 + i);
-        values['a' + i] = static_cast<std::uint8_t>(10 + i);
-    }
-    return values;
-}();
-
-constexpr std::uint8_t Value(char c) { return kValues[static_cast<unsigned char>(c)]; }
-constexpr std::uint8_t Value(char16_t c) { return c < 256 ? kValues[c] : std::uint8_t{0}; }
+// The value of a character; 0 for one that is not hexadecimal. Without branches, so that loops over it run wide.
+constexpr std::uint8_t Value(char c) {
+    const auto digit = static_cast<std::uint8_t>(c - '0');
+    const auto letter = static_cast<std::uint8_t>((c | 0x20) - 'a');
+    return static_cast<std::uint8_t>((digit < 10 ? digit : 0) | (letter < 6 ? letter + 10 : 0));
+}
+constexpr std::uint8_t Value(char16_t c) { return c < 256 ? Value(static_cast<char>(c)) : std::uint8_t{0}; }
 
 inline void Append(std::string& text, std::uint8_t octet) { text.append(kPairs[octet].data(), 2); }
 

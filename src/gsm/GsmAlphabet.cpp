@@ -115,17 +115,14 @@ std::size_t CGsmAlphabet::Encode(std::u16string_view text, std::uint8_t* codes) 
 
 std::size_t CGsmAlphabet::Decode(std::span<const std::uint8_t> codes, char16_t* text) {
     char16_t* out = text;
-    bool escaped = false;
-    for (const std::uint8_t octet : codes) {
-        const std::uint8_t code = octet & 0x7F;
-        if (code == kEscape) {
-            escaped = true;
-        } else if (!escaped) {
+    for (std::size_t i = 0; i < codes.size(); ++i) {
+        std::uint8_t code = codes[i] & 0x7F;
+        if (code != kEscape) {
             *out++ = kDecode[code];
-        } else {
-            escaped = false;
-            if (kDecodeEscaped[code] != 0) *out++ = kDecodeEscaped[code];
+            continue;
         }
+        while (code == kEscape && ++i < codes.size()) code = codes[i] & 0x7F;
+        if (kDecodeEscaped[code] != 0) *out++ = kDecodeEscaped[code];
     }
     return static_cast<std::size_t>(out - text);
 }

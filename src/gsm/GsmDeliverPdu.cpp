@@ -8,6 +8,7 @@ constexpr std::uint8_t kDeliver = 0x00;
 constexpr std::uint8_t kHeaderIndicator = 0x40;
 constexpr std::uint8_t kDcsAlphabet = 0x0C;
 constexpr std::uint8_t kDcsUcs2 = 0x08;
+constexpr std::size_t kMostUnits = 256;
 }  // namespace
 
 bool CGsmDeliverPdu::Decode() {
@@ -30,12 +31,8 @@ bool CGsmDeliverPdu::Decode() {
     const bool septets = (dcs & kDcsAlphabet) == 0;
     const std::size_t octets = septets ? (userDataLength * 7 + 7) / 8 : userDataLength;
     const std::size_t rest = octets > headerOctets ? octets - headerOctets : 0;
-    if ((dcs & kDcsUcs2) != 0) {
-        unitCount = std::min(rest / 2, units.size());
-        for (std::size_t i = 0; i < unitCount; ++i) units[i] = Unit();
-    } else {
-        unitCount = std::min(rest, units.size());
-        for (std::size_t i = 0; i < unitCount; ++i) units[i] = Octet();
-    }
+    const std::size_t unitSize = (dcs & kDcsUcs2) != 0 ? 2 : 1;
+    dataSize_ = std::min(rest / unitSize, kMostUnits) * unitSize;
+    Octets({data_.data(), dataSize_});
     return true;
 }

@@ -18,6 +18,11 @@ class CGsmDeliverPdu : public CGsmPdu {
     std::size_t userDataLength = 0;  // TP-UDL: septets or octets
     bool hasHeader = false;
     CUserDataHeader header;
-    std::array<std::uint16_t, 256> units{};  // octets, or 16-bit units when DCS bit 0x08 is set
-    std::size_t unitCount = 0;
+
+    // The user data behind the header, at most 256 units: octets, or 16-bit units when DCS bit 0x08 is set.
+    std::span<const std::uint8_t> Data() const { return {data_.data(), dataSize_}; }
+
+  private:
+    std::array<std::uint8_t, 512> data_;
+    std::size_t dataSize_ = 0;
 };

@@ -1,5 +1,7 @@
 #include "gsm/GsmPdu.h"
 
+#include <algorithm>
+
 #include "foundation/Hex.h"
 #include "gsm/Septets.h"
 
@@ -11,9 +13,15 @@ std::uint8_t CGsmPdu::Octet() {
     return static_cast<std::uint8_t>(high << 4 | digit());
 }
 
-std::uint16_t CGsmPdu::Unit() {
-    const std::uint16_t high = Octet();
-    return static_cast<std::uint16_t>(high << 8 | Octet());
+void CGsmPdu::Octets(std::span<std::uint8_t> octets) {
+    const std::size_t whole = std::min(octets.size(), (text_.size() - cursor_) / 2);
+    const char* __restrict text = text_.data() + cursor_;
+    std::uint8_t* __restrict out = octets.data();
+    for (std::size_t i = 0; i < whole; ++i) {
+        out[i] = static_cast<std::uint8_t>(hex::Value(text[2 * i]) << 4 | hex::Value(text[2 * i + 1]));
+    }
+    cursor_ += 2 * whole;
+    for (std::uint8_t& missing : octets.subspan(whole)) missing = Octet();
 }
 
 std::string CGsmPdu::SemiOctets(std::size_t octets) {

@@ -2,6 +2,7 @@
 #pragma once
 #include <array>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -28,7 +29,7 @@ class CGsmPdu {
 
   protected:
     std::uint8_t Octet();
-    std::uint16_t Unit();
+    void Octets(std::span<std::uint8_t> octets);
 
     // The address of the service centre: a count of octets, then the address.
     GsmAddress ServiceCentre();

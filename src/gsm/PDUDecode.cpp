@@ -1,7 +1,5 @@
 #include "gsm/PDUDecode.h"
 
-#include <algorithm>
-
 #include "gsm/GsmAlphabet.h"
 #include "gsm/GsmDeliverPdu.h"
 #include "gsm/Septets.h"
@@ -11,17 +9,22 @@ namespace {
 
 constexpr double kSeptetsPerOctet = 1.1428571428571428;
 
-std::u16string TextOf(const CGsmDeliverPdu& pdu) {
+void ReadText(const CGsmDeliverPdu& pdu, std::u16string& text) {
     const std::size_t headerOctets = pdu.hasHeader ? pdu.header.OctetCount() + 1 : 0;
     const double maximum = static_cast<double>(pdu.userDataLength) - static_cast<double>(headerOctets) * kSeptetsPerOctet;
-    if (maximum < 1) return {};
-    std::array<std::uint8_t, 256> octets{};
-    std::copy_n(pdu.units.begin(), pdu.unitCount, octets.begin());
-    std::array<std::uint8_t, 296> codes{};
+    if (maximum < 1) return;
+    std::array<std::uint8_t, 296> codes;
     const std::size_t size =
-        septets::Unpack({octets.data(), pdu.unitCount}, headerOctets, static_cast<std::size_t>(maximum), codes.data());
-    std::array<char16_t, 296> text{};
-    return {text.data(), CGsmAlphabet::Decode({codes.data(), size}, text.data())};
+        septets::Unpack(pdu.Data(), headerOctets, static_cast<std::size_t>(maximum), codes.data());
+    text.resize(size);
+    text.resize(CGsmAlphabet::Decode({codes.data(), size}, text.data()));
+}
+
+void ReadUnits(std::span<const std::uint8_t> octets, std::u16string& text) {
+    text.resize(octets.size() / 2);
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        text[i] = static_cast<char16_t>(octets[2 * i] << 8 | octets[2 * i + 1]);
+    }
 }
 
 }  // namespace
@@ -43,15 +46,15 @@ bool CPDUDecode::Decode(std::string_view hexText) {
     switch (pdu.dcs & 0x0C) {
         case 0x00:
             format = sms::asMESSAGEFORMAT_TEXT;
-            body = TextOf(pdu);
+            ReadText(pdu, body);
             break;
         case 0x04:
             format = sms::asMESSAGEFORMAT_DATA;
-            body.assign(pdu.units.begin(), pdu.units.begin() + pdu.unitCount);
+            body.assign(pdu.Data().begin(), pdu.Data().end());
             break;
         case 0x08:
             format = sms::asMESSAGEFORMAT_UNICODE;
-            body.assign(pdu.units.begin(), pdu.units.begin() + pdu.unitCount);
+            ReadUnits(pdu.Data(), body);
             break;
         default:
             break;

@@ -1,5 +1,10 @@
 #include "gsm/Septets.h"
 
+#include <bit>
+#include <cstring>
+
+static_assert(std::endian::native == std::endian::little, "octets are taken eight at a time");
+
 namespace septets {
 
 std::size_t Pack(std::span<const std::uint8_t> codes, std::size_t headerOctets, std::uint8_t* octets) {
@@ -7,12 +12,16 @@ std::size_t Pack(std::span<const std::uint8_t> codes, std::size_t headerOctets, 
     std::size_t i = 0;
     std::uint64_t bits = 0;
     std::size_t held = FillBits(headerOctets);
-    if (held == 0) {
-        for (; i + 8 <= codes.size(); i += 8) {  // eight codes make seven octets
-            for (std::size_t k = 0; k < 8; ++k) bits |= static_cast<std::uint64_t>(codes[i + k] & 0x7FU) << (7 * k);
-            for (std::size_t k = 0; k < 7; ++k) *out++ = static_cast<std::uint8_t>(bits >> (8 * k));
-            bits = 0;
-        }
+    for (; i + 8 <= codes.size(); i += 8, out += 7) {  // seven octets from eight codes
+        std::uint64_t eight = 0;
+        std::memcpy(&eight, &codes[i], sizeof eight);
+        eight &= 0x7F7F7F7F7F7F7F7F;
+        eight = (eight & 0x7F007F007F007F00) >> 1 | (eight & 0x007F007F007F007F);
+        eight = (eight & 0x3FFF00003FFF0000) >> 2 | (eight & 0x00003FFF00003FFF);
+        eight = (eight & 0x0FFFFFFF00000000) >> 4 | (eight & 0x000000000FFFFFFF);
+        bits |= eight << held;
+        std::memcpy(out, &bits, 7);
+        bits >>= 56;
     }
     for (; i < codes.size(); ++i) {
         bits |= static_cast<std::uint64_t>(codes[i] & 0x7FU) << held;
@@ -33,12 +42,14 @@ std::size_t Unpack(std::span<const std::uint8_t> octets, std::size_t headerOctet
     std::uint8_t* const end = codes + maximum;
     std::size_t i = 0;
     std::size_t skip = FillBits(headerOctets);
-    if (skip == 0) {
-        for (; i + 7 <= octets.size() && end - out >= 8; i += 7) {
-            std::uint64_t bits = 0;
-            for (std::size_t k = 0; k < 7; ++k) bits |= static_cast<std::uint64_t>(octets[i + k]) << (8 * k);
-            for (std::size_t k = 0; k < 8; ++k) *out++ = static_cast<std::uint8_t>(bits >> (7 * k) & 0x7F);
-        }
+    for (; i + 8 <= octets.size() && end - out >= 8; i += 7, out += 8) {  // eight codes from seven octets
+        std::uint64_t bits = 0;
+        std::memcpy(&bits, &octets[i], sizeof bits);
+        bits >>= skip;
+        bits = (bits & 0x00FFFFFFF0000000) << 4 | (bits & 0x000000000FFFFFFF);
+        bits = (bits & 0x0FFFC0000FFFC000) << 2 | (bits & 0x00003FFF00003FFF);
+        bits = (bits & 0x3F803F803F803F80) << 1 | (bits & 0x007F007F007F007F);
+        std::memcpy(out, &bits, sizeof bits);
     }
     std::uint32_t bits = 0;
     std::size_t held = 0;

@@ -90,7 +90,8 @@ TEST_F(Logging, WritesWhatTheMaskSays) {
         base.SetActivityFile(activity);
         base.Log(row.mask, "%s", row.text);
         EXPECT_EQ(std::filesystem::exists(log), row.log != nullptr) << row.text;
-        if (row.log != nullptr) EXPECT_EQ(TemporaryFolder::Read(log), std::string(kPrefix) + row.log);
+        const std::string logged = row.log != nullptr ? std::string(kPrefix) + row.log : std::string();
+        EXPECT_EQ(TemporaryFolder::Read(log), logged);
         const std::string entries =
             row.entry != nullptr ? std::string("00000000|") + kPrefix + row.entry + "\n" : std::string();
         const std::string next = row.entry != nullptr ? "1" : "0";
