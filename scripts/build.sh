@@ -1,0 +1,13 @@
+#!/usr/bin/env bash
+# Configures and builds the named presets, quietly unless something is wrong.
+set -eu
+cd "$(dirname "$0")/.."
+for preset in "$@"; do
+  [ -e "build/$preset/build.ninja" ] || cmake --preset "$preset" >"/tmp/neltctrl-configure.$$" 2>&1 || {
+    cat "/tmp/neltctrl-configure.$$"
+    exit 1
+  }
+  rm -f "/tmp/neltctrl-configure.$$"
+  echo "Building $preset"
+  cmake --build --preset "$preset" -- --quiet
+done

@@ -1,0 +1,27 @@
+#!/usr/bin/env bash
+# Builds both ways and runs every test. --full adds clang-tidy, longer fuzzing and the benchmarks.
+set -eu
+cd "$(dirname "$0")"
+full=${1:-}
+if [ "$full" = --full ]; then scripts/install.sh full; else scripts/install.sh test; fi
+
+scripts/build.sh native windows
+seconds=3
+if [ "$full" = --full ]; then seconds=60; fi
+cmake --preset native -DFUZZ_SECONDS=$seconds >/dev/null
+
+. scripts/wine.sh
+wine_start
+# One run over both builds.
+printf 'subdirs("native" "windows")\n' >build/CTestTestfile.cmake
+result=0
+ctest --test-dir build --output-on-failure --parallel 2 --timeout 900 || result=$?
+
+if [ "$full" = --full ]; then
+  git ls-files 'src/*.cpp' 'src/*.h' | xargs clang-format --dry-run -Werror || result=1
+  git ls-files 'src/*.cpp' | grep -vE '(Auto|Win)\.cpp$' | xargs -P 2 -n 4 clang-tidy --quiet -p build/native || result=1
+  scripts/build.sh release
+  build/release/bench/core_bench
+  scripts/in-wine.sh property_bench.exe
+fi
+exit $result
