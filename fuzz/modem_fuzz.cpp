@@ -1,9 +1,9 @@
 // The AT reply reader and the whole dialogue: a modem that says anything. No call may outlast its time-outs.
-#include <cstdlib>
-
-#include "support/ScriptedModem.h"
 #include "Fuzz.h"
 #include "gsm/GsmModem.h"
+#include "support/ScriptedModem.h"
+
+#include <cstdlib>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 4) return 0;

@@ -1,8 +1,8 @@
 // The report file loader: what it has loaded it can save, load again and save alike.
-#include <cstdlib>
-
 #include "Fuzz.h"
 #include "sms/SmsDeliveryReports.h"
+
+#include <cstdlib>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     CSmsDeliveryReports reports;

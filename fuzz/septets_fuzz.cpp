@@ -1,11 +1,11 @@
 // The septet unpacker: what it gives, packed again, must be the octets it came from.
-#include <algorithm>
-#include <cstdlib>
-#include <vector>
-
 #include "Fuzz.h"
 #include "gsm/GsmAlphabet.h"
 #include "gsm/Septets.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 2) return 0;
@@ -16,7 +16,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::vector<std::uint8_t> packed(codes.size() + 1);
     packed.resize(septets::Pack(codes, header, packed.data()));
     std::vector<std::uint8_t> again(codes.size());
-    if (septets::Unpack(packed, header, codes.size(), again.data()) != codes.size() || again != codes) std::abort();
+    if (septets::Unpack(packed, header, codes.size(), again.data()) != codes.size() || again != codes)
+        std::abort();
     std::vector<char16_t> text(codes.size());
     (void)CGsmAlphabet::Decode(codes, text.data());
     return 0;

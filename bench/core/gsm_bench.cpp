@@ -1,10 +1,10 @@
 // PDUs per second, one core.
-#include <benchmark/benchmark.h>
-
 #include "gsm/GsmCodec.h"
+#include "gsm/GsmModem.h"
 #include "gsm/PDUDecode.h"
 #include "support/ScriptedModem.h"
-#include "gsm/GsmModem.h"
+
+#include <benchmark/benchmark.h>
 
 namespace {
 
@@ -43,7 +43,8 @@ std::vector<std::string> Delivered(std::int64_t kind) {
         const std::size_t end = text.find(';', at);
         const std::string submit = text.substr(at, end - at);
         // 00 first MR address PID DCS data -> 00 first address PID DCS time stamp data
-        std::string deliver = "00" + std::string(submit[2] == '4' ? "44" : "04") + submit.substr(6, 20) + "62111240618000";
+        std::string deliver =
+            "00" + std::string(submit[2] == '4' ? "44" : "04") + submit.substr(6, 20) + "62111240618000";
         pdus.push_back(deliver + submit.substr(26));
         at = end + 1;
     }

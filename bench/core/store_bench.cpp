@@ -1,15 +1,15 @@
 // The received-message store and the delivery reports, and how their cost grows with what they hold.
-#include <benchmark/benchmark.h>
-#include <malloc.h>
-
-#include <string>
-
 #include "sms/SmsDeliveryReports.h"
 #include "sms/SmsMessagesX.h"
 
+#include <benchmark/benchmark.h>
+#include <malloc.h>
+#include <string>
+
 namespace {
 
-CSmsMessageX Record(std::uint32_t number, std::uint32_t count, std::uint32_t reference, const std::string& sender) {
+CSmsMessageX Record(std::uint32_t number, std::uint32_t count, std::uint32_t reference,
+                    const std::string& sender) {
     CSmsMessageX record;
     record.Sender = sender;
     record.Recipient = "+31600000000";
@@ -43,7 +43,11 @@ void FillAndWalk(benchmark::State& state) {
     state.counters["bytes/record"] = static_cast<double>(memory) / records;
     state.SetComplexityN(records);
 }
-BENCHMARK(FillAndWalk)->RangeMultiplier(10)->Range(1000, 100'000)->Complexity()->Unit(benchmark::kMillisecond);
+BENCHMARK(FillAndWalk)
+    ->RangeMultiplier(10)
+    ->Range(1000, 100'000)
+    ->Complexity()
+    ->Unit(benchmark::kMillisecond);
 
 void ReportsAtSize(benchmark::State& state) {
     CSmsDeliveryReports reports;

@@ -1,8 +1,8 @@
 // Calls per second of one property, through IDispatch::Invoke and through the vtable.
+#include "../../tests/module/Com.h"
+
 #include <chrono>
 #include <cstdio>
-
-#include "../../tests/module/Com.h"
 
 namespace {
 
@@ -32,11 +32,13 @@ int main() {
     DISPPARAMS with{&value, &put, 1, 1};
     DISPPARAMS none{};
     Measure("put through Invoke", [&] {
-        message->Invoke(format, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYPUT, &with, nullptr, nullptr, nullptr);
+        message->Invoke(format, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYPUT, &with, nullptr, nullptr,
+                        nullptr);
     });
     Measure("get through Invoke", [&] {
         VARIANT out{};
-        message->Invoke(format, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none, &out, nullptr, nullptr);
+        message->Invoke(format, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none, &out, nullptr,
+                        nullptr);
     });
     LONG number = 0;
     Measure("put through the vtable", [&] { message->put_Format(20); });

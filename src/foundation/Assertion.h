@@ -1,4 +1,5 @@
-// Internal consistency checks: a failed one is reported to a fixed file and the event log, and the program goes on.
+// Internal consistency checks: a failed one is reported to a fixed file and the event log, and the program
+// goes on.
 #pragma once
 #include <string>
 

@@ -1,5 +1,5 @@
-#include <cstdio>
-
 #include "foundation/Assertion.h"
+
+#include <cstdio>
 
 void WriteAssertionReport(const std::string& text) { (void)std::fprintf(stderr, "%s\n", text.c_str()); }

@@ -1,7 +1,7 @@
-#include <windows.h>
-
 #include "foundation/Assertion.h"
 #include "foundation/TextFile.h"
+
+#include <windows.h>
 
 void WriteAssertionReport(const std::string& text) {
     constexpr DWORD kEventId = 1704;

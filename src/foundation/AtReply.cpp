@@ -1,12 +1,12 @@
 #include "foundation/AtReply.h"
 
+#include "foundation/Text.h"
+#include "frame/ErrorTexts.h"
+
 #include <algorithm>
 #include <array>
 #include <span>
 #include <string>
-
-#include "foundation/Text.h"
-#include "frame/ErrorTexts.h"
 
 namespace {
 
@@ -77,8 +77,9 @@ std::int32_t ErrorCode(std::string_view upper) {
 
 bool EndsReply(std::string_view line, std::string_view expected) {
     const std::string upper = Upper(line);
-    return std::ranges::any_of(kFinalResults,
-                               [&](const FinalResult& row) { return upper.find(row.text) != std::string::npos; }) ||
+    return std::ranges::any_of(
+               kFinalResults,
+               [&](const FinalResult& row) { return upper.find(row.text) != std::string::npos; }) ||
            (!expected.empty() && upper.find(Upper(expected)) != std::string::npos);
 }
 

@@ -1,4 +1,5 @@
-// What a modem's reply to an AT command means: the final results of 3GPP TS 27.005 and 27.007 and ITU-T V.250.
+// What a modem's reply to an AT command means: the final results of 3GPP TS 27.005 and 27.007 and ITU-T
+// V.250.
 #pragma once
 #include <cstdint>
 #include <string_view>

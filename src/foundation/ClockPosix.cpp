@@ -1,8 +1,8 @@
+#include "foundation/SystemClock.h"
+
 #include <chrono>
 #include <ctime>
 #include <thread>
-
-#include "foundation/SystemClock.h"
 
 namespace {
 

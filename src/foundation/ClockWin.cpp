@@ -1,8 +1,7 @@
-#include <windows.h>
+#include "foundation/SystemClock.h"
 
 #include <ctime>
-
-#include "foundation/SystemClock.h"
+#include <windows.h>
 
 namespace {
 

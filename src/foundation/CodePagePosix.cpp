@@ -1,8 +1,8 @@
 // Windows-1252, the Western code page, as the native build's ANSI code page.
+#include "foundation/CodePage.h"
+
 #include <algorithm>
 #include <array>
-
-#include "foundation/CodePage.h"
 
 namespace {
 // The characters of 0x80 to 0x9F; unassigned octets read as the control code of the same number.

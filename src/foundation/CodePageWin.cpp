@@ -1,6 +1,6 @@
-#include <windows.h>
-
 #include "foundation/CodePage.h"
+
+#include <windows.h>
 
 namespace {
 static_assert(sizeof(wchar_t) == sizeof(char16_t));
@@ -12,7 +12,8 @@ std::string ToAnsi(std::u16string_view text) {
     if (text.empty()) return {};
     const int length = static_cast<int>(text.size());
     std::string out(text.size(), '\0');
-    int size = ::WideCharToMultiByte(CP_ACP, 0, Wide(text.data()), length, out.data(), length, nullptr, nullptr);
+    int size =
+        ::WideCharToMultiByte(CP_ACP, 0, Wide(text.data()), length, out.data(), length, nullptr, nullptr);
     if (size == 0) {  // a code page with several octets a character
         size = ::WideCharToMultiByte(CP_ACP, 0, Wide(text.data()), length, nullptr, 0, nullptr, nullptr);
         out.resize(static_cast<std::size_t>(size));

@@ -1,10 +1,9 @@
+#include "foundation/FileReplace.h"
+
+#include <cstdio>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <cstdio>
-
-#include "foundation/FileReplace.h"
 
 bool CanReplaceFile(const std::string& name) {
     struct stat info {};

@@ -1,6 +1,6 @@
-#include <windows.h>
-
 #include "foundation/FileReplace.h"
+
+#include <windows.h>
 
 bool CanReplaceFile(const std::string& name) {
     const DWORD attributes = ::GetFileAttributesA(name.c_str());
@@ -9,5 +9,6 @@ bool CanReplaceFile(const std::string& name) {
 }
 
 bool ReplaceFileBy(const std::string& name, const std::string& beside) {
-    return ::MoveFileExA(beside.c_str(), name.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+    return ::MoveFileExA(beside.c_str(), name.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) !=
+           0;
 }

@@ -1,8 +1,7 @@
 // One-line owners of Windows handles.
 #pragma once
-#include <windows.h>
-
 #include <utility>
+#include <windows.h>
 
 // Owns a kernel handle; INVALID_HANDLE_VALUE and null are empty.
 class Handle {

@@ -16,7 +16,8 @@ inline constexpr auto kPairs = [] {
     return pairs;
 }();
 
-// The value of a character; 0 for one that is not hexadecimal. Without branches, so that loops over it run wide.
+// The value of a character; 0 for one that is not hexadecimal. Without branches, so that loops over it run
+// wide.
 constexpr std::uint8_t Value(char c) {
     const auto digit = static_cast<std::uint8_t>(c - '0');
     const auto letter = static_cast<std::uint8_t>((c | 0x20) - 'a');

@@ -1,10 +1,10 @@
 #include "foundation/IniFile.h"
 
-#include <algorithm>
-#include <cstdio>
-
 #include "foundation/Text.h"
 #include "foundation/TextFile.h"
+
+#include <algorithm>
+#include <cstdio>
 
 namespace {
 
@@ -17,7 +17,8 @@ bool SameName(std::string_view a, std::string_view b) {
 // The value part when the line is `key=value`.
 const char* ValueOf(const std::string& line, std::string_view key) {
     const std::size_t sign = line.find('=');
-    if (sign == std::string::npos || !SameName(Trim(std::string_view(line).substr(0, sign)), key)) return nullptr;
+    if (sign == std::string::npos || !SameName(Trim(std::string_view(line).substr(0, sign)), key))
+        return nullptr;
     return line.c_str() + sign + 1;
 }
 
@@ -50,13 +51,15 @@ bool IniFile::Save(const std::string& name) const {
 }
 
 IniFile::Section& IniFile::Find(std::string_view name) {
-    const auto hit = std::ranges::find_if(sections_, [&](const Section& s) { return SameName(s.name, name); });
+    const auto hit =
+        std::ranges::find_if(sections_, [&](const Section& s) { return SameName(s.name, name); });
     return hit != sections_.end() ? *hit : sections_.emplace_back(Section{std::string(name), {}});
 }
 
 const std::vector<std::string>& IniFile::Lines(std::string_view section) const {
     static const std::vector<std::string> kNone;
-    const auto hit = std::ranges::find_if(sections_, [&](const Section& s) { return SameName(s.name, section); });
+    const auto hit =
+        std::ranges::find_if(sections_, [&](const Section& s) { return SameName(s.name, section); });
     return hit != sections_.end() ? hit->lines : kNone;
 }
 

@@ -1,14 +1,14 @@
 #include "foundation/KorComIO.h"
 
-#include <algorithm>
-
 #include "foundation/Text.h"
 #include "frame/ErrorTexts.h"
 
+#include <algorithm>
+
 namespace {
-constexpr std::uint32_t kSettleTime = 500;       // after opening a port
-constexpr std::uint32_t kLineWait = 100;         // the longest wait for one more octet of a line
-constexpr std::uint32_t kBytesWait = 10;         // the same when reading octets
+constexpr std::uint32_t kSettleTime = 500;  // after opening a port
+constexpr std::uint32_t kLineWait = 100;    // the longest wait for one more octet of a line
+constexpr std::uint32_t kBytesWait = 10;    // the same when reading octets
 constexpr std::uint32_t kFileNotFound = 2;
 constexpr std::uint32_t kAccessDenied = 5;
 constexpr std::uint32_t kSlowWriteLimit = 5000;  // plus the delay of each character
@@ -24,10 +24,12 @@ std::int32_t CKorComIO::OpenPort(const SerialSettings& settings) {
     std::uint32_t systemError = 0;
     const std::int32_t code = opener_->OpenPort(settings, device, systemError);
     if (code == result::PortOpenFailed && systemError != kFileNotFound && systemError != kAccessDenied) {
-        Log(logmask::kLog | logmask::kActivity, "Unknown error occured while opening serial port  : [0x%08X]\n",
+        Log(logmask::kLog | logmask::kActivity,
+            "Unknown error occured while opening serial port  : [0x%08X]\n",
             static_cast<unsigned>(systemError));
     }
-    if (const std::int32_t opened = Opened(code, settings, std::move(device)); opened != result::Success) return opened;
+    if (const std::int32_t opened = Opened(code, settings, std::move(device)); opened != result::Success)
+        return opened;
     GetClock().Sleep(kSettleTime);
     Purge();
     SetDtr(true);
@@ -40,13 +42,15 @@ std::int32_t CKorComIO::OpenTelephony(const SerialSettings& settings) {
     if (settings.device.empty()) return result::TelephonyDeviceNotFound;
     std::unique_ptr<SerialDevice> device;
     const std::int32_t code = opener_->OpenTelephony(settings, device);
-    if (const std::int32_t opened = Opened(code, settings, std::move(device)); opened != result::Success) return opened;
+    if (const std::int32_t opened = Opened(code, settings, std::move(device)); opened != result::Success)
+        return opened;
     SetDtr(true);
     SetRts(true);
     return result::Success;
 }
 
-std::int32_t CKorComIO::Opened(std::int32_t code, const SerialSettings& settings, std::unique_ptr<SerialDevice> device) {
+std::int32_t CKorComIO::Opened(std::int32_t code, const SerialSettings& settings,
+                               std::unique_ptr<SerialDevice> device) {
     if (code != result::Success) return code;
     device_ = std::move(device);
     receivedAt_ = receivedEnd_ = 0;
@@ -72,7 +76,8 @@ std::int32_t CKorComIO::WriteString(std::string_view text, char terminator) {
         (void)device_->Write(line);
         return result::Success;
     }
-    const Timer timer(GetClock(), kSlowWriteLimit + static_cast<std::uint32_t>(line.size()) * characterDelay_);
+    const Timer timer(GetClock(),
+                      kSlowWriteLimit + static_cast<std::uint32_t>(line.size()) * characterDelay_);
     for (std::size_t i = 0; i < line.size() && !timer.Expired();) {
         if (device_->Write(std::span(line).subspan(i, 1))) ++i;
         GetClock().Sleep(characterDelay_);
@@ -112,8 +117,8 @@ std::int32_t CKorComIO::ReadBytes(std::string& octets, std::size_t count, std::u
     return octets.empty() && count != 0 ? result::PortNothingReceived : result::Success;
 }
 
-std::int32_t CKorComIO::ReadString(std::string& line, std::size_t maximum, std::uint32_t timeout, char terminator,
-                                   std::string_view prompt) {
+std::int32_t CKorComIO::ReadString(std::string& line, std::size_t maximum, std::uint32_t timeout,
+                                   char terminator, std::string_view prompt) {
     line.clear();
     lineEnded_ = false;
     if (!IsOpen()) return result::PortNotOpen;

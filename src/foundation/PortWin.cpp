@@ -1,11 +1,11 @@
 #include "foundation/PortWin.h"
 
-#include <algorithm>
-#include <string>
-
 #include "foundation/TelephonyWin.h"
 #include "foundation/Text.h"
 #include "frame/ErrorTexts.h"
+
+#include <algorithm>
+#include <string>
 
 namespace {
 
@@ -83,7 +83,8 @@ int PortWin::Finish(OVERLAPPED& operation, BOOL started, DWORD wait) {
         if (::WaitForSingleObject(operation.hEvent, wait) != WAIT_OBJECT_0) ::CancelIo(port_.get());
     }
     DWORD moved = 0;
-    if (!::GetOverlappedResult(port_.get(), &operation, &moved, TRUE) && ::GetLastError() != ERROR_OPERATION_ABORTED) {
+    if (!::GetOverlappedResult(port_.get(), &operation, &moved, TRUE) &&
+        ::GetLastError() != ERROR_OPERATION_ABORTED) {
         return -1;
     }
     return static_cast<int>(moved);
@@ -143,7 +144,8 @@ class MachineOpener final : public SerialOpener {
         return result::Success;
     }
 
-    std::int32_t OpenTelephony(const SerialSettings& settings, std::unique_ptr<SerialDevice>& device) override {
+    std::int32_t OpenTelephony(const SerialSettings& settings,
+                               std::unique_ptr<SerialDevice>& device) override {
         return OpenTelephonyPort(SystemTelephonyApi(), settings, device);
     }
 };

@@ -1,9 +1,9 @@
 // A Windows communications port, by name or as the handle of a telephony call.
 #pragma once
-#include <windows.h>
-
 #include "foundation/HandleWin.h"
 #include "foundation/SerialDevice.h"
+
+#include <windows.h>
 
 // Overlapped I/O on an open port handle. No call leaves I/O pending.
 class PortWin : public SerialDevice {

@@ -46,7 +46,8 @@ std::int64_t SecondsFromCivil(const CalendarTime& t) {
 // The offset of local time from UTC, in seconds, at the given moment.
 std::int64_t OffsetAt(std::int64_t seconds) {
     const std::tm t = LibraryLocal(static_cast<std::time_t>(seconds));
-    return SecondsFromCivil({t.tm_year + 1900, t.tm_mon + 1, t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec}) - seconds;
+    return SecondsFromCivil({t.tm_year + 1900, t.tm_mon + 1, t.tm_mday, t.tm_hour, t.tm_min, t.tm_sec}) -
+           seconds;
 }
 
 }  // namespace
@@ -80,7 +81,8 @@ std::int64_t LibraryCalendar::FromLocal(const CalendarTime& local) {
         t.tm_min = start.minute;
         t.tm_isdst = LibraryLocal(static_cast<std::time_t>(now)).tm_isdst;
         const std::time_t utc = std::mktime(&t);
-        memory = {quarter, utc == -1 ? 0 : quarter * kQuarterHour - static_cast<std::int64_t>(utc), nowQuarter};
+        memory = {quarter, utc == -1 ? 0 : quarter * kQuarterHour - static_cast<std::int64_t>(utc),
+                  nowQuarter};
     }
     return civil - memory.offset;
 }

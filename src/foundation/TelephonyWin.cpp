@@ -1,9 +1,9 @@
 #include "foundation/TelephonyWin.h"
 
-#include <cstring>
-
 #include "foundation/PortWin.h"
 #include "frame/ErrorTexts.h"
+
+#include <cstring>
 
 namespace {
 
@@ -34,9 +34,9 @@ std::string TextIn(const std::vector<char>& storage, DWORD offset, DWORD size) {
 }  // namespace
 
 bool TelephonyApi::Complete() const {
-    return initialize != nullptr && negotiateVersion != nullptr && deviceCapabilities != nullptr && open != nullptr &&
-           makeCall != nullptr && getMessage != nullptr && getId != nullptr && drop != nullptr &&
-           deallocateCall != nullptr && close != nullptr && shutdown != nullptr;
+    return initialize != nullptr && negotiateVersion != nullptr && deviceCapabilities != nullptr &&
+           open != nullptr && makeCall != nullptr && getMessage != nullptr && getId != nullptr &&
+           drop != nullptr && deallocateCall != nullptr && close != nullptr && shutdown != nullptr;
 }
 
 const TelephonyApi& SystemTelephonyApi() {
@@ -68,8 +68,8 @@ bool Telephony::Start() {
     parameters.dwTotalSize = sizeof parameters;
     parameters.dwOptions = LINEINITIALIZEEXOPTION_USEEVENT;
     DWORD version = kHighestVersion;
-    return api_->initialize(&application_, ::GetModuleHandleA(nullptr), nullptr, "NeltCtrl", &lineCount_, &version,
-                            &parameters) == 0;
+    return api_->initialize(&application_, ::GetModuleHandleA(nullptr), nullptr, "NeltCtrl", &lineCount_,
+                            &version, &parameters) == 0;
 }
 
 void Telephony::Stop() {
@@ -91,7 +91,8 @@ void Telephony::Stop() {
 
 std::string Telephony::LineName(DWORD line) {
     LINEEXTENSIONID extension{};
-    if (api_->negotiateVersion(application_, line, kLowestVersion, kHighestVersion, &version_, &extension) != 0) {
+    if (api_->negotiateVersion(application_, line, kLowestVersion, kHighestVersion, &version_, &extension) !=
+        0) {
         return {};
     }
     std::vector<char> storage(4096);
@@ -133,8 +134,8 @@ std::int32_t Telephony::Connect(const std::string& name, HANDLE& port) {
 }
 
 std::int32_t Telephony::MakeCall() {
-    if (api_->open(application_, lineNumber_, &line_, version_, 0, 0, LINECALLPRIVILEGE_NONE, LINEMEDIAMODE_DATAMODEM,
-                   nullptr) != 0) {
+    if (api_->open(application_, lineNumber_, &line_, version_, 0, 0, LINECALLPRIVILEGE_NONE,
+                   LINEMEDIAMODE_DATAMODEM, nullptr) != 0) {
         line_ = 0;
         return result::TelephonyNoResponse;
     }
@@ -173,7 +174,8 @@ std::int32_t Telephony::PortOfCall(HANDLE& port) {
         return result::TelephonyDeviceNotOpened;
     }
     std::memcpy(&port, reinterpret_cast<const char*>(&id) + id.header.dwStringOffset, sizeof port);
-    return port == nullptr || port == INVALID_HANDLE_VALUE ? result::TelephonyDeviceNotOpened : result::Success;
+    return port == nullptr || port == INVALID_HANDLE_VALUE ? result::TelephonyDeviceNotOpened
+                                                           : result::Success;
 }
 
 std::vector<std::string> TelephonyLines(const TelephonyApi& api) { return Telephony(api).Lines(); }
@@ -183,7 +185,8 @@ namespace {
 // The port of a call, with the call that carries it.
 class TelephonyPort final : public PortWin {
   public:
-    TelephonyPort(Handle port, std::unique_ptr<Telephony> call) : PortWin(std::move(port)), call_(std::move(call)) {}
+    TelephonyPort(Handle port, std::unique_ptr<Telephony> call)
+        : PortWin(std::move(port)), call_(std::move(call)) {}
     TelephonyPort(const TelephonyPort&) = delete;
     TelephonyPort& operator=(const TelephonyPort&) = delete;
     ~TelephonyPort() override {

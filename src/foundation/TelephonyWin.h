@@ -3,14 +3,13 @@
 #include <windows.h>
 
 #define TAPI_CURRENT_VERSION 0x00010004
-#include <tapi.h>
+#include "foundation/SerialDevice.h"
 
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <tapi.h>
 #include <vector>
-
-#include "foundation/SerialDevice.h"
 
 // The telephony functions that are used, looked up by name at run time. A test hands in a table of its own.
 struct TelephonyApi {
@@ -43,7 +42,8 @@ class Telephony {
     // The names of all lines, in the order of their numbers.
     std::vector<std::string> Lines();
 
-    // Calls the named line's modem and gives the port of the call, which this object keeps up; 0, 30201 to 30204.
+    // Calls the named line's modem and gives the port of the call, which this object keeps up; 0, 30201 to
+    // 30204.
     [[nodiscard]] std::int32_t Connect(const std::string& name, HANDLE& port);
 
   private:

@@ -85,7 +85,8 @@ std::int32_t ToInt(std::string_view text) {
     if (negative || text[at] == '+') ++at;
     constexpr std::int64_t kLimit = std::int64_t{std::numeric_limits<std::int32_t>::max()} + 1;
     std::int64_t value = 0;
-    for (; at < text.size() && IsDigit(text[at]); ++at) value = std::min(value * 10 + (text[at] - '0'), kLimit);
+    for (; at < text.size() && IsDigit(text[at]); ++at)
+        value = std::min(value * 10 + (text[at] - '0'), kLimit);
     if (negative) value = -value;
     return static_cast<std::int32_t>(std::min(value, kLimit - 1));
 }

@@ -19,6 +19,6 @@ void ReplaceAll(std::string& text, std::string_view from, std::string_view to);
 void ReplaceAllNoCase(std::string& text, std::string_view from, std::string_view to);
 std::vector<std::string_view> Split(std::string_view text, std::string_view separator);
 
-// The decimal number at the start, after blanks and with an optional sign; 0 when there is none. Digits beyond the
-// range of 32 bits saturate.
+// The decimal number at the start, after blanks and with an optional sign; 0 when there is none. Digits
+// beyond the range of 32 bits saturate.
 std::int32_t ToInt(std::string_view text);

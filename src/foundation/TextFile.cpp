@@ -1,12 +1,12 @@
 #include "foundation/TextFile.h"
 
+#include "foundation/FileReplace.h"
+#include "foundation/Text.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
 #include <memory>
-
-#include "foundation/FileReplace.h"
-#include "foundation/Text.h"
 
 namespace {
 
@@ -25,7 +25,8 @@ std::optional<std::string> ReadTextFile(const std::string& name, std::size_t lim
     std::string text;
     std::array<char, 16384> chunk{};
     while (text.size() < limit) {
-        const std::size_t size = std::fread(chunk.data(), 1, std::min(chunk.size(), limit - text.size()), file.get());
+        const std::size_t size =
+            std::fread(chunk.data(), 1, std::min(chunk.size(), limit - text.size()), file.get());
         if (size == 0) break;
         text.append(chunk.data(), size);
     }

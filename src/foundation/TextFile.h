@@ -10,7 +10,8 @@ std::optional<std::string> ReadTextFile(const std::string& name, std::size_t lim
 // Creates or replaces the file's contents.
 [[nodiscard]] bool WriteTextFile(const std::string& name, std::string_view text);
 
-// As WriteTextFile, but the old file stays whole until the new one is: written beside it, then put in its place.
+// As WriteTextFile, but the old file stays whole until the new one is: written beside it, then put in its
+// place.
 [[nodiscard]] bool ReplaceTextFile(const std::string& name, std::string_view text);
 
 // Appends to the file, creating it when missing; false when it cannot be opened.

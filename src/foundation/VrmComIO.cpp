@@ -1,10 +1,10 @@
 #include "foundation/VrmComIO.h"
 
-#include <algorithm>
-
 #include "foundation/Text.h"
 #include "frame/ErrorTexts.h"
 #include "frame/VrmBase.h"
+
+#include <algorithm>
 
 namespace {
 constexpr std::uint32_t kLineTime = 1000;
@@ -26,7 +26,8 @@ std::int32_t CVrmComIO::Open(SerialSettings settings) {
     if (port && settings.speed == 0) settings.speed = kDefaultSpeed;
     const std::int32_t code = port ? OpenPort(settings) : OpenTelephony(settings);
     Log(logmask::kVerbatim, "OPEN DEVICE   [Velqar Build %s], device=[%s], baudrate=[%d], result=[%s]\n",
-        product::kBuild, settings.device.c_str(), static_cast<int>(settings.speed), DescribeError(code).data());
+        product::kBuild, settings.device.c_str(), static_cast<int>(settings.speed),
+        DescribeError(code).data());
     return code;
 }
 

@@ -1,10 +1,10 @@
 // A modem on a COM port or a telephony line: logged reads and writes, and the AT command exchange.
 #pragma once
-#include <string>
-#include <string_view>
-
 #include "foundation/AtReply.h"
 #include "foundation/KorComIO.h"
+
+#include <string>
+#include <string_view>
 
 struct AtExchange {
     AtOutcome outcome;
@@ -29,8 +29,8 @@ class CVrmComIO : public CKorComIO {
     [[nodiscard]] std::int32_t WriteBytes(std::string_view octets);
     [[nodiscard]] std::int32_t ReadBytes(std::string& octets, std::size_t count, std::uint32_t timeout);
 
-    // Sends a command (unless empty) and reads lines until a final result, the expected text or the time-out (ms).
-    // Digits of a PIN command are masked in the log.
+    // Sends a command (unless empty) and reads lines until a final result, the expected text or the time-out
+    // (ms). Digits of a PIN command are masked in the log.
     AtExchange Exchange(std::string_view command, std::uint32_t timeout, std::string_view expected = {});
 
     // Exchanges each command of a list separated by ";", 2000 ms each; the first failure ends it.

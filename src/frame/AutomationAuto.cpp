@@ -51,7 +51,8 @@ HRESULT Store(std::u16string& field, BSTR text) noexcept {
 
 IUnknown* ObjectOf(const VARIANT* value, const IID& iid) noexcept {
     constexpr int kDeepest = 16;
-    for (int depth = 0; value != nullptr && value->vt == (VT_VARIANT | VT_BYREF) && depth < kDeepest; ++depth) {
+    for (int depth = 0; value != nullptr && value->vt == (VT_VARIANT | VT_BYREF) && depth < kDeepest;
+         ++depth) {
         value = value->pvarVal;
     }
     if (value == nullptr) return nullptr;

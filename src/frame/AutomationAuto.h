@@ -1,21 +1,20 @@
-// What every automatable class has in common: IUnknown and IDispatch, the access to plain values, the common members
-// and the one boundary that methods work behind.
+// What every automatable class has in common: IUnknown and IDispatch, the access to plain values, the common
+// members and the one boundary that methods work behind.
 #pragma once
-#include <windows.h>
-#include <oaidl.h>
+#include "frame/ErrorTexts.h"
+#include "frame/ModuleAuto.h"
+#include "frame/VrmBase.h"
 
 #include <atomic>
 #include <cstdint>
 #include <exception>
 #include <new>
+#include <oaidl.h>
 #include <source_location>
 #include <string>
 #include <string_view>
 #include <type_traits>
-
-#include "frame/ErrorTexts.h"
-#include "frame/ModuleAuto.h"
-#include "frame/VrmBase.h"
+#include <windows.h>
 
 // --- values across the interface; a null output pointer leaves everything as it is
 
@@ -29,8 +28,8 @@ HRESULT Give(BSTR* out, std::string_view ansi) noexcept;
 HRESULT Give(BSTR* out, std::u16string_view text) noexcept;
 
 template <class Number>
-    requires std::is_integral_v<Number>
-HRESULT Give(LONG* out, Number value) noexcept {
+requires std::is_integral_v<Number> HRESULT Give(LONG* out, Number value)
+noexcept {
     if (out != nullptr) *out = static_cast<LONG>(value);
     return S_OK;
 }
@@ -40,13 +39,14 @@ HRESULT Store(std::string& field, BSTR text) noexcept;
 HRESULT Store(std::u16string& field, BSTR text) noexcept;
 
 template <class Number>
-    requires std::is_integral_v<Number>
-HRESULT Store(Number& field, LONG value) noexcept {
+requires std::is_integral_v<Number> HRESULT Store(Number& field, LONG value)
+noexcept {
     field = static_cast<Number>(value);
     return S_OK;
 }
 
-// The object in a VARIANT, through every form of indirection; null when there is none. The caller releases it.
+// The object in a VARIANT, through every form of indirection; null when there is none. The caller releases
+// it.
 IUnknown* ObjectOf(const VARIANT* value, const IID& iid) noexcept;
 
 template <class Interface>
@@ -91,8 +91,8 @@ class Automation : public Interface {
 
     STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
         if (object == nullptr) return E_POINTER;
-        const bool known =
-            IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IDispatch) || IsEqualIID(iid, __uuidof(Interface));
+        const bool known = IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IDispatch) ||
+                           IsEqualIID(iid, __uuidof(Interface));
         *object = known ? static_cast<Interface*>(this) : nullptr;
         if (!known) return E_NOINTERFACE;
         AddRef();
@@ -120,7 +120,8 @@ class Automation : public Interface {
         *info = found;
         return S_OK;
     }
-    STDMETHODIMP GetIDsOfNames(REFIID /*reserved*/, LPOLESTR* names, UINT count, LCID /*locale*/, DISPID* ids) override {
+    STDMETHODIMP GetIDsOfNames(REFIID /*reserved*/, LPOLESTR* names, UINT count, LCID /*locale*/,
+                               DISPID* ids) override {
         ITypeInfo* info = Info();
         return info != nullptr ? info->GetIDsOfNames(names, count, ids) : TYPE_E_CANTLOADLIBRARY;
     }
@@ -128,7 +129,8 @@ class Automation : public Interface {
                         VARIANT* outcome, EXCEPINFO* exception, UINT* badArgument) override {
         ITypeInfo* info = Info();
         if (info == nullptr) return TYPE_E_CANTLOADLIBRARY;
-        return info->Invoke(static_cast<Interface*>(this), id, flags, parameters, outcome, exception, badArgument);
+        return info->Invoke(static_cast<Interface*>(this), id, flags, parameters, outcome, exception,
+                            badArgument);
     }
 
   protected:
@@ -185,8 +187,8 @@ class ObjectAuto : public Automation<Interface> {
 
     void LogException(const char* what, const std::source_location& where) noexcept {
         try {
-            Base().Log(logmask::kLog, "EXCEPTION [%s], source=[%s], line=[%u]", what, Base().ClassName().c_str(),
-                       static_cast<unsigned>(where.line()));
+            Base().Log(logmask::kLog, "EXCEPTION [%s], source=[%s], line=[%u]", what,
+                       Base().ClassName().c_str(), static_cast<unsigned>(where.line()));
         } catch (...) {  // nothing more can be done
         }
     }
@@ -202,7 +204,9 @@ class ProtocolAuto : public ObjectAuto<Interface> {
     STDMETHODIMP put_LogFile(BSTR newVal) noexcept override {
         return Set(newVal, [this](const std::string& name) { this->Base().SetLogFile(name); });
     }
-    virtual STDMETHODIMP get_ActivityFile(BSTR* pVal) noexcept { return Give(pVal, this->Base().ActivityFile()); }
+    virtual STDMETHODIMP get_ActivityFile(BSTR* pVal) noexcept {
+        return Give(pVal, this->Base().ActivityFile());
+    }
     virtual STDMETHODIMP put_ActivityFile(BSTR newVal) noexcept {
         return Set(newVal, [this](const std::string& name) { this->Base().SetActivityFile(name); });
     }

@@ -1,8 +1,7 @@
 // The creatable classes. One row drives class objects, registration and unregistration.
 #pragma once
-#include <windows.h>
-
 #include <span>
+#include <windows.h>
 
 struct CreatableClass {
     const CLSID* clsid;

@@ -1,14 +1,14 @@
 #include "frame/KorBase.h"
 
-#include <algorithm>
-#include <array>
-#include <cstdio>
-#include <new>
-
 #include "foundation/Assertion.h"
 #include "foundation/IniFile.h"
 #include "foundation/Text.h"
 #include "foundation/TextFile.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <new>
 
 namespace {
 
@@ -101,7 +101,8 @@ void CKorBase::Write(unsigned mask, char* buffer, std::size_t size, const char* 
 
 void CKorBase::AppendToActivity(std::string entry) {
     if (entry.size() > kActivityLimit) entry.replace(kActivityCut, std::string::npos, "...");
-    entry.resize(std::min(entry.size(), entry.find_first_of("\r\n")));  // a stored line ends at its line break
+    entry.resize(
+        std::min(entry.size(), entry.find_first_of("\r\n")));  // a stored line ends at its line break
     IniFile file = IniFile::Load(activityFile_);
     const std::uint32_t number = file.Number("Init", "NextEntry");
     std::vector<std::string> entries = file.Lines("Log");

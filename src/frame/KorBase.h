@@ -1,12 +1,12 @@
 // The base of everything that can trace its work: a log file and an activity file, named by the caller.
 #pragma once
+#include "foundation/Clock.h"
+
 #include <cstdarg>
 #include <cstdint>
 #include <memory>
 #include <mutex>
 #include <string>
-
-#include "foundation/Clock.h"
 
 // Where a logging call writes; bits combine.
 namespace logmask {

@@ -1,11 +1,11 @@
 #include "frame/ModuleAuto.h"
 
+#include "frame/ClassTableAuto.h"
+#include "frame/RegistrationAuto.h"
+
 #include <cstring>
 #include <memory>
 #include <new>
-
-#include "frame/ClassTableAuto.h"
-#include "frame/RegistrationAuto.h"
 
 Module& Module::Get() {
     static Module module;
@@ -24,7 +24,9 @@ std::wstring Module::Path() const {
     }
 }
 
-bool Module::LessIid::operator()(const IID& a, const IID& b) const { return std::memcmp(&a, &b, sizeof a) < 0; }
+bool Module::LessIid::operator()(const IID& a, const IID& b) const {
+    return std::memcmp(&a, &b, sizeof a) < 0;
+}
 
 ITypeInfo* Module::TypeInfo(const IID& iid) {
     const std::scoped_lock guard(lock_);

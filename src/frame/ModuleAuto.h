@@ -1,12 +1,11 @@
 // The module: how many objects and locks are outstanding, where the file lies, and its type library.
 #pragma once
-#include <windows.h>
-#include <oaidl.h>
-
 #include <atomic>
 #include <map>
 #include <mutex>
+#include <oaidl.h>
 #include <string>
+#include <windows.h>
 
 class Module {
   public:

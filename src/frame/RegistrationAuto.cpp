@@ -1,14 +1,13 @@
 #include "frame/RegistrationAuto.h"
 
-#include <oaidl.h>
-#include <olectl.h>
-
-#include <string>
-#include <vector>
-
 #include "NeltCtrl.h"
 #include "frame/ClassTableAuto.h"
 #include "frame/ModuleAuto.h"
+
+#include <oaidl.h>
+#include <olectl.h>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -19,7 +18,7 @@ std::wstring GuidText(const GUID& guid) {
 }
 
 struct Value {
-    std::wstring key;  // below HKEY_CLASSES_ROOT
+    std::wstring key;     // below HKEY_CLASSES_ROOT
     const wchar_t* name;  // null = the key's default value
     std::wstring text;
     bool hasText = true;
@@ -49,14 +48,15 @@ std::vector<Value> ValuesOf(const CreatableClass& row) {
 
 bool Write(const Value& value) {
     HKEY key = nullptr;
-    if (::RegCreateKeyExW(HKEY_CLASSES_ROOT, value.key.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &key, nullptr) !=
-        ERROR_SUCCESS) {
+    if (::RegCreateKeyExW(HKEY_CLASSES_ROOT, value.key.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &key,
+                          nullptr) != ERROR_SUCCESS) {
         return false;
     }
     LSTATUS outcome = ERROR_SUCCESS;
     if (value.hasText) {
-        outcome = ::RegSetValueExW(key, value.name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.text.c_str()),
-                                   static_cast<DWORD>((value.text.size() + 1) * sizeof(wchar_t)));
+        outcome =
+            ::RegSetValueExW(key, value.name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.text.c_str()),
+                             static_cast<DWORD>((value.text.size() + 1) * sizeof(wchar_t)));
     }
     ::RegCloseKey(key);
     return outcome == ERROR_SUCCESS;

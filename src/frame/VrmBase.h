@@ -1,9 +1,9 @@
 // The base of every automatable object: its fixed texts and its advanced settings.
 #pragma once
+#include "frame/KorBase.h"
+
 #include <string>
 #include <string_view>
-
-#include "frame/KorBase.h"
 
 namespace product {
 inline constexpr const char* kVersion = "5.3 (x64)";
@@ -21,7 +21,8 @@ class CVrmBase : public CKorBase {
     // True when the keyword stands in the advanced settings (of the object, else of the machine).
     bool HasAdvancedSetting(std::string_view keyword);
 
-    // The number that follows the name: "SmppWindowSize=25;..." or "SmppWindowSize 25,...". `fallback` when absent.
+    // The number that follows the name: "SmppWindowSize=25;..." or "SmppWindowSize 25,...". `fallback` when
+    // absent.
     std::int32_t AdvancedSetting(std::string_view name, std::int32_t fallback);
 
   private:

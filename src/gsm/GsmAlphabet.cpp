@@ -19,7 +19,8 @@ constexpr std::array<std::uint8_t, 128> kToChar = {
 constexpr auto kToGsm = [] {
     std::array<std::uint8_t, 256> table{};
     table.fill(CGsmAlphabet::kNoMapping);
-    for (std::size_t code = kToChar.size(); code-- > 0;) table[kToChar[code]] = static_cast<std::uint8_t>(code);
+    for (std::size_t code = kToChar.size(); code-- > 0;)
+        table[kToChar[code]] = static_cast<std::uint8_t>(code);
     table['?'] = 0x3F;  // not 0x10, the first of the codes that read back as "?"
     return table;
 }();

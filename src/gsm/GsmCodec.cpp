@@ -1,14 +1,14 @@
 #include "gsm/GsmCodec.h"
 
-#include <algorithm>
-#include <span>
-
 #include "foundation/Hex.h"
 #include "foundation/Text.h"
 #include "frame/ErrorTexts.h"
 #include "gsm/GsmAlphabet.h"
 #include "gsm/Septets.h"
 #include "sms/SmsConstants.h"
+
+#include <algorithm>
+#include <span>
 
 namespace {
 
@@ -48,8 +48,8 @@ struct PrefixRow {
     char prefix;
     std::uint8_t typeOfAddress;
 };
-constexpr auto kPrefixes = std::to_array<PrefixRow>(
-    {{'+', 0x91}, {'U', 0x81}, {'N', 0xA1}, {'S', 0xC1}, {'G', 0xB1}, {'A', 0xE1}});
+constexpr auto kPrefixes =
+    std::to_array<PrefixRow>({{'+', 0x91}, {'U', 0x81}, {'N', 0xA1}, {'S', 0xC1}, {'G', 0xB1}, {'A', 0xE1}});
 constexpr std::uint8_t kInternational = 0x91;  // also for a number without a prefix
 
 constexpr std::uint8_t kSubmit = 0x01;
@@ -79,7 +79,8 @@ struct CGsmCodec::Plan {
 
 bool IsGsmNumber(std::string_view number) {
     if (number.size() < 3 || number.size() > 20 || number.starts_with("00")) return false;
-    return (IsDigit(number.front()) || std::ranges::find(kPrefixes, number.front(), &PrefixRow::prefix) != kPrefixes.end()) &&
+    return (IsDigit(number.front()) ||
+            std::ranges::find(kPrefixes, number.front(), &PrefixRow::prefix) != kPrefixes.end()) &&
            std::ranges::all_of(number.substr(1), IsDigit);
 }
 
@@ -110,7 +111,8 @@ std::int32_t CGsmCodec::Encode(const GsmSubmit& submit) {
     ReadBody(submit, plan);
     if (const std::int32_t code = DivideIntoParts(plan); code != result::Success) return code;
     text_.reserve(static_cast<std::size_t>(plan.parts) * 2 * (kOctetsPerMessage + 40));
-    for (std::int32_t part = 0; part < plan.parts; ++part) EncodePart(submit, plan, static_cast<std::size_t>(part));
+    for (std::int32_t part = 0; part < plan.parts; ++part)
+        EncodePart(submit, plan, static_cast<std::size_t>(part));
     return result::Success;
 }
 
@@ -129,7 +131,8 @@ void CGsmCodec::ReadBody(const GsmSubmit& submit, Plan& plan) {
         case Alphabet::kOctets:
             units_.resize(std::max(units_.size(), body.size() / 2));
             for (std::size_t i = 0; i < body.size() / 2; ++i) {
-                units_[i] = static_cast<std::uint8_t>(hex::Value(body[2 * i]) << 4 | hex::Value(body[2 * i + 1]));
+                units_[i] =
+                    static_cast<std::uint8_t>(hex::Value(body[2 * i]) << 4 | hex::Value(body[2 * i + 1]));
             }
             plan.units = {units_.data(), body.size() / 2};
             plan.length = static_cast<std::int32_t>(plan.units.size());
@@ -141,14 +144,16 @@ void CGsmCodec::ReadBody(const GsmSubmit& submit, Plan& plan) {
         plan.units = plan.units.subspan(1 + size);
         plan.headerOctets = static_cast<std::int32_t>(size) + 1;
     }
-    if (submit.destinationPort != 0) plan.headerOctets += plan.headerOctets == 0 ? kPortOctets + 1 : kPortOctets;
+    if (submit.destinationPort != 0)
+        plan.headerOctets += plan.headerOctets == 0 ? kPortOctets + 1 : kPortOctets;
 }
 
 std::int32_t CGsmCodec::DivideIntoParts(Plan& plan) {
     const bool gsm = plan.alphabet == Alphabet::kGsm;
     const std::int32_t unitSize = plan.alphabet == Alphabet::kUcs2 ? 2 : 1;
     const auto capacity = [gsm](std::int32_t header) {
-        return gsm ? kSeptetsPerMessage - static_cast<std::int32_t>(septets::HeaderSeptets(static_cast<std::size_t>(header)))
+        return gsm ? kSeptetsPerMessage -
+                         static_cast<std::int32_t>(septets::HeaderSeptets(static_cast<std::size_t>(header)))
                    : kOctetsPerMessage - header;
     };
     const std::int32_t whole = capacity(plan.headerOctets);
@@ -206,8 +211,7 @@ void CGsmCodec::PutHeader(const GsmSubmit& submit, const Plan& plan, std::size_t
 }
 
 // The data of one part; returns its length as TP-UDL counts it.
-std::size_t CGsmCodec::PutUserData(const Plan& plan, std::size_t part,
-                                   std::size_t headerOctets) {
+std::size_t CGsmCodec::PutUserData(const Plan& plan, std::size_t part, std::size_t headerOctets) {
     const auto perPart = static_cast<std::size_t>(plan.unitsPerPart);
     const auto cut = [&](auto units) {
         const std::size_t from = std::min(part * perPart, units.size());
@@ -259,7 +263,8 @@ void CGsmCodec::EncodePart(const GsmSubmit& submit, const Plan& plan, std::size_
         count_ = headerAt;
     }
     // Format 11 keeps the indicator even with an empty header.
-    if (headerOctets > 0 || submit.format == sms::asMESSAGEFORMAT_DATA_UDH) pdu_[firstOctetAt] |= kHeaderIndicator;
+    if (headerOctets > 0 || submit.format == sms::asMESSAGEFORMAT_DATA_UDH)
+        pdu_[firstOctetAt] |= kHeaderIndicator;
     pdu_[lengthAt] = static_cast<std::uint8_t>(PutUserData(plan, part, headerOctets));
     const std::size_t start = text_.size();
     text_.resize(start + 2 * count_ + 1);

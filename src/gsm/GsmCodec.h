@@ -20,8 +20,9 @@ struct GsmSubmit {
 
 class CGsmCodec {
   public:
-    // 0; 34031 when the recipient or the service centre is no number; 34033 when the message does not fit: format 10
-    // needs more than one part, a caller's header leaves no room, or more than 255 parts would be needed.
+    // 0; 34031 when the recipient or the service centre is no number; 34033 when the message does not fit:
+    // format 10 needs more than one part, a caller's header leaves no room, or more than 255 parts would be
+    // needed.
     [[nodiscard]] std::int32_t Encode(const GsmSubmit& submit);
 
     // The PDUs of the last Encode, each as upper-case hexadecimal followed by ";".

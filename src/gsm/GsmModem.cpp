@@ -1,9 +1,5 @@
 #include "gsm/GsmModem.h"
 
-#include <algorithm>
-#include <array>
-#include <cstdio>
-
 #include "foundation/CodePage.h"
 #include "foundation/Hex.h"
 #include "foundation/Text.h"
@@ -11,6 +7,10 @@
 #include "gsm/GsmStatusPdu.h"
 #include "gsm/PDUDecode.h"
 #include "sms/DeviceOptions.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
 
 namespace {
 
@@ -136,8 +136,8 @@ std::int32_t CGsmModem::Command(std::string_view command, std::string_view expec
 }
 
 std::int32_t CGsmModem::Initialise() {
-    for (const std::string_view command : {std::string_view(settings.initString), std::string_view("ATE0"),
-                                           std::string_view("AT+CMEE=1")}) {
+    for (const std::string_view command :
+         {std::string_view(settings.initString), std::string_view("ATE0"), std::string_view("AT+CMEE=1")}) {
         if (command.empty()) continue;
         if (Command(command) == result::ModemNoResponse) return result::ModemNoResponse;
     }
@@ -255,8 +255,9 @@ std::int32_t CGsmModem::SendCommand(std::string_view command, std::uint32_t time
     if (IsLogging()) {
         std::string shown(command);
         if (ContainsNoCase(shown, "AT+CPIN")) std::ranges::replace_if(shown, IsDigit, '*');
-        LogSized(logmask::kLog, shown.size() + response.size() + 2048, "SEND COMMAND: [%s], Response=[%s], Result=[%d (%s)]\n",
-                 shown.c_str(), response.c_str(), code, DescribeError(code).data());
+        LogSized(logmask::kLog, shown.size() + response.size() + 2048,
+                 "SEND COMMAND: [%s], Response=[%s], Result=[%d (%s)]\n", shown.c_str(), response.c_str(),
+                 code, DescribeError(code).data());
     }
     return code;
 }
@@ -314,7 +315,8 @@ std::int32_t CGsmModem::SendPdus(const CSmsMessageX& message, std::string& refer
     return result::Success;
 }
 
-// The length counts the octets behind a service centre part of one octet, also when the part is longer: kept so.
+// The length counts the octets behind a service centre part of one octet, also when the part is longer: kept
+// so.
 std::int32_t CGsmModem::SendPdu(std::string_view pdu, std::string& reference) {
     const std::string announce = "AT+CMGS=" + std::to_string(pdu.size() / 2 - 1);
     const std::string data = std::string(pdu) + CKorComIO::kCtrlZ;
@@ -325,7 +327,8 @@ std::int32_t CGsmModem::SendPdu(std::string_view pdu, std::string& reference) {
             reference = OnlyDigits(AfterColon(exchange.reply));
             return reference.empty() ? result::ModemUnexpectedResponse : result::Success;
         }
-        if (exchange.outcome.code != result::NetworkBusy || attempt == kSubmitAttempts) return exchange.outcome.code;
+        if (exchange.outcome.code != result::NetworkBusy || attempt == kSubmitAttempts)
+            return exchange.outcome.code;
         GetClock().Sleep(kRetryPause);
     }
 }
@@ -333,8 +336,10 @@ std::int32_t CGsmModem::SendPdu(std::string_view pdu, std::string& reference) {
 std::int32_t CGsmModem::SendText(const CSmsMessageX& message, std::string& references) {
     if (const std::int32_t code = Command("AT+CMGF=1"); code != result::Success) return code;
     std::string recipient = message.Recipient;
-    std::erase_if(recipient, [](char c) { return std::string_view("ASNG").find(c) != std::string_view::npos; });
-    if (const std::int32_t code = Command(Quoted("AT+CMGS=", recipient), ">"); code != result::Success) return code;
+    std::erase_if(recipient,
+                  [](char c) { return std::string_view("ASNG").find(c) != std::string_view::npos; });
+    if (const std::int32_t code = Command(Quoted("AT+CMGS=", recipient), ">"); code != result::Success)
+        return code;
     std::string body = ToAnsi(message.Data).substr(0, CKorComIO::kLongestText - 1) + CKorComIO::kCtrlZ;
     const AtExchange exchange = port_.Exchange(body, kSubmitTime, "+CMGS:");
     if (exchange.outcome.code == result::Success) references = OnlyDigits(exchange.reply);
@@ -347,7 +352,8 @@ unsigned ParseCnmiList(std::string_view list) {
     if (dash != std::string_view::npos) {
         const std::int32_t first = ToInt(OnlyDigits(list.substr(0, dash)));
         const std::int32_t last = ToInt(OnlyDigits(list.substr(dash + 1)));
-        for (std::int32_t value = std::max(first, 0); value <= std::min(last, 3); ++value) values |= 1U << value;
+        for (std::int32_t value = std::max(first, 0); value <= std::min(last, 3); ++value)
+            values |= 1U << value;
         return values;
     }
     for (const std::string_view value : Split(list, ",")) {
@@ -386,7 +392,8 @@ std::int32_t CGsmModem::RequestReports() {
 // --- receiving
 
 std::int32_t CGsmModem::Receive() {
-    Log(logmask::kVerbatim, "RETRIEVE MESSAGES FROM STORAGE : [%s]\n", StorageName(settings.messageStorage, false));
+    Log(logmask::kVerbatim, "RETRIEVE MESSAGES FROM STORAGE : [%s]\n",
+        StorageName(settings.messageStorage, false));
     received_.Clear();
     const OpenDevice device(*this);
     if (device.Code() != result::Success) return device.Code();
@@ -431,7 +438,9 @@ std::int32_t CGsmModem::ReadStorages(unsigned storages) {
     return (storages & kDevice) != 0 ? ReadStorage("ME") : result::Success;
 }
 
-std::int32_t CGsmModem::SelectStorage(std::string_view storage) { return Command(Quoted("AT+CPMS=", storage)); }
+std::int32_t CGsmModem::SelectStorage(std::string_view storage) {
+    return Command(Quoted("AT+CPMS=", storage));
+}
 
 std::int32_t CGsmModem::ReadStorage(const char* storage) {
     if (const std::int32_t code = Command("AT+CMGF=0"); code != result::Success) return code;
@@ -452,8 +461,8 @@ std::int32_t CGsmModem::ReadStorage(const char* storage) {
     return code == result::Success ? deleted : code;
 }
 
-// Lines that are neither a listing line nor a PDU (unsolicited results, noise) are passed over, for as long as one
-// command may take.
+// Lines that are neither a listing line nor a PDU (unsolicited results, noise) are passed over, for as long
+// as one command may take.
 std::int32_t CGsmModem::ListMessages(const char* storage, int status, std::string& reportKeys) {
     (void)port_.WriteString("AT+CMGL=" + std::to_string(status));
     std::optional<std::int32_t> index;
@@ -478,14 +487,16 @@ std::int32_t CGsmModem::ListMessages(const char* storage, int status, std::strin
     return result::ModemNoResponse;
 }
 
-void CGsmModem::TakePdu(const std::string& pdu, const char* storage, std::int32_t index, std::string& reportKeys) {
+void CGsmModem::TakePdu(const std::string& pdu, const char* storage, std::int32_t index,
+                        std::string& reportKeys) {
     std::array<char, 24> key{};
     std::snprintf(key.data(), key.size(), "%s%04d;", storage, index);
     CGsmStatusPdu status(pdu);
     if (status.Decode(GetClock())) {
-        Log(kEvent, "Report received for message %d, status = %02X\n", status.messageReference, status.status);
-        reports_.Update(std::to_string(status.messageReference), StatusOfOctet(status.status), status.dischargeSeconds,
-                        status.status);
+        Log(kEvent, "Report received for message %d, status = %02X\n", status.messageReference,
+            status.status);
+        reports_.Update(std::to_string(status.messageReference), StatusOfOctet(status.status),
+                        status.dischargeSeconds, status.status);
         reportKeys += key.data();
         return;
     }
@@ -522,7 +533,8 @@ std::int32_t CGsmModem::DeleteMessage(std::int32_t index) {
     return code;
 }
 
-// Parts of messages that are still incomplete stay on the device, so that nothing is lost that was never read.
+// Parts of messages that are still incomplete stay on the device, so that nothing is lost that was never
+// read.
 std::int32_t CGsmModem::DeleteAllMessages(bool all) {
     if (received_.Stored() == 0) return result::NoMoreMessages;
     std::string keys;
@@ -560,7 +572,8 @@ std::int32_t CGsmModem::QueryStatus(std::string_view references, CSmsDeliveryRep
     if (references.empty()) return result::InvalidReference;
     const std::int64_t now = GetClock().Now();
     if (!reportsReadAt_ || now - *reportsReadAt_ > kReportsMaximumAge || now < *reportsReadAt_) {
-        Log(logmask::kVerbatim, "RETRIEVE REPORTS FROM STORAGE : [%s]\n", StorageName(settings.messageStorage, true));
+        Log(logmask::kVerbatim, "RETRIEVE REPORTS FROM STORAGE : [%s]\n",
+            StorageName(settings.messageStorage, true));
         if (const std::int32_t code = ReadReports(); code != result::Success) return code;
         reportsReadAt_ = GetClock().Now();
     }

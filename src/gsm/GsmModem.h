@@ -1,11 +1,6 @@
 // The GSM modem channel: the AT dialogues of 3GPP TS 27.005 and 27.007 that send, receive, delete and ask.
 // Every operation opens the device, works, and closes it again.
 #pragma once
-#include <cstdint>
-#include <optional>
-#include <string>
-#include <string_view>
-
 #include "foundation/VrmComIO.h"
 #include "frame/VrmBase.h"
 #include "gsm/GsmCodec.h"
@@ -13,9 +8,14 @@
 #include "sms/SmsMessageX.h"
 #include "sms/SmsMessagesX.h"
 
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
 // What the caller sets.
 struct GsmSettings {
-    std::string device;      // "COM1", or the name of a telephony line
+    std::string device;       // "COM1", or the name of a telephony line
     std::uint32_t speed = 0;  // bits per second; 0 = 115200
     std::string initString;   // an AT command sent first; empty = none
     std::int32_t flowControl = sms::asDEVICEFLOWCONTROL_DEFAULT;
@@ -40,7 +40,8 @@ class CGsmModem : public CVrmBase {
 
     // All return a result code; see the class's own page of the reference for the codes of each.
     [[nodiscard]] std::int32_t EnterPin(std::string_view pin);
-    [[nodiscard]] std::int32_t SendCommand(std::string_view command, std::uint32_t timeout, std::string& response);
+    [[nodiscard]] std::int32_t SendCommand(std::string_view command, std::uint32_t timeout,
+                                           std::string& response);
 
     // `references`: the modem's reference of each part, joined by ";" ("17;18;19").
     [[nodiscard]] std::int32_t Send(const CSmsMessageX& message, std::string& references);
@@ -53,8 +54,8 @@ class CGsmModem : public CVrmBase {
     // MMS notifications stay on the device unless `all`.
     [[nodiscard]] std::int32_t DeleteAllMessages(bool all);
 
-    // The report of a reference as Send returned it. For several parts: open while one part is; then the first state
-    // that is not "Delivered", and the latest time. A final report leaves the store.
+    // The report of a reference as Send returned it. For several parts: open while one part is; then the
+    // first state that is not "Delivered", and the latest time. A final report leaves the store.
     [[nodiscard]] std::int32_t QueryStatus(std::string_view references, CSmsDeliveryReport& report);
     CSmsDeliveryReports& Reports() { return reports_; }
 
@@ -68,7 +69,8 @@ class CGsmModem : public CVrmBase {
     [[nodiscard]] std::int32_t Initialise();
     [[nodiscard]] std::int32_t ChooseMode();
     [[nodiscard]] std::int32_t Command(std::string_view command, std::string_view expected = {});
-    [[nodiscard]] std::int32_t Command(std::string_view command, std::string_view expected, std::string& reply);
+    [[nodiscard]] std::int32_t Command(std::string_view command, std::string_view expected,
+                                       std::string& reply);
 
     [[nodiscard]] std::int32_t CheckPin(std::string_view pin);
     void WaitForRegistration();

@@ -1,14 +1,16 @@
 #include "gsm/GsmPdu.h"
 
-#include <algorithm>
-
 #include "foundation/Hex.h"
 #include "gsm/Septets.h"
+
+#include <algorithm>
 
 CGsmPdu::CGsmPdu(std::string_view text) : text_(text.substr(0, kCapacity)) {}
 
 std::uint8_t CGsmPdu::Octet() {
-    const auto digit = [this] { return cursor_ < text_.size() ? hex::Value(text_[cursor_++]) : std::uint8_t{0}; };
+    const auto digit = [this] {
+        return cursor_ < text_.size() ? hex::Value(text_[cursor_++]) : std::uint8_t{0};
+    };
     const std::uint8_t high = digit();
     return static_cast<std::uint8_t>(high << 4 | digit());
 }

@@ -1,12 +1,13 @@
-// The reader that the PDUs a modem lists have in common: hexadecimal text, a cursor, addresses and time stamps.
+// The reader that the PDUs a modem lists have in common: hexadecimal text, a cursor, addresses and time
+// stamps.
 #pragma once
+#include "foundation/Clock.h"
+
 #include <array>
 #include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
-
-#include "foundation/Clock.h"
 
 // An address field, 3GPP TS 23.040 section 9.1.2.5.
 struct GsmAddress {
@@ -47,5 +48,6 @@ class CGsmPdu {
 // The 14 digits as text.
 std::string TimeStampText(const CGsmPdu::TimeStamp& stamp);
 
-// Seconds since 1970 of the first 12 digits, read as local time in the years 2000 to 2099; the zone is ignored.
+// Seconds since 1970 of the first 12 digits, read as local time in the years 2000 to 2099; the zone is
+// ignored.
 std::int32_t TimeStampSeconds(const CGsmPdu::TimeStamp& stamp, Clock& clock);

@@ -1,8 +1,8 @@
 #include "gsm/GsmStatusPdu.h"
 
-#include <cstdio>
-
 #include "sms/SmsConstants.h"
+
+#include <cstdio>
 
 namespace {
 constexpr std::uint8_t kMessageType = 0x03;
@@ -19,8 +19,8 @@ bool CGsmStatusPdu::Decode(Clock& clock) {
     status = Octet();
     dischargeSeconds = TimeStampSeconds(dischargeTime, clock);
     std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%02X,%s,%02d", messageReference, TimeText(clock, dischargeSeconds).c_str(),
-                  status);
+    std::snprintf(text.data(), text.size(), "%02X,%s,%02d", messageReference,
+                  TimeText(clock, dischargeSeconds).c_str(), status);
     report = text.data();
     return true;
 }

@@ -11,7 +11,8 @@ constexpr double kSeptetsPerOctet = 1.1428571428571428;
 
 void ReadText(const CGsmDeliverPdu& pdu, std::u16string& text) {
     const std::size_t headerOctets = pdu.hasHeader ? pdu.header.OctetCount() + 1 : 0;
-    const double maximum = static_cast<double>(pdu.userDataLength) - static_cast<double>(headerOctets) * kSeptetsPerOctet;
+    const double maximum =
+        static_cast<double>(pdu.userDataLength) - static_cast<double>(headerOctets) * kSeptetsPerOctet;
     if (maximum < 1) return;
     std::array<std::uint8_t, 296> codes;
     const std::size_t size =

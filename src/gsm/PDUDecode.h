@@ -1,18 +1,18 @@
 // A listed SMS-DELIVER as a message: texts, time, header and body.
 #pragma once
+#include "foundation/Clock.h"
+#include "gsm/UserDataHeader.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
-
-#include "foundation/Clock.h"
-#include "gsm/UserDataHeader.h"
 
 class CPDUDecode {
   public:
     explicit CPDUDecode(Clock& clock = SystemClock()) : clock_(&clock) {}
 
-    // False when the text is no SMS-DELIVER. Use a fresh object for each PDU: the originator of an earlier one shows
-    // through under a number that is not international.
+    // False when the text is no SMS-DELIVER. Use a fresh object for each PDU: the originator of an earlier
+    // one shows through under a number that is not international.
     [[nodiscard]] bool Decode(std::string_view hexText);
 
     std::u16string body;  // text; one character an octet for data

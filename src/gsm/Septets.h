@@ -1,4 +1,5 @@
-// Packing of 7-bit codes into octets, 3GPP TS 23.038 section 6.1.2.1, behind a user data header or without one.
+// Packing of 7-bit codes into octets, 3GPP TS 23.038 section 6.1.2.1, behind a user data header or without
+// one.
 #pragma once
 #include <cstdint>
 #include <span>

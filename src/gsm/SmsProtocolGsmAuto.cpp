@@ -70,7 +70,8 @@ class SmsProtocolGsmAuto final : public ProtocolAuto<ISmsProtocolGsm> {
             if (pMessage == nullptr || pVal == nullptr) return result::InvalidParameter;
             *pVal = nullptr;
             CSmsMessageX message;
-            if (const std::int32_t code = CopyFromAutomation(pMessage, message); code != result::Success) return code;
+            if (const std::int32_t code = CopyFromAutomation(pMessage, message); code != result::Success)
+                return code;
             std::string references;
             const std::int32_t code = modem_.Send(message, references);
             *pVal = NewBstr(references);

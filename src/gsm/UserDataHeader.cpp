@@ -1,8 +1,8 @@
 #include "gsm/UserDataHeader.h"
 
-#include <algorithm>
-
 #include "foundation/Assertion.h"
+
+#include <algorithm>
 
 CUserDataHeader::CUserDataHeader(const CUserDataHeader& other) { *this = other; }
 
@@ -28,11 +28,14 @@ void CUserDataHeader::AddOctet(std::uint8_t octet) {
     parsed_ = false;
 }
 
-// Departs from the standard on purpose: of a 16-bit reference only the low octet is kept, port elements sum, known
-// elements move the cursor by their usual length whatever length they state, and unknown elements are not skipped.
+// Departs from the standard on purpose: of a 16-bit reference only the low octet is kept, port elements sum,
+// known elements move the cursor by their usual length whatever length they state, and unknown elements are
+// not skipped.
 void CUserDataHeader::Parse() {
     std::size_t cursor = 0;
-    const auto next = [&]() -> std::uint32_t { return cursor < octets_.size() ? octets_[cursor++] : (++cursor, 0U); };
+    const auto next = [&]() -> std::uint32_t {
+        return cursor < octets_.size() ? octets_[cursor++] : (++cursor, 0U);
+    };
     const auto word = [&] {
         const std::uint32_t high = next();
         return high << 8 | next();

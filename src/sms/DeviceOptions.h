@@ -1,8 +1,9 @@
 // What the serial device constants of the interface mean for a port.
 #pragma once
-#include <cstdint>
-
 #include "foundation/SerialDevice.h"
 
-// asDEVICEFLOWCONTROL_...: ENABLE sets RTS/CTS handshake, DISABLE turns every handshake off, DEFAULT changes nothing.
+#include <cstdint>
+
+// asDEVICEFLOWCONTROL_...: ENABLE sets RTS/CTS handshake, DISABLE turns every handshake off, DEFAULT changes
+// nothing.
 void ApplyFlowControl(SerialSettings& settings, std::int32_t deviceFlowControl);

@@ -1,4 +1,5 @@
-// The constants of the SMS classes under their interface names, for example `sms::asMESSAGEFORMAT_UNICODE` (20).
+// The constants of the SMS classes under their interface names, for example `sms::asMESSAGEFORMAT_UNICODE`
+// (20).
 #pragma once
 #include <cstdint>
 #include <string_view>

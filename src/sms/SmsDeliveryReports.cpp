@@ -1,13 +1,13 @@
 #include "sms/SmsDeliveryReports.h"
 
+#include "foundation/Text.h"
+#include "foundation/TextFile.h"
+#include "frame/ErrorTexts.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdio>
-
-#include "foundation/Text.h"
-#include "foundation/TextFile.h"
-#include "frame/ErrorTexts.h"
 
 namespace {
 
@@ -74,7 +74,8 @@ void CSmsDeliveryReports::ForgetProvider(const CSmsDeliveryReport& report) {
     if (loose != byLooseId_.end() && loose->second == report.reference) byLooseId_.erase(loose);
 }
 
-void CSmsDeliveryReports::RecordProviderReference(const std::string& reference, const std::string& providerReference) {
+void CSmsDeliveryReports::RecordProviderReference(const std::string& reference,
+                                                  const std::string& providerReference) {
     const std::scoped_lock guard(lock_);
     providerReferenceLength_ = providerReference.size();
     const auto report = reports_.find(reference);
@@ -86,8 +87,8 @@ void CSmsDeliveryReports::RecordProviderReference(const std::string& reference, 
     byLooseId_[Loose(providerReference)] = reference;
 }
 
-void CSmsDeliveryReports::Update(const std::string& reference, std::int32_t status, std::int32_t completedTime,
-                                 std::int32_t statusCode) {
+void CSmsDeliveryReports::Update(const std::string& reference, std::int32_t status,
+                                 std::int32_t completedTime, std::int32_t statusCode) {
     const std::scoped_lock guard(lock_);
     auto report = reports_.find(reference);
     if (report == reports_.end()) {
@@ -101,7 +102,8 @@ void CSmsDeliveryReports::Update(const std::string& reference, std::int32_t stat
     report->second.statusCode = statusCode;
 }
 
-void CSmsDeliveryReports::SetStatus(const std::string& reference, std::int32_t status, std::int32_t statusCode) {
+void CSmsDeliveryReports::SetStatus(const std::string& reference, std::int32_t status,
+                                    std::int32_t statusCode) {
     const std::scoped_lock guard(lock_);
     const auto report = reports_.find(reference);
     if (report == reports_.end()) return;
@@ -110,19 +112,22 @@ void CSmsDeliveryReports::SetStatus(const std::string& reference, std::int32_t s
     report->second.completedTime = IsCompletedStatus(status) ? static_cast<std::int32_t>(clock_->Now()) : 0;
 }
 
-// The documented look-up first: the id as the receipt writes it (converted to hexadecimal when receipts are decimal),
-// padded to the length of the ids the server gave. Then, for servers that write one id in two ways, without regard to
-// case, leading zeros and base.
+// The documented look-up first: the id as the receipt writes it (converted to hexadecimal when receipts are
+// decimal), padded to the length of the ids the server gave. Then, for servers that write one id in two ways,
+// without regard to case, leading zeros and base.
 CSmsDeliveryReport* CSmsDeliveryReports::FindByProvider(std::string_view id) {
     const auto reportOf = [this](const std::string& reference) -> CSmsDeliveryReport* {
         const auto report = reports_.find(reference);
         return report != reports_.end() ? &report->second : nullptr;
     };
     const auto asDecimal = Number(id, 10);
-    std::string wanted = receiptFormat_ == sms::asSMPPDELIVERYREPORTFORMAT_DEC && asDecimal ? HexText(*asDecimal)
-                                                                                             : std::string(id);
-    if (wanted.size() < providerReferenceLength_) wanted.insert(0, providerReferenceLength_ - wanted.size(), '0');
-    if (const auto exact = byProvider_.find(wanted); exact != byProvider_.end()) return reportOf(exact->second);
+    std::string wanted = receiptFormat_ == sms::asSMPPDELIVERYREPORTFORMAT_DEC && asDecimal
+                             ? HexText(*asDecimal)
+                             : std::string(id);
+    if (wanted.size() < providerReferenceLength_)
+        wanted.insert(0, providerReferenceLength_ - wanted.size(), '0');
+    if (const auto exact = byProvider_.find(wanted); exact != byProvider_.end())
+        return reportOf(exact->second);
 
     std::array<std::string, 3> others{Loose(id), {}, {}};
     if (asDecimal) others[1] = HexText(*asDecimal);

@@ -1,5 +1,9 @@
 // The delivery reports of sent messages, found by the reference that `Send` returned or by the provider's id.
 #pragma once
+#include "frame/KorBase.h"
+#include "sms/SmsConstants.h"
+#include "sms/SmsReceipt.h"
+
 #include <cstdint>
 #include <map>
 #include <mutex>
@@ -7,15 +11,11 @@
 #include <string>
 #include <string_view>
 
-#include "frame/KorBase.h"
-#include "sms/SmsConstants.h"
-#include "sms/SmsReceipt.h"
-
 // One report. All times are seconds since 1970.
 struct CSmsDeliveryReport {
-    std::string reference;          // the key
-    std::string providerReference;  // the SMSC's own identifier, when it differs
-    std::int32_t status = 0;        // asDELIVERYSTATUS_...
+    std::string reference;           // the key
+    std::string providerReference;   // the SMSC's own identifier, when it differs
+    std::int32_t status = 0;         // asDELIVERYSTATUS_...
     std::int32_t completedTime = 0;  // 0 while not completed
     std::int32_t statusCode = 0;     // the network's own code: receipt "err" field, GSM TP-Status
     std::int32_t extra = 0;          // saved and loaded unchanged
@@ -39,9 +39,11 @@ class CSmsDeliveryReports {
     // Names the identifier under which the provider's receipts speak of the reference.
     void RecordProviderReference(const std::string& reference, const std::string& providerReference);
 
-    // Puts a final or intermediate state on the reference's report; makes the report when there is none, so that a
-    // status that the network has handed over is not lost. The completed time is kept for final states only.
-    void Update(const std::string& reference, std::int32_t status, std::int32_t completedTime, std::int32_t statusCode);
+    // Puts a final or intermediate state on the reference's report; makes the report when there is none, so
+    // that a status that the network has handed over is not lost. The completed time is kept for final states
+    // only.
+    void Update(const std::string& reference, std::int32_t status, std::int32_t completedTime,
+                std::int32_t statusCode);
 
     // Changes the status of an existing report only.
     void SetStatus(const std::string& reference, std::int32_t status, std::int32_t statusCode);
@@ -69,7 +71,8 @@ class CSmsDeliveryReports {
 
   private:
     using Tree = std::map<std::string, CSmsDeliveryReport, std::less<>>;
-    using Index = std::map<std::string, std::string, std::less<>>;  // an identifier -> the reference it stands for
+    using Index =
+        std::map<std::string, std::string, std::less<>>;  // an identifier -> the reference it stands for
 
     CSmsDeliveryReport* FindByProvider(std::string_view id);
     void ForgetProvider(const CSmsDeliveryReport& report);

@@ -14,7 +14,9 @@ class SmsDeliveryStatusAuto final : public Automation<ISmsDeliveryStatus> {
     AUTO_NUMBER(IsCompleted, isCompleted_)
     AUTO_TEXT(ProviderReference, providerReference_)
 
-    STDMETHODIMP get_StatusDescription(BSTR* pVal) noexcept override { return Give(pVal, DeliveryStatusText(status_)); }
+    STDMETHODIMP get_StatusDescription(BSTR* pVal) noexcept override {
+        return Give(pVal, DeliveryStatusText(status_));
+    }
 
   private:
     std::int32_t status_ = 0;

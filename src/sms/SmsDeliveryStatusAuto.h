@@ -1,9 +1,9 @@
 // The class SmsDeliveryStatus, and filling one from a report.
 #pragma once
-#include <cstdint>
-
 #include "NeltCtrl.h"
 #include "sms/SmsDeliveryReports.h"
+
+#include <cstdint>
 
 // Writes the report into the SmsDeliveryStatus in a VARIANT; 0, or 34141 when there is none.
 [[nodiscard]] std::int32_t FillStatus(const CSmsDeliveryReport& report, const VARIANT* target);

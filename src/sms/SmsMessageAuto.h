@@ -1,9 +1,9 @@
 // The class SmsMessage, and the copies between it and the record that protocols work with.
 #pragma once
-#include <cstdint>
-
 #include "NeltCtrl.h"
 #include "sms/SmsMessageX.h"
+
+#include <cstdint>
 
 // Reads the SmsMessage in a VARIANT through its own properties; 0, or 34141 when there is none.
 [[nodiscard]] std::int32_t CopyFromAutomation(const VARIANT* value, CSmsMessageX& record);

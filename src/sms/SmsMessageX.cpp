@@ -1,11 +1,11 @@
 #include "sms/SmsMessageX.h"
 
+#include "foundation/Text.h"
+#include "frame/ErrorTexts.h"
+
 #include <algorithm>
 #include <array>
 #include <utility>
-
-#include "foundation/Text.h"
-#include "frame/ErrorTexts.h"
 
 CSmsMessageX& CSmsMessageX::operator=(const CSmsMessageX& other) {
     if (this == &other) return *this;
@@ -53,7 +53,8 @@ std::string_view FormatName(std::int32_t format) {
         {sms::asMESSAGEFORMAT_UNICODE_MULTIPART, "UNICODE_MULTIPART"},
         {sms::asMESSAGEFORMAT_UNICODE_MULTIPART_FLASH, "UNICODE_MULTIPART_FLASH"},
     });
-    const auto* const row = std::ranges::find(kNames, format, &std::pair<std::int32_t, std::string_view>::first);
+    const auto* const row =
+        std::ranges::find(kNames, format, &std::pair<std::int32_t, std::string_view>::first);
     return row != kNames.end() ? row->second : "UNKNOWN";
 }
 

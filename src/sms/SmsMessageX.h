@@ -1,12 +1,12 @@
 // The form in which every protocol handles one SMS.
 #pragma once
-#include <cstdint>
-#include <string>
-#include <string_view>
-
 #include "Common/SmppPdu/TLVRecords.h"
 #include "gsm/UserDataHeader.h"
 #include "sms/SmsConstants.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
 
 enum class MessageState : std::uint32_t {
     kPending = 1,   // freshly built, or a part that waits for its siblings
@@ -15,7 +15,7 @@ enum class MessageState : std::uint32_t {
 };
 
 struct CSmsMessageX {
-    static constexpr std::int32_t kNotSet = -1;        // the protocol chooses; never sent
+    static constexpr std::int32_t kNotSet = -1;         // the protocol chooses; never sent
     static constexpr std::uint32_t kNoReference = 256;  // part reference of a received single message
 
     std::string Sender;

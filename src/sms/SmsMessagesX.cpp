@@ -1,11 +1,11 @@
 #include "sms/SmsMessagesX.h"
 
+#include "frame/ErrorTexts.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
 #include <functional>
-
-#include "frame/ErrorTexts.h"
 
 namespace {
 
@@ -26,8 +26,9 @@ std::string LowOctets(std::u16string_view text) {
 
 std::string NotificationText(const MmsNotification& mms) {
     if (mms.messageType == kNotificationInd) {
-        return "M-NOTIFICATION-IND URL=" + mms.contentLocation + " ID=" + mms.transactionId + " FROM=" + mms.from +
-               " SIZE=" + std::to_string(mms.messageSize) + " EXPIRATION=" + std::to_string(mms.expiry);
+        return "M-NOTIFICATION-IND URL=" + mms.contentLocation + " ID=" + mms.transactionId +
+               " FROM=" + mms.from + " SIZE=" + std::to_string(mms.messageSize) +
+               " EXPIRATION=" + std::to_string(mms.expiry);
     }
     if (mms.messageType == kDeliveryInd) {
         std::array<char, 4> status{};
@@ -48,11 +49,12 @@ std::size_t CSmsMessagesX::KeyHash::operator()(const Key& key) const {
 CSmsMessagesX::CSmsMessagesX(Clock& clock, std::int32_t segmentationTimeout, MmsNotificationDecoder* decoder)
     : clock_(&clock), segmentationTimeout_(segmentationTimeout), decoder_(decoder) {}
 
-// The moment from which the part is older than the time-out: the age is a signed 32-bit difference to the message's
-// own time stamp.
+// The moment from which the part is older than the time-out: the age is a signed 32-bit difference to the
+// message's own time stamp.
 std::int64_t CSmsMessagesX::DueTime(std::int32_t timeSecs) const {
     const std::int64_t now = clock_->Now();
-    const auto age = static_cast<std::int32_t>(static_cast<std::uint32_t>(now) - static_cast<std::uint32_t>(timeSecs));
+    const auto age =
+        static_cast<std::int32_t>(static_cast<std::uint32_t>(now) - static_cast<std::uint32_t>(timeSecs));
     return now + (std::int64_t{segmentationTimeout_} - age) + 1;
 }
 
@@ -87,14 +89,15 @@ bool CSmsMessagesX::HasAllParts(const Group& group, std::uint32_t count) const {
 
 void CSmsMessagesX::Complete(CSmsMessageX record) {
     record.State = MessageState::kComplete;
-    if (record.DestinationPort == kWapPushPort && (record.SourcePort == kWapSourcePort || record.SourcePort == 0)) {
+    if (record.DestinationPort == kWapPushPort &&
+        (record.SourcePort == kWapSourcePort || record.SourcePort == 0)) {
         RecogniseNotification(record);
     }
     complete_.push_back(std::move(record));
 }
 
-// One pass has the outcome of walking all waiting records in arrival order, but only touches those that can change:
-// single messages, groups that gained a part, and parts whose time has come.
+// One pass has the outcome of walking all waiting records in arrival order, but only touches those that can
+// change: single messages, groups that gained a part, and parts whose time has come.
 void CSmsMessagesX::Pass() {
     std::vector<Sequence> candidates;
     for (Groups::value_type* entry : changed_) {
@@ -107,7 +110,8 @@ void CSmsMessagesX::Pass() {
     }
     changed_.clear();
     const std::int64_t now = clock_->Now();
-    for (auto due = due_.begin(); due != due_.end() && due->first <= now; ++due) candidates.push_back(due->second);
+    for (auto due = due_.begin(); due != due_.end() && due->first <= now; ++due)
+        candidates.push_back(due->second);
     std::ranges::sort(candidates);
 
     for (CSmsMessageX& record : arrived_) Complete(std::move(record));
@@ -178,7 +182,8 @@ void CSmsMessagesX::RecogniseNotification(CSmsMessageX& record) {
     }
     const std::size_t pduAt = static_cast<std::uint8_t>(octets[2]) + kContentTypeAt;
     std::optional<MmsNotification> mms;
-    if (decoder_ != nullptr && pduAt < octets.size()) mms = decoder_->Decode(std::string_view(octets).substr(pduAt));
+    if (decoder_ != nullptr && pduAt < octets.size())
+        mms = decoder_->Decode(std::string_view(octets).substr(pduAt));
     const std::string text = NotificationText(mms.value_or(MmsNotification{}));
     record.Data.assign(text.begin(), text.end());
     record.SourcePort = 0;

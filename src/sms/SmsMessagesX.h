@@ -1,5 +1,11 @@
-// The received-message store: takes messages and parts as they arrive, in any order, and gives whole messages.
+// The received-message store: takes messages and parts as they arrive, in any order, and gives whole
+// messages.
 #pragma once
+#include "foundation/Clock.h"
+#include "foundation/MachineSettings.h"
+#include "sms/MmsNotificationDecoder.h"
+#include "sms/SmsMessageX.h"
+
 #include <cstdint>
 #include <deque>
 #include <map>
@@ -10,19 +16,15 @@
 #include <unordered_map>
 #include <vector>
 
-#include "foundation/Clock.h"
-#include "foundation/MachineSettings.h"
-#include "sms/MmsNotificationDecoder.h"
-#include "sms/SmsMessageX.h"
-
 class CSmsMessagesX {
   public:
     // `decoder` reads MMS notifications; without one, each counts as one that cannot be decoded.
-    explicit CSmsMessagesX(Clock& clock = SystemClock(), std::int32_t segmentationTimeout = MachineSegmentationTimeout(),
+    explicit CSmsMessagesX(Clock& clock = SystemClock(),
+                           std::int32_t segmentationTimeout = MachineSegmentationTimeout(),
                            MmsNotificationDecoder* decoder = nullptr);
 
-    // Appends a record and gives it the next id. A part whose numbering cannot be (number 0, or above the count)
-    // counts as a single message, as 3GPP TS 23.040 section 9.2.3.24.1 asks.
+    // Appends a record and gives it the next id. A part whose numbering cannot be (number 0, or above the
+    // count) counts as a single message, as 3GPP TS 23.040 section 9.2.3.24.1 asks.
     void Add(CSmsMessageX record);
 
     // Completes what can be completed. First, Next and Count do this by themselves.
@@ -35,9 +37,8 @@ class CSmsMessagesX {
     // The index-th complete message, from 0, as of the last pass; 33060 when there is none.
     [[nodiscard]] std::int32_t ByIndex(std::size_t index, CSmsMessageX& message) const;
 
-
-    std::size_t Count();           // complete messages, after a pass
-    std::size_t Stored() const;    // complete messages and waiting parts
+    std::size_t Count();         // complete messages, after a pass
+    std::size_t Stored() const;  // complete messages and waiting parts
     void Remove(std::size_t index);
     void Clear();
 
@@ -77,7 +78,8 @@ class CSmsMessagesX {
     mutable std::mutex lock_;
     std::uint32_t nextId_ = 1;
     Sequence nextSequence_ = 0;
-    std::deque<CSmsMessageX> complete_;  // in list order: what a pass completes always follows what was complete
+    std::deque<CSmsMessageX>
+        complete_;          // in list order: what a pass completes always follows what was complete
     std::size_t next_ = 0;  // what Next returns
     std::vector<CSmsMessageX> arrived_;  // single messages since the last pass
     std::map<Sequence, Part> parts_;

@@ -1,11 +1,11 @@
 #include "sms/SmsReceipt.h"
 
-#include <array>
-#include <cctype>
-
 #include "Common/SmppPdu/SmppTime.h"
 #include "foundation/Text.h"
 #include "sms/SmsConstants.h"
+
+#include <array>
+#include <cctype>
 
 namespace {
 
@@ -31,14 +31,15 @@ constexpr auto kStatWords = std::to_array<StatWord>({
     {"ACKED", sms::asDELIVERYSTATUS_ENROUTE},
 });
 
-// The text after the key and a colon, up to the next blank. A key that begins a word is preferred to one inside a
-// word, so that "valid:" is not taken for "id:".
+// The text after the key and a colon, up to the next blank. A key that begins a word is preferred to one
+// inside a word, so that "valid:" is not taken for "id:".
 std::string_view ValueOf(std::string_view text, std::string_view key) {
     const std::string wanted = std::string(key) + ":";
     const std::size_t first = FindNoCase(text, wanted);
     if (first == std::string_view::npos) return {};
     std::size_t at = first;
-    while (at != std::string_view::npos && at > 0 && std::isalnum(static_cast<unsigned char>(text[at - 1])) != 0) {
+    while (at != std::string_view::npos && at > 0 &&
+           std::isalnum(static_cast<unsigned char>(text[at - 1])) != 0) {
         at = FindNoCase(text, wanted, at + 1);
     }
     if (at == std::string_view::npos) at = first;

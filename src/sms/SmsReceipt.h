@@ -1,12 +1,12 @@
 // The text of an SMPP delivery receipt, SMPP 3.4 appendix B:
 // "id:... sub:001 dlvrd:001 submit date:YYMMDDhhmm done date:YYMMDDhhmm stat:DELIVRD err:000 text:..."
 #pragma once
+#include "foundation/Clock.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include "foundation/Clock.h"
 
 struct SmsReceipt {
     std::string id;

@@ -1,8 +1,4 @@
 // Result codes, log and activity files, advanced settings.
-#include <gtest/gtest.h>
-
-#include <filesystem>
-
 #include "foundation/Assertion.h"
 #include "foundation/IniFile.h"
 #include "frame/ErrorTexts.h"
@@ -10,6 +6,9 @@
 #include "sms/SmsConstants.h"
 #include "support/TemporaryFolder.h"
 #include "support/VirtualClock.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -24,9 +23,10 @@ TEST(ErrorTexts, GivesTheFixedTextOfEveryCode) {
              Row{0, "Success"},
              Row{101, "Send HELO command failed"},
              Row{591, "No response from SMTP server"},
-             Row{10060, "A connection attempt failed because the connected party did not properly respond after a "
-                        "period of time, or established connection failed because connected host has failed to "
-                        "respond"},
+             Row{10060,
+                 "A connection attempt failed because the connected party did not properly respond after a "
+                 "period of time, or established connection failed because connected host has failed to "
+                 "respond"},
              Row{31678, "There is no answer."},
              Row{33216, "Recipient address blocked or nut supported by SMPP provider"},
              Row{33807, "MM7 Error: Message forumat corrupt"},
@@ -52,9 +52,9 @@ TEST(SmsConstants, DescribeAndCompleteEveryDeliveryStatus) {
         bool completed;
     };
     for (const Row& row : {Row{0, "Scheduled", false}, Row{1, "Enroute", false}, Row{2, "Delivered", true},
-                           Row{9, "Skipped", true}, Row{10, "Submit requested", false}, Row{11, "Submitted", true},
-                           Row{13, "Insufficient credits", true}, Row{14, "Unspecified", false},
-                           Row{-1, "Unspecified", false}}) {
+                           Row{9, "Skipped", true}, Row{10, "Submit requested", false},
+                           Row{11, "Submitted", true}, Row{13, "Insufficient credits", true},
+                           Row{14, "Unspecified", false}, Row{-1, "Unspecified", false}}) {
         EXPECT_EQ(DeliveryStatusText(row.status), row.text) << row.status;
         EXPECT_EQ(IsCompletedStatus(row.status), row.completed) << row.status;
     }
@@ -147,7 +147,8 @@ TEST_F(Logging, LongTextsEndAtTheBufferUnlessTheirSizeIsGiven) {
 
 TEST_F(Logging, FilesThatCannotBeUsedAreSkipped) {
     const std::string here = std::filesystem::path(log).parent_path().string();
-    for (const std::string& name : {here, here + "/missing/a.log", std::string(64 * 1024, 'n'), std::string("\0x", 2)}) {
+    for (const std::string& name :
+         {here, here + "/missing/a.log", std::string(64 * 1024, 'n'), std::string("\0x", 2)}) {
         base.SetLogFile(name);
         base.SetActivityFile(name);
         base.Log(7, "text");
@@ -157,8 +158,9 @@ TEST_F(Logging, FilesThatCannotBeUsedAreSkipped) {
 }
 
 TEST_F(Logging, ADamagedActivityFileStillTakesEntries) {
-    for (const std::string& damage : {std::string("\0\xff[Log\n=\nNextEntry=zz", 20), std::string("[Log]\ngarbage\n"),
-                                      std::string(200'000, '['), std::string("[Init]\nNextEntry=99999999999999\n")}) {
+    for (const std::string& damage :
+         {std::string("\0\xff[Log\n=\nNextEntry=zz", 20), std::string("[Log]\ngarbage\n"),
+          std::string(200'000, '['), std::string("[Init]\nNextEntry=99999999999999\n")}) {
         base.SetActivityFile(activity);
         TemporaryFolder::Write(activity, damage);
         base.Log(2, "after");
@@ -173,8 +175,8 @@ TEST(AdvancedSettings, FindsKeywordsAndNumbers) {
     };
     for (const Row& row : {Row{"", 10}, Row{"Other=3", 10}, Row{"SmppWindowSize=25", 25},
                            Row{"ForcePduMode;smppwindowsize = 7;X=9", 7}, Row{"SmppWindowSize 12,8", 12},
-                           Row{"SmppWindowSize", 0}, Row{"SmppWindowSize=;5", 0}, Row{"SmppWindowSize=-4", -4},
-                           Row{"SmppWindowSize=99999999999", INT32_MAX}}) {
+                           Row{"SmppWindowSize", 0}, Row{"SmppWindowSize=;5", 0},
+                           Row{"SmppWindowSize=-4", -4}, Row{"SmppWindowSize=99999999999", INT32_MAX}}) {
         CVrmBase base("CTest");
         base.SetAdvancedSettings(row.settings);
         EXPECT_EQ(base.AdvancedSetting("SmppWindowSize", 10), row.value) << row.settings;
@@ -205,8 +207,8 @@ TEST(TimeText, IsATwelveHourClock) {
         const char* text;
     };
     for (const Row& row : {Row{0, "n/a"}, Row{-1, "n/a"}, Row{1794750310, "11/15/2026 01:45:10 PM"},
-                           Row{1794700800, "11/15/2026 12:00:00 AM"}, Row{1794744000, "11/15/2026 12:00:00 PM"},
-                           Row{1, "01/01/1970 12:00:01 AM"}}) {
+                           Row{1794700800, "11/15/2026 12:00:00 AM"},
+                           Row{1794744000, "11/15/2026 12:00:00 PM"}, Row{1, "01/01/1970 12:00:01 AM"}}) {
         EXPECT_EQ(TimeText(clock, row.seconds), row.text);
     }
 }

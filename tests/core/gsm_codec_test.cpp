@@ -1,6 +1,4 @@
 // The GSM alphabet, septets, user data headers and PDUs, octet by octet.
-#include <gtest/gtest.h>
-
 #include "foundation/Hex.h"
 #include "gsm/GsmAlphabet.h"
 #include "gsm/GsmCodec.h"
@@ -8,6 +6,8 @@
 #include "gsm/PDUDecode.h"
 #include "gsm/Septets.h"
 #include "support/VirtualClock.h"
+
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -38,7 +38,8 @@ TEST(GsmAlphabet, EncodesWithItsPeculiarities) {
              Row{u"\u03C0\u03A0", {0x16, 0x16}},
              Row{u"\u20AC", {0x1B, 0x65}},
              Row{u"\x80", {0x1B, 0x65}},
-             Row{u"^{}\\~]|", {0x1B, 0x14, 0x1B, 0x28, 0x1B, 0x29, 0x1B, 0x2F, 0x1B, 0x3D, 0x1B, 0x3E, 0x1B, 0x40}},
+             Row{u"^{}\\~]|",
+                 {0x1B, 0x14, 0x1B, 0x28, 0x1B, 0x29, 0x1B, 0x2F, 0x1B, 0x3D, 0x1B, 0x3E, 0x1B, 0x40}},
              Row{u"@\u0394_\u03A6\u0393\u039B\u03A9\u03A8\u03A3\u0398\u039E",
                  {0x00, 0x10, 0x11, 0x12, 0x13, 0x14, 0x15, 0x17, 0x18, 0x19, 0x1A}},
              Row{u"\u4E2D\uFFFF", {}},
@@ -92,18 +93,15 @@ TEST(Septets, PackTheWorkedExamples) {
         const char* octets;
     };
     for (const Row& row : {
-             Row{u"hellohello", 0, "E8329BFD4697D9EC37"},
-             Row{u"1234567", 0, "31D98C56B3DD00"},
-             Row{u"12345678", 0, "31D98C56B3DD70"},
-             Row{u"", 0, ""},
-             Row{u"", 6, ""},
-             Row{u"a", 6, "C2"},      // 1 fill bit
-             Row{u"a", 7, "61"},      // none
-             Row{u"a", 1, "4018"},    // 6
-             Row{u"a", 2, "200C"},    // 5
-             Row{u"a", 3, "1006"},    // 4
-             Row{u"a", 4, "0803"},    // 3
-             Row{u"a", 5, "8401"},    // 2
+             Row{u"hellohello", 0, "E8329BFD4697D9EC37"}, Row{u"1234567", 0, "31D98C56B3DD00"},
+             Row{u"12345678", 0, "31D98C56B3DD70"}, Row{u"", 0, ""}, Row{u"", 6, ""},
+             Row{u"a", 6, "C2"},    // 1 fill bit
+             Row{u"a", 7, "61"},    // none
+             Row{u"a", 1, "4018"},  // 6
+             Row{u"a", 2, "200C"},  // 5
+             Row{u"a", 3, "1006"},  // 4
+             Row{u"a", 4, "0803"},  // 3
+             Row{u"a", 5, "8401"},  // 2
          }) {
         const Codes codes = Encode(row.text);
         Codes octets(codes.size() + 1);
@@ -132,7 +130,8 @@ TEST(UserDataHeader, ReadsWhatItKnowsAndKeepsItsHabits) {
     using Value = CUserDataHeader::Value;
     struct Row {
         const char* octets;
-        std::array<std::uint32_t, 7> values;  // ports 8 (source, destination), ports 16, reference, sequence, total
+        std::array<std::uint32_t, 7>
+            values;  // ports 8 (source, destination), ports 16, reference, sequence, total
     };
     for (const Row& row : {
              Row{"00032A0302", {0, 0, 0, 0, 42, 2, 3}},
@@ -174,8 +173,14 @@ struct SubmitRow {
 
 TEST(GsmCodec, EncodesSinglePdus) {
     for (const SubmitRow& row : {
-             SubmitRow{"text", {"", "+31612345678", u"hellohello"}, 0, "0001000B911316325476F800000AE8329BFD4697D9EC37;"},
-             SubmitRow{"flash, report", {"", "+31612345678", u"a", 1, 0, true}, 0, "0021000B911316325476F800100161;"},
+             SubmitRow{"text",
+                       {"", "+31612345678", u"hellohello"},
+                       0,
+                       "0001000B911316325476F800000AE8329BFD4697D9EC37;"},
+             SubmitRow{"flash, report",
+                       {"", "+31612345678", u"a", 1, 0, true},
+                       0,
+                       "0021000B911316325476F800100161;"},
              SubmitRow{"service centre, validity",
                        {"+31653131313", "S1234", u"a", 0, 1440},
                        0,
@@ -183,13 +188,23 @@ TEST(GsmCodec, EncodesSinglePdus) {
              SubmitRow{"no prefix is international", {"", "0612", u"a"}, 0, "00010004916021000001 61;"},
              SubmitRow{"national", {"", "N123", u"a"}, 0, "00010003A121F300000161;"},
              SubmitRow{"unicode", {"", "U123", u"\u4E2D\u6587", 20}, 0, "000100038121F30008044E2D6587;"},
-             SubmitRow{"unicode flash has no header left", {"", "U123", u"\u4E2D", 21}, 0, "000100038121F30018024E2D;"},
+             SubmitRow{"unicode flash has no header left",
+                       {"", "U123", u"\u4E2D", 21},
+                       0,
+                       "000100038121F30018024E2D;"},
              SubmitRow{"data", {"", "+123", u"00fFx", 10}, 0, "000100039121F300F50200FF;"},
-             SubmitRow{"data with header", {"", "+123", u"0605040B8423F0ABCD", 11}, 0,
+             SubmitRow{"data with header",
+                       {"", "+123", u"0605040B8423F0ABCD", 11},
+                       0,
                        "004100039121F300F5090605040B8423F0ABCD;"},
-             SubmitRow{"an empty header keeps its flag", {"", "+123", u"00AB", 11}, 0, "004100039121F300F501AB;"},
-             SubmitRow{"header longer than the body", {"", "+123", u"FF0102", 11}, 0, "004100039121F300F503020102;"},
-             SubmitRow{"port", {"", "+123", u"a", 0, 0, false, 2948}, 0, "004100039121F30000090605040B84000061;"},
+             SubmitRow{
+                 "an empty header keeps its flag", {"", "+123", u"00AB", 11}, 0, "004100039121F300F501AB;"},
+             SubmitRow{"header longer than the body",
+                       {"", "+123", u"FF0102", 11},
+                       0,
+                       "004100039121F300F503020102;"},
+             SubmitRow{
+                 "port", {"", "+123", u"a", 0, 0, false, 2948}, 0, "004100039121F30000090605040B84000061;"},
              SubmitRow{"unknown format is text", {"", "+123", u"a", 77}, 0, "000100039121F300000161;"},
              SubmitRow{"empty", {"", "+123", u""}, 0, "000100039121F3000000;"},
              SubmitRow{"recipient empty", {"", "", u"a"}, 34031, ""},
@@ -213,7 +228,7 @@ TEST(GsmCodec, SplitsAtTheCapacitiesOfEachAlphabet) {
     struct Row {
         const char* name;
         std::int32_t format;
-        std::size_t units;      // characters, or octets for data
+        std::size_t units;  // characters, or octets for data
         std::uint16_t port;
         std::vector<int> lengths;  // TP-UDL of each part
         std::int32_t code;
@@ -274,17 +289,33 @@ TEST(GsmCodec, AHeaderWithoutRoomForDataIsRefused) {
          {std::tuple{139, 140, 34033}, {134, 200, 34033}, {255, 256, 34033}, {130, 200, 0}}) {
         std::u16string body;
         constexpr std::u16string_view digits = u"0123456789ABCDEF";
-        body += {digits[static_cast<std::size_t>(length) >> 4], digits[static_cast<std::size_t>(length) & 15]};
+        body +=
+            {digits[static_cast<std::size_t>(length) >> 4], digits[static_cast<std::size_t>(length) & 15]};
         body += std::u16string(static_cast<std::size_t>(total - 1) * 2, u'1');
         EXPECT_EQ(codec.Encode({"", "+123", body, 11}), code) << length;
     }
 }
 
 TEST(GsmCodec, ValidityHasItsSteps) {
-    for (const auto& [minutes, octet] : {std::pair{1, 0xFF}, {3, 0xFF}, {4, 0xFF}, {5, 0x00}, {720, 0x8F}, {749, 0x8F}, {750, 0x90},
-                                         {1439, 0xA6}, {1440, 0xA7}, {2880, 0xA8}, {10080, 0xAD}, {43199, 0xC3},
-                                         {43200, 0xC4}, {604800, 0xFC}, {635039, 0xFE}, {635040, 0x00}, {-1, 0x00},
-                                         {INT32_MIN, 0x00}, {INT32_MAX, 0x00}}) {
+    for (const auto& [minutes, octet] : {std::pair{1, 0xFF},
+                                         {3, 0xFF},
+                                         {4, 0xFF},
+                                         {5, 0x00},
+                                         {720, 0x8F},
+                                         {749, 0x8F},
+                                         {750, 0x90},
+                                         {1439, 0xA6},
+                                         {1440, 0xA7},
+                                         {2880, 0xA8},
+                                         {10080, 0xAD},
+                                         {43199, 0xC3},
+                                         {43200, 0xC4},
+                                         {604800, 0xFC},
+                                         {635039, 0xFE},
+                                         {635040, 0x00},
+                                         {-1, 0x00},
+                                         {INT32_MIN, 0x00},
+                                         {INT32_MAX, 0x00}}) {
         EXPECT_EQ(ValidityOctet(minutes), octet) << minutes;
     }
 }
@@ -303,17 +334,22 @@ TEST(PduDecode, ReadsDeliveredMessages) {
     };
     for (const Row& row : {
              Row{"numeric originator that is not international",
-                 "07917283010010F5040BC87238880900F10000993092516195800AE8329BFD4697D9EC37", true, "27838890001",
-                 "27381000015", u"hellohello", 0},
-             Row{"international", "07911356131313F3040B911316111111F10000621112406180000161", true, "+31611111111",
-                 "+31653131313", u"a", 0},
-             Row{"no service centre", "00040B911316111111F10000621112406180000161", true, "+31611111111", "", u"a", 0},
+                 "07917283010010F5040BC87238880900F10000993092516195800AE8329BFD4697D9EC37", true,
+                 "27838890001", "27381000015", u"hellohello", 0},
+             Row{"international", "07911356131313F3040B911316111111F10000621112406180000161", true,
+                 "+31611111111", "+31653131313", u"a", 0},
+             Row{"no service centre", "00040B911316111111F10000621112406180000161", true, "+31611111111", "",
+                 u"a", 0},
              Row{"alphanumeric", "0004 0AD0 D4F29C3E07 0000 62111240618000 0161", true, "Tests", "", u"a", 0},
-             Row{"data", "0004039121F3 0004 62111240618000 0300FF80", true, "+123", "", std::u16string(u"\0\u00FF\u0080", 3), 10},
-             Row{"unicode", "0004039121F3 0008 62111240618000 044E2D6587", true, "+123", "", u"\u4E2D\u6587", 20},
-             Row{"header, 7 bits", "0044039121F3 0000 62111240618000 09 05 0003010202 C242", true, "+123", "", u"aB", 0},
+             Row{"data", "0004039121F3 0004 62111240618000 0300FF80", true, "+123", "",
+                 std::u16string(u"\0\u00FF\u0080", 3), 10},
+             Row{"unicode", "0004039121F3 0008 62111240618000 044E2D6587", true, "+123", "", u"\u4E2D\u6587",
+                 20},
+             Row{"header, 7 bits", "0044039121F3 0000 62111240618000 09 05 0003010202 C242", true, "+123", "",
+                 u"aB", 0},
              Row{"class in DCS", "0004039121F3 00F1 62111240618000 0161", true, "+123", "", u"a", 0},
-             Row{"reserved alphabet stays undecoded", "0004039121F3 000C 62111240618000 0161", true, "+123", "", u"", 0},
+             Row{"reserved alphabet stays undecoded", "0004039121F3 000C 62111240618000 0161", true, "+123",
+                 "", u"", 0},
              Row{"lower case", "0004039121f3 0000 62111240618000 0161", true, "+123", "", u"a", 0},
              Row{"cut short reads as zeros", "0004039121F300006211124061800003", true, "+123", "", u"@@@", 0},
              Row{"UDHL beyond the data", "0044039121F3 0000 62111240618000 02 FF", true, "+123", "", u"", 0},
@@ -381,7 +417,9 @@ TEST(GsmStatusPdu, MapsEveryStatusOctet) {
         for (const int octet : octets) expected[octet] = status;
     }
     for (int octet = 0; octet < 256; ++octet) {
-        EXPECT_EQ(StatusOfOctet(static_cast<std::uint8_t>(octet)), expected.contains(octet) ? expected[octet] : 7) << octet;
+        EXPECT_EQ(StatusOfOctet(static_cast<std::uint8_t>(octet)),
+                  expected.contains(octet) ? expected[octet] : 7)
+            << octet;
     }
 }
 

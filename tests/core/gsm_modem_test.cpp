@@ -1,14 +1,13 @@
 // Serial texts and lines, AT replies, and the modem dialogues, against a scripted modem in virtual time.
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
 #include "foundation/VrmComIO.h"
 #include "frame/ErrorTexts.h"
 #include "gsm/GsmModem.h"
 #include "sms/DeviceOptions.h"
 #include "support/ScriptedModem.h"
 #include "support/TemporaryFolder.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -52,10 +51,13 @@ TEST_F(Serial, AnUnknownOpenErrorIsLogged) {
         modem.systemError = error;
         (void)port.Open({.device = "COM3"});
         const std::string log = TemporaryFolder::Read(folder.File("log"));
-        EXPECT_EQ(log.find("Unknown error occured while opening serial port  : [0x0000001F]") != std::string::npos, logged);
-        EXPECT_NE(log.find("OPEN DEVICE   [Velqar Build 5.3.10.1123 (x64)], device=[COM3], baudrate=[115200], "
-                           "result=[Generic open port error]\n"),
-                  std::string::npos);
+        EXPECT_EQ(
+            log.find("Unknown error occured while opening serial port  : [0x0000001F]") != std::string::npos,
+            logged);
+        EXPECT_NE(
+            log.find("OPEN DEVICE   [Velqar Build 5.3.10.1123 (x64)], device=[COM3], baudrate=[115200], "
+                     "result=[Generic open port error]\n"),
+            std::string::npos);
     }
 }
 
@@ -353,8 +355,9 @@ TEST_F(Gsm, ReportsAreRequestedWithTheLowestSupportedValues) {
     ASSERT_EQ(Send(message), 0);
     EXPECT_TRUE(Sent("AT+CNMI=1,0,0,2,1"));
     EXPECT_EQ(gsm.Reports().Query("17")->status, 1);
-    for (const char* answer : {"\r\n+CNMI: (1,2),(0-3),(0,2),(0,1),(1)\r\n\r\nOK\r\n", "\r\n+CNMI: (1,2)\r\n\r\nOK\r\n",
-                               "\r\nERROR\r\n", "\r\n+CNMI: ,,,\r\n\r\nOK\r\n"}) {
+    for (const char* answer :
+         {"\r\n+CNMI: (1,2),(0-3),(0,2),(0,1),(1)\r\n\r\nOK\r\n", "\r\n+CNMI: (1,2)\r\n\r\nOK\r\n",
+          "\r\nERROR\r\n", "\r\n+CNMI: ,,,\r\n\r\nOK\r\n"}) {
         modem.On("AT+CNMI=?", {answer});
         modem.commands.clear();
         EXPECT_EQ(Send(message), 33151) << answer;
@@ -363,8 +366,15 @@ TEST_F(Gsm, ReportsAreRequestedWithTheLowestSupportedValues) {
 }
 
 TEST(Cnmi, ListsAreRangesOrValues) {
-    for (const auto& [list, values] : {std::pair{"(0-2)", 7U}, {"0,2", 5U}, {"(3)", 8U}, {"2-9", 12U}, {"", 0U}, {"7", 0U},
-                                       {"1-0", 0U}, {"x", 0U}, {"-", 1U}}) {
+    for (const auto& [list, values] : {std::pair{"(0-2)", 7U},
+                                       {"0,2", 5U},
+                                       {"(3)", 8U},
+                                       {"2-9", 12U},
+                                       {"", 0U},
+                                       {"7", 0U},
+                                       {"1-0", 0U},
+                                       {"x", 0U},
+                                       {"-", 1U}}) {
         EXPECT_EQ(ParseCnmiList(list), values) << list;
     }
 }
@@ -379,8 +389,9 @@ TEST_F(Gsm, KeywordsChooseTheMode) {
     modem.On("hi", {"\r\n+CMGS: 5\r\n\r\nOK\r\n"});
     modem.On("AT+CMGS=15", {"\r\n> "});
     modem.On("0001000B911316325476F8000002E834", {"\r\n+CMGS: 5\r\n\r\nOK\r\n"});
-    for (const Row& row : {Row{"", true, false}, Row{"ForceTextMode", false, true}, Row{"ForcePduMode", false, false},
-                           Row{"forcepdumode;forcetextmode", false, true}, Row{"SkipModeSetting", false, true}}) {
+    for (const Row& row :
+         {Row{"", true, false}, Row{"ForceTextMode", false, true}, Row{"ForcePduMode", false, false},
+          Row{"forcepdumode;forcetextmode", false, true}, Row{"SkipModeSetting", false, true}}) {
         gsm.SetAdvancedSettings(row.keywords);
         modem.commands.clear();
         EXPECT_EQ(Send(Message(u"hi")), 0) << row.keywords;
@@ -401,7 +412,8 @@ TEST_F(Gsm, PinsAreEnteredOnceAndMasked) {
     const TemporaryFolder folder;
     gsm.SetLogFile(folder.File("log"));
     gsm.SetActivityFile(folder.File("activity"));
-    for (const char* pin : {"123", "123456789", "", "12a4", "12\"\r"}) EXPECT_EQ(gsm.EnterPin(pin), 33142) << pin;
+    for (const char* pin : {"123", "123456789", "", "12a4", "12\"\r"})
+        EXPECT_EQ(gsm.EnterPin(pin), 33142) << pin;
     EXPECT_EQ(modem.openings, 0);
 
     modem.On("AT+CPIN?", {"\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n"});
@@ -427,8 +439,10 @@ TEST_F(Gsm, PinsAreEnteredOnceAndMasked) {
 }
 
 TEST_F(Gsm, PinStatesHaveTheirCodes) {
-    for (const auto& [reply, code] : {std::pair{"\r\n+CPIN: READY\r\n\r\nOK\r\n", 0}, {"\r\nERROR\r\n", 33140},
-                                      {"\r\n+CME ERROR: 10\r\n", 33140}, {"", 30350}}) {
+    for (const auto& [reply, code] : {std::pair{"\r\n+CPIN: READY\r\n\r\nOK\r\n", 0},
+                                      {"\r\nERROR\r\n", 33140},
+                                      {"\r\n+CME ERROR: 10\r\n", 33140},
+                                      {"", 30350}}) {
         modem.On("AT+CPIN?", {reply});
         EXPECT_EQ(gsm.EnterPin("1234"), code) << reply;
         EXPECT_FALSE(Sent("AT+CPIN=\"1234\""));
@@ -468,9 +482,10 @@ TEST_F(Gsm, ReceivesFromTheChosenStorages) {
         const char* offered;
         std::vector<std::string> read;
     };
-    for (const Row& row : {Row{0, "(\"SM\",\"ME\",\"SR\")", {"SM", "ME"}}, Row{0, "(\"SM\",\"MT\",\"ME\")", {"MT"}},
-                           Row{1, "(\"SM\",\"ME\")", {"SM"}}, Row{2, "(\"SM\",\"ME\")", {"ME"}}, Row{3, "(\"SM\")", {"MT"}},
-                           Row{4, "(\"SM\")", {"SM"}}, Row{77, "(\"ME\")", {"ME"}}, Row{0, "()", {}}}) {
+    for (const Row& row :
+         {Row{0, "(\"SM\",\"ME\",\"SR\")", {"SM", "ME"}}, Row{0, "(\"SM\",\"MT\",\"ME\")", {"MT"}},
+          Row{1, "(\"SM\",\"ME\")", {"SM"}}, Row{2, "(\"SM\",\"ME\")", {"ME"}}, Row{3, "(\"SM\")", {"MT"}},
+          Row{4, "(\"SM\")", {"SM"}}, Row{77, "(\"ME\")", {"ME"}}, Row{0, "()", {}}}) {
         modem.On("AT+CPMS=?", {std::string("\r\n+CPMS: ") + row.offered + "\r\n\r\nOK\r\n"});
         modem.commands.clear();
         gsm.settings.messageStorage = row.choice;
@@ -485,8 +500,8 @@ TEST_F(Gsm, ReceivesFromTheChosenStorages) {
 
 TEST_F(Gsm, ReceivesMessagesAndReportsAmongNoise) {
     gsm.settings.messageStorage = 1;
-    modem.On("AT+CMGL=1", {"\r\nRING\r\n" + Listed(3, kHello) + "\r\n+CMTI: \"SM\",9\r\n" + "\r\n+CMGL: 4,1,,20\r\n\r\nRING\r\n" +
-                           std::string(kHello) + "\r\n\r\nOK\r\n"});
+    modem.On("AT+CMGL=1", {"\r\nRING\r\n" + Listed(3, kHello) + "\r\n+CMTI: \"SM\",9\r\n" +
+                           "\r\n+CMGL: 4,1,,20\r\n\r\nRING\r\n" + std::string(kHello) + "\r\n\r\nOK\r\n"});
     modem.On("AT+CMGL=0", {Listed(5, kReport) + Listed(6, "0001000B911316325476F800000161") + "\r\nOK\r\n"});
     EXPECT_EQ(gsm.Receive(), 0);
     EXPECT_EQ(gsm.Received().Count(), 2U);
@@ -508,7 +523,8 @@ TEST_F(Gsm, AListingThatBreaksOffHasACodeAndAnEnd) {
         std::size_t received;
     };
     const std::string stalled = Listed(3, kHello) + "\r\n+CMGL: 4,1";
-    for (const Row& row : {Row{stalled.c_str(), 30350, 1}, Row{"", 30350, 0}, Row{"\r\n+CMS ERROR: 310\r\n", 33140, 0}}) {
+    for (const Row& row :
+         {Row{stalled.c_str(), 30350, 1}, Row{"", 30350, 0}, Row{"\r\n+CMS ERROR: 310\r\n", 33140, 0}}) {
         modem.On("AT+CMGL=1", {row.reply});
         EXPECT_EQ(gsm.Receive(), row.code) << row.reply;
         EXPECT_EQ(gsm.Received().Count(), row.received);
@@ -549,7 +565,11 @@ TEST_F(Gsm, DeletesByStorageAndKey) {
 
 TEST_F(Gsm, IncompletePartsAreNotDeleted) {
     modem.On("AT+CPMS=?", {"\r\n+CPMS: (\"SM\")\r\n\r\nOK\r\n"});
-    modem.On("AT+CMGL=1", {Listed(1, kHello) + Listed(2, "00440B911316111111F10000621112406180000905" "0003010201C242") + "\r\nOK\r\n"});
+    modem.On("AT+CMGL=1", {Listed(1, kHello) +
+                           Listed(2,
+                                  "00440B911316111111F10000621112406180000905"
+                                  "0003010201C242") +
+                           "\r\nOK\r\n"});
     ASSERT_EQ(gsm.Receive(), 0);
     clock.SetNow(1795234568);
     ASSERT_EQ(gsm.Receive(), 0);
@@ -586,8 +606,9 @@ TEST_F(Gsm, TheStatusOfSeveralPartsIsThatOfTheWhole) {
         std::int32_t completed;
         bool removed;
     };
-    for (const Row& row : {Row{{2, 2, 2}, 2, 102, true}, Row{{2, 1, 2}, 1, 0, false}, Row{{5, 1}, 1, 0, false},
-                           Row{{2, 5, 3}, 5, 102, true}, Row{{3, 2}, 3, 101, true}, Row{{11, 11}, 11, 101, true}}) {
+    for (const Row& row :
+         {Row{{2, 2, 2}, 2, 102, true}, Row{{2, 1, 2}, 1, 0, false}, Row{{5, 1}, 1, 0, false},
+          Row{{2, 5, 3}, 5, 102, true}, Row{{3, 2}, 3, 101, true}, Row{{11, 11}, 11, 101, true}}) {
         gsm.Reports().Clear();
         std::string joined;
         for (std::size_t i = 0; i < row.parts.size(); ++i) {

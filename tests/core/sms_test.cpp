@@ -1,8 +1,4 @@
 // The SMS record, the recipient syntax, the received-message store, delivery reports and receipts.
-#include <gtest/gtest.h>
-
-#include <filesystem>
-
 #include "Common/SmppPdu/SmppTime.h"
 #include "Common/SmppPdu/TLVRecords.h"
 #include "frame/ErrorTexts.h"
@@ -12,6 +8,9 @@
 #include "support/TemporaryFolder.h"
 #include "support/VirtualClock.h"
 
+#include <filesystem>
+#include <gtest/gtest.h>
+
 namespace {
 
 TEST(Recipient, IsSplitAtItsPort) {
@@ -20,10 +19,10 @@ TEST(Recipient, IsSplitAtItsPort) {
         const char* address;
         std::uint32_t port;
     };
-    for (const Row& row : {Row{"+31612345678:2948", "+31612345678", 2948}, Row{"+31612345678", "+31612345678", 0},
-                           Row{"dl:team:7", "dl:team:7", 0}, Row{"+31612345678:", "+31612345678", 0},
-                           Row{"+31612345678:x", "+31612345678", 0}, Row{"", "", 0}, Row{":5", "", 5},
-                           Row{"ab:1", "ab:1", 0}}) {
+    for (const Row& row : {Row{"+31612345678:2948", "+31612345678", 2948},
+                           Row{"+31612345678", "+31612345678", 0}, Row{"dl:team:7", "dl:team:7", 0},
+                           Row{"+31612345678:", "+31612345678", 0}, Row{"+31612345678:x", "+31612345678", 0},
+                           Row{"", "", 0}, Row{":5", "", 5}, Row{"ab:1", "ab:1", 0}}) {
         const Recipient recipient = ParseRecipient(row.text);
         EXPECT_EQ(recipient.address, row.address) << row.text;
         EXPECT_EQ(recipient.port, row.port) << row.text;
@@ -36,18 +35,24 @@ TEST(Recipient, IsCheckedAtTwoLevels) {
         std::int32_t noDigit, noOtherLetter;
     };
     for (const Row& row :
-         {Row{"123", 34031, 34031}, Row{"", 34031, 34031}, Row{"0612345678", 34032, 0}, Row{"+31612345678", 0, 0},
-          Row{"S1234", 0, 0}, Row{"A1234", 0, 0}, Row{"X1234", 0, 34032}, Row{"x1234", 0, 34032},
-          Row{"+3161234567a", 34031, 34031}, Row{"dl:x", 0, 0}, Row{"my dl:x", 0, 0}, Row{"*1234", 0, 0},
-          Row{"+" + std::string(63, '1'), 0, 0}, Row{"+" + std::string(64, '1'), 34031, 34031}}) {
+         {Row{"123", 34031, 34031}, Row{"", 34031, 34031}, Row{"0612345678", 34032, 0},
+          Row{"+31612345678", 0, 0}, Row{"S1234", 0, 0}, Row{"A1234", 0, 0}, Row{"X1234", 0, 34032},
+          Row{"x1234", 0, 34032}, Row{"+3161234567a", 34031, 34031}, Row{"dl:x", 0, 0}, Row{"my dl:x", 0, 0},
+          Row{"*1234", 0, 0}, Row{"+" + std::string(63, '1'), 0, 0},
+          Row{"+" + std::string(64, '1'), 34031, 34031}}) {
         EXPECT_EQ(CheckRecipient(row.text, PrefixRule::kNoDigit), row.noDigit) << row.text;
         EXPECT_EQ(CheckRecipient(row.text, PrefixRule::kNoOtherLetter), row.noOtherLetter) << row.text;
     }
 }
 
 TEST(SmsMessageX, FormatsHaveTheirLogNames) {
-    for (const auto& [format, name] : {std::pair{0, "TEXT"}, {3, "UNKNOWN"}, {11, "DATA_UDH"}, {23, "UNICODE_MULTIPART_FLASH"},
-                                       {30, "UNKNOWN"}, {74, "UNKNOWN"}, {-7, "UNKNOWN"}}) {
+    for (const auto& [format, name] : {std::pair{0, "TEXT"},
+                                       {3, "UNKNOWN"},
+                                       {11, "DATA_UDH"},
+                                       {23, "UNICODE_MULTIPART_FLASH"},
+                                       {30, "UNKNOWN"},
+                                       {74, "UNKNOWN"},
+                                       {-7, "UNKNOWN"}}) {
         EXPECT_EQ(FormatName(format), name);
     }
 }
@@ -237,9 +242,13 @@ TEST_F(Store, RecognisesMmsNotifications) {
         const char* pdu;
     };
     const std::u16string binary = u"\x01\x06\x01\u00bePDU";
-    const std::u16string named = u"\x01\x06\x1f" u"application/vnd.wap.mms-message" u"PDU";
+    const std::u16string named =
+        u"\x01\x06\x1f"
+        u"application/vnd.wap.mms-message"
+        u"PDU";
     for (const Row& row : {
-             Row{indication, binary, 9200, u"M-NOTIFICATION-IND URL=http://m/1 ID=T1 FROM=+31 SIZE=42 EXPIRATION=9", "PDU"},
+             Row{indication, binary, 9200,
+                 u"M-NOTIFICATION-IND URL=http://m/1 ID=T1 FROM=+31 SIZE=42 EXPIRATION=9", "PDU"},
              Row{report, binary, 0, u"M-DELIVERY-IND ID=M1 TO=+32 DATE=d STATUS=81", "PDU"},
              Row{std::nullopt, named, 0, u"WAP/WSP message", "PDU"},
              Row{indication, u"\x01\x06\x01\u00aePDU", 0, u"", nullptr},
@@ -277,7 +286,8 @@ TEST(Receipt, TakesItsFieldsWhereverTheyStand) {
     };
     const std::int32_t done = 1700006460;  // 2023-11-15 00:01
     for (const Row& row : {
-             Row{"id:123 sub:001 dlvrd:001 submit date:2311150000 done date:2311150001 stat:DELIVRD err:000 text:hi",
+             Row{"id:123 sub:001 dlvrd:001 submit date:2311150000 done date:2311150001 stat:DELIVRD err:000 "
+                 "text:hi",
                  "123", 2, done, 0},
              Row{"id:123 done date:231115000130 stat:EXPIRED err:017", "123", 3, done + 30, 17},
              Row{"STAT:UNDELIV ERR:5 ID:AbC  DONE DATE:2311150001", "AbC", 5, done, 5},
@@ -300,9 +310,12 @@ TEST(Receipt, TakesItsFieldsWhereverTheyStand) {
 
 TEST(SmppTime, ReadsAbsoluteAndRelativeForms) {
     VirtualClock clock;
-    for (const auto& [text, seconds] :
-         {std::pair{"231115000100000+", 1700006460}, {"231115000100148-", 1700006460}, {"000001020304000R", 1700093784},
-          {"231115000100000x", 0}, {"2311150001", 0}, {"", 0}}) {
+    for (const auto& [text, seconds] : {std::pair{"231115000100000+", 1700006460},
+                                        {"231115000100148-", 1700006460},
+                                        {"000001020304000R", 1700093784},
+                                        {"231115000100000x", 0},
+                                        {"2311150001", 0},
+                                        {"", 0}}) {
         EXPECT_EQ(ParseSmppTime(text, clock), seconds) << text;
     }
 }
@@ -329,12 +342,12 @@ TEST(DeliveryReports, MatchReceiptsByIdInItsKnownSpellings) {
         bool found;
     };
     for (const Row& row : {
-             Row{"0000007B", 1, "123", true},   // decimal receipts, padded to the submitted length
-             Row{"7B", 0, "7B", true},          //
-             Row{"0000007B", 0, "7B", true},    // padded
-             Row{"7B", 0, "0000007b", true},    // other case and zeros
-             Row{"7B", 0, "123", true},         // decimal although hexadecimal was set
-             Row{"123", 0, "7B", true},         // and the other way round
+             Row{"0000007B", 1, "123", true},  // decimal receipts, padded to the submitted length
+             Row{"7B", 0, "7B", true},         //
+             Row{"0000007B", 0, "7B", true},   // padded
+             Row{"7B", 0, "0000007b", true},   // other case and zeros
+             Row{"7B", 0, "123", true},        // decimal although hexadecimal was set
+             Row{"123", 0, "7B", true},        // and the other way round
              Row{"abc-XYZ", 0, "ABC-xyz", true},
              Row{"7B", 0, "7C", false},
              Row{"7B", 0, "", false},
@@ -352,8 +365,7 @@ TEST(DeliveryReports, MatchReceiptsByIdInItsKnownSpellings) {
 TEST(DeliveryReports, AreSavedInTheirFormatAndLoadedBack) {
     const TemporaryFolder folder;
     const std::string file = folder.File("reports");
-    const std::string text =
-        "0A1B;;0A1B;;2;;1700000000;;0;;0;;1699999000||0A1C;;;;1;;0;;0;;7;;1699999001";
+    const std::string text = "0A1B;;0A1B;;2;;1700000000;;0;;0;;1699999000||0A1C;;;;1;;0;;0;;7;;1699999001";
     CSmsDeliveryReports reports;
     reports.LoadText(text);
     EXPECT_EQ(reports.SaveText(), text);

@@ -1,8 +1,9 @@
-// Prints PDUs of many kinds with what went into them, a JSON object a line, for an independent decoder to read.
+// Prints PDUs of many kinds with what went into them, a JSON object a line, for an independent decoder to
+// read.
+#include "gsm/GsmCodec.h"
+
 #include <cstdio>
 #include <string>
-
-#include "gsm/GsmCodec.h"
 
 namespace {
 
@@ -33,8 +34,11 @@ int main() {
     for (char16_t c = 0x20; c < 0x7F; ++c) {
         if (c != u'`') alphabet += c;
     }
-    alphabet += u"\u00A3\u00A5\u00E8\u00E9\u00F9\u00EC\u00F2\u00C7\n\u00D8\u00F8\u00C5\u00E5\u0394\u03A6\u0393\u039B\u03A9"
-                u"\u03A0\u03A8\u03A3\u0398\u039E\u00C6\u00E6\u00DF\u00C9\u00A4\u00A1\u00C4\u00D6\u00D1\u00DC\u00A7\u00BF\u20AC";
+    alphabet +=
+        u"\u00A3\u00A5\u00E8\u00E9\u00F9\u00EC\u00F2\u00C7\n\u00D8\u00F8\u00C5\u00E5\u0394\u03A6\u0393\u039B"
+        u"\u03A9"
+        u"\u03A0\u03A8\u03A3\u0398\u039E\u00C6\u00E6\u00DF\u00C9\u00A4\u00A1\u00C4\u00D6\u00D1\u00DC\u00A7"
+        u"\u00BF\u20AC";
     std::u16string large;
     for (int i = 0; i < 500; ++i) large += static_cast<char16_t>(u'a' + i % 26);
     std::u16string wide;
@@ -59,10 +63,14 @@ int main() {
              Row{"+31612345678", "", wide, 23, 0, false, 5000},
              Row{"+31612345678", "", u"short", 0, 0, false, 9200},
          }) {
-        if (codec.Encode({row.smsc, row.recipient, row.body, row.format, row.validity, row.report, row.port}) != 0) return 1;
-        std::printf("{\"to\": \"%s\", \"format\": %d, \"report\": %s, \"port\": %d, \"body\": %s, \"pdus\": \"%s\"}\n",
-                    row.recipient, row.format, row.report ? "true" : "false", row.port, Json(row.body).c_str(),
-                    codec.Text().c_str());
+        if (codec.Encode(
+                {row.smsc, row.recipient, row.body, row.format, row.validity, row.report, row.port}) != 0)
+            return 1;
+        std::printf(
+            "{\"to\": \"%s\", \"format\": %d, \"report\": %s, \"port\": %d, \"body\": %s, \"pdus\": "
+            "\"%s\"}\n",
+            row.recipient, row.format, row.report ? "true" : "false", row.port, Json(row.body).c_str(),
+            codec.Text().c_str());
     }
     return 0;
 }

@@ -1,13 +1,12 @@
 // Small helpers of the COM clients.
 #pragma once
-#include <windows.h>
-#include <oaidl.h>
+#include "NeltCtrl.h"
 
+#include <oaidl.h>
 #include <stdexcept>
 #include <string>
 #include <vector>
-
-#include "NeltCtrl.h"
+#include <windows.h>
 
 class ComApartment {
   public:
@@ -18,7 +17,8 @@ class ComApartment {
 class Bstr {
   public:
     Bstr() = default;
-    explicit Bstr(const std::wstring& text) : text_(::SysAllocStringLen(text.data(), static_cast<UINT>(text.size()))) {}
+    explicit Bstr(const std::wstring& text)
+        : text_(::SysAllocStringLen(text.data(), static_cast<UINT>(text.size()))) {}
     Bstr(const Bstr&) = delete;
     Bstr& operator=(const Bstr&) = delete;
     ~Bstr() { ::SysFreeString(text_); }
@@ -28,7 +28,9 @@ class Bstr {
         text_ = nullptr;
         return &text_;
     }
-    std::wstring str() const { return text_ == nullptr ? std::wstring() : std::wstring(text_, ::SysStringLen(text_)); }
+    std::wstring str() const {
+        return text_ == nullptr ? std::wstring() : std::wstring(text_, ::SysStringLen(text_));
+    }
 
   private:
     BSTR text_ = nullptr;
@@ -87,10 +89,12 @@ Com<Interface> Create(const wchar_t* progId) {
 }
 
 // A late-bound call by name; the arguments stand in their written order.
-inline HRESULT Call(IDispatch* object, const wchar_t* name, WORD flags, std::vector<VARIANT> arguments, VARIANT* outcome) {
+inline HRESULT Call(IDispatch* object, const wchar_t* name, WORD flags, std::vector<VARIANT> arguments,
+                    VARIANT* outcome) {
     auto* text = const_cast<LPOLESTR>(name);
     DISPID id = 0;
-    if (const HRESULT found = object->GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &id); FAILED(found)) {
+    if (const HRESULT found = object->GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &id);
+        FAILED(found)) {
         return found;
     }
     std::vector<VARIANT> reversed(arguments.rbegin(), arguments.rend());

@@ -40,7 +40,9 @@ std::string Function(ITypeInfo* info, const FUNCDESC& function) {
     UINT count = 0;
     info->GetNames(function.memid, names, 16, &count);
     std::string line = "  " + std::to_string(function.memid) + " ";
-    line += function.invkind == INVOKE_PROPERTYGET ? "get " : function.invkind == INVOKE_PROPERTYPUT ? "put " : "method ";
+    line += function.invkind == INVOKE_PROPERTYGET   ? "get "
+            : function.invkind == INVOKE_PROPERTYPUT ? "put "
+                                                     : "method ";
     line += Narrow(names[0]) + "(";
     for (SHORT i = 0; i < function.cParams; ++i) {
         const ELEMDESC& parameter = function.lprgelemdescParam[i];
@@ -95,8 +97,8 @@ std::string ListTypeLibrary(const wchar_t* file) {
     if (FAILED(::LoadTypeLibEx(file, REGKIND_NONE, library.out()))) return "cannot load";
     TLIBATTR* attributes = nullptr;
     library->GetLibAttr(&attributes);
-    std::string text = "library " + Guid(attributes->guid) + " " + std::to_string(attributes->wMajorVerNum) + "." +
-                       std::to_string(attributes->wMinorVerNum) + "\n";
+    std::string text = "library " + Guid(attributes->guid) + " " + std::to_string(attributes->wMajorVerNum) +
+                       "." + std::to_string(attributes->wMinorVerNum) + "\n";
     library->ReleaseTLibAttr(attributes);
     for (UINT i = 0; i < library->GetTypeInfoCount(); ++i) {
         Com<ITypeInfo> info;
@@ -105,7 +107,9 @@ std::string ListTypeLibrary(const wchar_t* file) {
         info->GetTypeAttr(&type);
         Bstr name;
         info->GetDocumentation(MEMBERID_NIL, name.out(), nullptr, nullptr, nullptr);
-        const char* kind = type->typekind == TKIND_ENUM ? "enum" : type->typekind == TKIND_COCLASS ? "coclass" : "interface";
+        const char* kind = type->typekind == TKIND_ENUM      ? "enum"
+                           : type->typekind == TKIND_COCLASS ? "coclass"
+                                                             : "interface";
         text += std::string(kind) + " " + Narrow(name.str());
         if (type->typekind != TKIND_ENUM) text += " " + Guid(type->guid);
         if ((type->wTypeFlags & TYPEFLAG_FDUAL) != 0) text += " dual";

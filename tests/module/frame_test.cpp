@@ -1,22 +1,23 @@
 // The frame through real COM: creation, unloading, both kinds of binding, bad input, the interface listing.
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <fstream>
-#include <sstream>
-
 #include "Com.h"
 #include "TypeLibraryListing.h"
 #include "gsm/UserDataHeader.h"
 
+#include <cstdlib>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sstream>
+
 namespace {
 
 TEST(Creation, WorksThroughEveryProgId) {
-    for (const wchar_t* progId : {L"Quorvane.SmsMessage", L"Quorvane.SmsMessage.1", L"Quorvane.SmsConstants.1",
-                                  L"Quorvane.SmsDeliveryReport", L"Quorvane.SmsDeliveryReport.1", L"quorvane.smsprotocolgsm"}) {
+    for (const wchar_t* progId :
+         {L"Quorvane.SmsMessage", L"Quorvane.SmsMessage.1", L"Quorvane.SmsConstants.1",
+          L"Quorvane.SmsDeliveryReport", L"Quorvane.SmsDeliveryReport.1", L"quorvane.smsprotocolgsm"}) {
         EXPECT_NO_THROW(Create<IDispatch>(progId)) << progId;
     }
-    for (const wchar_t* progId : {L"Quorvane.SmsDataRingtone", L"Quorvane.SmsDataPicture", L"Quorvane.SmsDeliveryStatus"}) {
+    for (const wchar_t* progId :
+         {L"Quorvane.SmsDataRingtone", L"Quorvane.SmsDataPicture", L"Quorvane.SmsDeliveryStatus"}) {
         EXPECT_ANY_THROW(Create<IDispatch>(progId)) << progId;
     }
 }
@@ -35,14 +36,15 @@ TEST(Creation, ClassObjectsRefuseWhatTheyMust) {
 
 TEST(Unloading, FollowsObjectsClassObjectsAndLocks) {
     HMODULE module = ::LoadLibraryW(L"NeltCtrlx64.dll");
-    const auto canUnload =
-        reinterpret_cast<HRESULT(WINAPI*)()>(reinterpret_cast<void*>(::GetProcAddress(module, "DllCanUnloadNow")));
+    const auto canUnload = reinterpret_cast<HRESULT(WINAPI*)()>(
+        reinterpret_cast<void*>(::GetProcAddress(module, "DllCanUnloadNow")));
     const auto getClass = reinterpret_cast<HRESULT(WINAPI*)(REFCLSID, REFIID, void**)>(
         reinterpret_cast<void*>(::GetProcAddress(module, "DllGetClassObject")));
     ::CoFreeUnusedLibrariesEx(0, 0);
     ASSERT_EQ(canUnload(), S_OK);
     IClassFactory* factory = nullptr;
-    ASSERT_EQ(getClass(__uuidof(SmsProtocolGsm), IID_IClassFactory, reinterpret_cast<void**>(&factory)), S_OK);
+    ASSERT_EQ(getClass(__uuidof(SmsProtocolGsm), IID_IClassFactory, reinterpret_cast<void**>(&factory)),
+              S_OK);
     EXPECT_EQ(canUnload(), S_FALSE);
     IDispatch* object = nullptr;
     ASSERT_EQ(factory->CreateInstance(nullptr, IID_IDispatch, reinterpret_cast<void**>(&object)), S_OK);
@@ -55,7 +57,8 @@ TEST(Unloading, FollowsObjectsClassObjectsAndLocks) {
     factory->LockServer(FALSE);
     factory->Release();
     EXPECT_EQ(canUnload(), S_OK);
-    EXPECT_EQ(getClass(IID_IUnknown, IID_IClassFactory, reinterpret_cast<void**>(&factory)), CLASS_E_CLASSNOTAVAILABLE);
+    EXPECT_EQ(getClass(IID_IUnknown, IID_IClassFactory, reinterpret_cast<void**>(&factory)),
+              CLASS_E_CLASSNOTAVAILABLE);
     ::FreeLibrary(module);
 }
 
@@ -66,14 +69,18 @@ TEST(Interface, IsTheGoldenListing) {
     std::string expected = golden.str();
     std::erase(expected, '\r');
     EXPECT_EQ(ListTypeLibrary(L"NeltCtrlx64.dll"), expected)
-        << "the interface never changes once it has landed; additions are appended to tests/golden/interface.txt";
+        << "the interface never changes once it has landed; additions are appended to "
+           "tests/golden/interface.txt";
 }
 
 TEST(Interface, ConstantsReadTheirValues) {
     const auto constants = Create<ISmsConstants>(L"Quorvane.SmsConstants");
-    for (const auto& [name, value] : {std::pair{L"asMESSAGEFORMAT_NOTIFICATION_MMS", 74L}, {L"asmessageformat_REPORT", 30L},
-                                      {L"asDELIVERYSTATUS_SUBMITTED", 11L}, {L"asDELIVERYSTATUS_SUBMITREQUESTED", 10L},
-                                      {L"asMMS_CLASS_PERSONAL", 0L}, {L"asSMPPDELIVERYREPORTFORMAT_DEC", 1L}}) {
+    for (const auto& [name, value] : {std::pair{L"asMESSAGEFORMAT_NOTIFICATION_MMS", 74L},
+                                      {L"asmessageformat_REPORT", 30L},
+                                      {L"asDELIVERYSTATUS_SUBMITTED", 11L},
+                                      {L"asDELIVERYSTATUS_SUBMITREQUESTED", 10L},
+                                      {L"asMMS_CLASS_PERSONAL", 0L},
+                                      {L"asSMPPDELIVERYREPORTFORMAT_DEC", 1L}}) {
         Variant outcome;
         ASSERT_EQ(Call(constants.get(), name, DISPATCH_PROPERTYGET, {}, &outcome), S_OK) << name;
         EXPECT_EQ(outcome.lVal, value) << name;
@@ -160,8 +167,14 @@ TEST(SmsMessage, HoldsItsDefaultsAndAnyValue) {
         Bstr text;
         message->get_Time(text.out());
         EXPECT_EQ(text.str(), L"n/a");
-        for (const auto& [name, value] : {std::pair{L"PID", -1L}, {L"DCS", -1L}, {L"ESM", -1L}, {L"SourceTON", -1L},
-                                          {L"DestinationNPI", -1L}, {L"Format", 0L}, {L"ValidityPeriod", 0L}, {L"TimeSecs", 0L},
+        for (const auto& [name, value] : {std::pair{L"PID", -1L},
+                                          {L"DCS", -1L},
+                                          {L"ESM", -1L},
+                                          {L"SourceTON", -1L},
+                                          {L"DestinationNPI", -1L},
+                                          {L"Format", 0L},
+                                          {L"ValidityPeriod", 0L},
+                                          {L"TimeSecs", 0L},
                                           {L"RequestDeliveryStatus", 0L}}) {
             Variant outcome;
             ASSERT_EQ(Call(message.get(), name, DISPATCH_PROPERTYGET, {}, &outcome), S_OK);
@@ -194,14 +207,19 @@ TEST(SmsMessage, HoldsItsDefaultsAndAnyValue) {
 TEST(LateBinding, RefusesWrongTypesWithoutHarm) {
     const auto gsm = Create<ISmsProtocolGsm>(L"Quorvane.SmsProtocolGsm");
     Variant outcome;
-    EXPECT_EQ(Call(gsm.get(), L"deviceSPEED", DISPATCH_PROPERTYPUT, {Variant(std::wstring(L"9600"))}, nullptr), S_OK);
+    EXPECT_EQ(
+        Call(gsm.get(), L"deviceSPEED", DISPATCH_PROPERTYPUT, {Variant(std::wstring(L"9600"))}, nullptr),
+        S_OK);
     EXPECT_EQ(Call(gsm.get(), L"DeviceSpeed", DISPATCH_PROPERTYGET, {}, &outcome), S_OK);
     EXPECT_EQ(outcome.lVal, 9600);
-    EXPECT_NE(Call(gsm.get(), L"DeviceSpeed", DISPATCH_PROPERTYPUT, {Variant(std::wstring(L"fast"))}, nullptr), S_OK);
+    EXPECT_NE(
+        Call(gsm.get(), L"DeviceSpeed", DISPATCH_PROPERTYPUT, {Variant(std::wstring(L"fast"))}, nullptr),
+        S_OK);
     EXPECT_EQ(Call(gsm.get(), L"NoSuchName", DISPATCH_METHOD, {}, nullptr), DISP_E_UNKNOWNNAME);
     EXPECT_NE(Call(gsm.get(), std::wstring(65536, L'x').c_str(), DISPATCH_METHOD, {}, nullptr), S_OK);
     EXPECT_NE(Call(gsm.get(), L"Send", DISPATCH_METHOD, {}, &outcome), S_OK);
-    EXPECT_EQ(Call(gsm.get(), L"DeleteAllMessages", DISPATCH_METHOD, {}, nullptr), S_OK);  // the argument is optional
+    EXPECT_EQ(Call(gsm.get(), L"DeleteAllMessages", DISPATCH_METHOD, {}, nullptr),
+              S_OK);  // the argument is optional
 }
 
 // Every form in which a script engine may hand over an object.
@@ -258,8 +276,9 @@ TEST(LateBinding, TakesObjectsThroughEveryIndirection) {
 
 TEST(LogFiles, BadNamesChangeNothing) {
     const auto gsm = Create<ISmsProtocolGsm>(L"Quorvane.SmsProtocolGsm");
-    for (const std::wstring& name : {std::wstring(L"C:\\windows"), std::wstring(L"Q:\\none\\x.log"), std::wstring(65536, L'f'),
-                                     std::wstring(L"a\0b", 3), std::wstring(L"con?<>|")}) {
+    for (const std::wstring& name :
+         {std::wstring(L"C:\\windows"), std::wstring(L"Q:\\none\\x.log"), std::wstring(65536, L'f'),
+          std::wstring(L"a\0b", 3), std::wstring(L"con?<>|")}) {
         EXPECT_EQ(gsm->put_LogFile(Bstr(name)), S_OK);
         EXPECT_EQ(gsm->put_ActivityFile(Bstr(name)), S_OK);
         gsm->put_Device(Bstr(L"COM99"));
@@ -283,7 +302,9 @@ TEST(Assertions, AreAppendedToTheirFile) {
     std::getline(file, line);
     file.close();
     ASSERT_GT(line.size(), 10U);
-    EXPECT_EQ(line.substr(10), " QUORVANE ASSERTION FAILURE, FILE: [..\\..\\..\\Common\\GsmPdu\\UserDataHeader.cpp]; LINE: 191");
+    EXPECT_EQ(
+        line.substr(10),
+        " QUORVANE ASSERTION FAILURE, FILE: [..\\..\\..\\Common\\GsmPdu\\UserDataHeader.cpp]; LINE: 191");
     ::DeleteFileW(L"c:\\qvdebug\\assert.txt");
     ::RemoveDirectoryW(L"c:\\qvdebug");
     const CUserDataHeader unreported(full);  // no folder: nothing happens

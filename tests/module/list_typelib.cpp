@@ -1,8 +1,8 @@
 // Prints the interface listing: list_typelib.exe NeltCtrlx64.dll > tests/golden/interface.txt
-#include <cstdio>
-
 #include "Com.h"
 #include "TypeLibraryListing.h"
+
+#include <cstdio>
 
 int main(int argc, char** argv) {
     const ComApartment apartment;

@@ -1,10 +1,10 @@
-// Registers, unregisters and registers again, comparing the registry; leaves the module registered for other tests.
-#include <gtest/gtest.h>
+// Registers, unregisters and registers again, comparing the registry; leaves the module registered for other
+// tests.
+#include "Com.h"
 
+#include <gtest/gtest.h>
 #include <map>
 #include <set>
-
-#include "Com.h"
 
 namespace {
 
@@ -26,19 +26,23 @@ void Collect(HKEY root, const std::wstring& path, Snapshot& found) {
     for (DWORD i = 0;; ++i) {
         wchar_t name[256];
         DWORD nameSize = 256;
-        if (::RegEnumKeyExW(key, i, name, &nameSize, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) break;
+        if (::RegEnumKeyExW(key, i, name, &nameSize, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS)
+            break;
         Collect(root, path + L"\\" + name, found);
     }
     ::RegCloseKey(key);
 }
 
-// Every ProgID of the component, its classes and its type library; interfaces come and go with the type library.
+// Every ProgID of the component, its classes and its type library; interfaces come and go with the type
+// library.
 Snapshot Registry() {
     Snapshot found;
     for (DWORD i = 0;; ++i) {
         wchar_t name[256];
         DWORD size = 256;
-        if (::RegEnumKeyExW(HKEY_CLASSES_ROOT, i, name, &size, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) break;
+        if (::RegEnumKeyExW(HKEY_CLASSES_ROOT, i, name, &size, nullptr, nullptr, nullptr, nullptr) !=
+            ERROR_SUCCESS)
+            break;
         if (std::wstring(name).starts_with(L"Quorvane.")) Collect(HKEY_CLASSES_ROOT, name, found);
     }
     HKEY classes = nullptr;
@@ -46,12 +50,15 @@ Snapshot Registry() {
     for (DWORD i = 0;; ++i) {
         wchar_t name[256];
         DWORD size = 256;
-        if (::RegEnumKeyExW(classes, i, name, &size, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) break;
+        if (::RegEnumKeyExW(classes, i, name, &size, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS)
+            break;
         wchar_t text[512] = L"";
         DWORD bytes = sizeof text;
         const std::wstring path = std::wstring(L"CLSID\\") + name;
-        ::RegGetValueW(HKEY_CLASSES_ROOT, (path + L"\\TypeLib").c_str(), nullptr, RRF_RT_REG_SZ, nullptr, text, &bytes);
-        if (std::wstring(text) == L"{52FC26A8-E26C-4C45-A617-BD173EF0AE9C}") Collect(HKEY_CLASSES_ROOT, path, found);
+        ::RegGetValueW(HKEY_CLASSES_ROOT, (path + L"\\TypeLib").c_str(), nullptr, RRF_RT_REG_SZ, nullptr,
+                       text, &bytes);
+        if (std::wstring(text) == L"{52FC26A8-E26C-4C45-A617-BD173EF0AE9C}")
+            Collect(HKEY_CLASSES_ROOT, path, found);
     }
     ::RegCloseKey(classes);
     Collect(HKEY_CLASSES_ROOT, L"TypeLib\\{52FC26A8-E26C-4C45-A617-BD173EF0AE9C}", found);
@@ -80,9 +87,9 @@ Snapshot Expected(const std::wstring& module) {
         const std::wstring description = std::wstring(row.name) + L" Class";
         const std::wstring home = std::wstring(L"CLSID\\") + row.clsid;
         for (const std::wstring& key :
-             {versioned, versioned + L"\\CLSID", independent, independent + L"\\CLSID", independent + L"\\CurVer", home,
-              home + L"\\ProgID", home + L"\\VersionIndependentProgID", home + L"\\Programmable",
-              home + L"\\InprocServer32", home + L"\\TypeLib"}) {
+             {versioned, versioned + L"\\CLSID", independent, independent + L"\\CLSID",
+              independent + L"\\CurVer", home, home + L"\\ProgID", home + L"\\VersionIndependentProgID",
+              home + L"\\Programmable", home + L"\\InprocServer32", home + L"\\TypeLib"}) {
             all[key] = L"";
         }
         all[versioned + L"@"] = description;
@@ -113,8 +120,10 @@ TEST(Registration, WritesAndRemovesExactlyItsKeys) {
     wchar_t path[1024];
     ::GetModuleFileNameW(module, path, 1024);
     using Entry = HRESULT(WINAPI*)();
-    const auto add = reinterpret_cast<Entry>(reinterpret_cast<void*>(::GetProcAddress(module, "DllRegisterServer")));
-    const auto remove = reinterpret_cast<Entry>(reinterpret_cast<void*>(::GetProcAddress(module, "DllUnregisterServer")));
+    const auto add =
+        reinterpret_cast<Entry>(reinterpret_cast<void*>(::GetProcAddress(module, "DllRegisterServer")));
+    const auto remove =
+        reinterpret_cast<Entry>(reinterpret_cast<void*>(::GetProcAddress(module, "DllUnregisterServer")));
 
     EXPECT_EQ(remove(), S_OK);  // also when nothing is registered
     EXPECT_EQ(Registry(), Snapshot{});

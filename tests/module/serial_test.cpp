@@ -1,8 +1,8 @@
 // What only the Windows edge does: line settings, and telephony through a table of the test's own.
-#include <gtest/gtest.h>
-
 #include "foundation/PortWin.h"
 #include "foundation/TelephonyWin.h"
+
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -31,8 +31,12 @@ TEST(LineSettings, KeepThePortsDefaultsForZero) {
 }
 
 TEST(LineSettings, ApplyEveryCode) {
-    for (const auto& [code, flag, parity] : {std::tuple{1U, 0U, NOPARITY}, {2U, 1U, ODDPARITY}, {3U, 1U, EVENPARITY},
-                                             {4U, 1U, MARKPARITY}, {5U, 1U, SPACEPARITY}, {9U, 1U, EVENPARITY}}) {
+    for (const auto& [code, flag, parity] : {std::tuple{1U, 0U, NOPARITY},
+                                             {2U, 1U, ODDPARITY},
+                                             {3U, 1U, EVENPARITY},
+                                             {4U, 1U, MARKPARITY},
+                                             {5U, 1U, SPACEPARITY},
+                                             {9U, 1U, EVENPARITY}}) {
         DCB state{};
         ApplyLineSettings({.parity = code}, Defaults(), state);
         EXPECT_EQ(state.fParity, flag) << code;
@@ -75,7 +79,8 @@ struct Script {
 };
 Script script;
 
-LONG WINAPI Initialize(LPHLINEAPP application, HINSTANCE, LINECALLBACK, LPCSTR, LPDWORD count, LPDWORD, LPLINEINITIALIZEEXPARAMS) {
+LONG WINAPI Initialize(LPHLINEAPP application, HINSTANCE, LINECALLBACK, LPCSTR, LPDWORD count, LPDWORD,
+                       LPLINEINITIALIZEEXPARAMS) {
     ++script.initializations;
     if (script.failingStarts-- > 0) return static_cast<LONG>(0x80000048);
     *application = 1;
@@ -125,7 +130,8 @@ LONG WINAPI Deallocate(HCALL) { return 0; }
 LONG WINAPI CloseLine(HLINE) { return ++script.closes; }
 LONG WINAPI Shutdown(HLINEAPP) { return ++script.shutdowns; }
 
-const TelephonyApi kTable{Initialize, Negotiate, Capabilities, OpenLine, MakeCall, Message, Id, Drop, Deallocate, CloseLine, Shutdown};
+const TelephonyApi kTable{Initialize, Negotiate, Capabilities, OpenLine,  MakeCall, Message,
+                          Id,         Drop,      Deallocate,   CloseLine, Shutdown};
 
 TEST(Telephony, ListsItsLines) {
     script = {};

@@ -13,8 +13,8 @@ std::int32_t ParseSmppTime(std::string_view text, Clock& clock) {
                 clock.FromLocal({2000 + pair(0), pair(2), pair(4), pair(6), pair(8), pair(10)}));
         case 'R':
         case 'r':
-            return static_cast<std::int32_t>(clock.Now() + pair(4) * 86400LL + pair(6) * 3600LL + pair(8) * 60LL +
-                                             pair(10));
+            return static_cast<std::int32_t>(clock.Now() + pair(4) * 86400LL + pair(6) * 3600LL +
+                                             pair(8) * 60LL + pair(10));
         default:
             return 0;
     }

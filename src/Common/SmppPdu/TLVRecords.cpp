@@ -16,7 +16,8 @@ std::uint32_t ReadDecimal(std::u16string_view text) {
     const bool negative = text[at] == u'-';
     if (negative || text[at] == u'+') ++at;
     std::uint32_t value = 0;
-    for (; at < text.size() && text[at] >= u'0' && text[at] <= u'9'; ++at) value = value * 10 + (text[at] - u'0');
+    for (; at < text.size() && text[at] >= u'0' && text[at] <= u'9'; ++at)
+        value = value * 10 + (text[at] - u'0');
     return negative ? 0U - value : value;
 }
 

@@ -1,5 +1,9 @@
 // A modem in virtual time: answers written octets by rules, and lets every time-out cost nothing.
 #pragma once
+#include "foundation/SerialDevice.h"
+#include "frame/ErrorTexts.h"
+#include "support/VirtualClock.h"
+
 #include <deque>
 #include <functional>
 #include <map>
@@ -7,17 +11,15 @@
 #include <utility>
 #include <vector>
 
-#include "foundation/SerialDevice.h"
-#include "frame/ErrorTexts.h"
-#include "support/VirtualClock.h"
-
 class ScriptedModem : public SerialOpener {
   public:
     explicit ScriptedModem(VirtualClock& clock) : clock_(&clock) {}
 
-    // What is answered to each occurrence of a command (the last answer is repeated). A command is what ends in a
-    // carriage return or Ctrl-Z, without it. Commands without a rule get "\r\nOK\r\n".
-    void On(const std::string& command, std::vector<std::string> answers) { rules_[command] = std::move(answers); }
+    // What is answered to each occurrence of a command (the last answer is repeated). A command is what ends
+    // in a carriage return or Ctrl-Z, without it. Commands without a rule get "\r\nOK\r\n".
+    void On(const std::string& command, std::vector<std::string> answers) {
+        rules_[command] = std::move(answers);
+    }
     void Otherwise(std::string answer) { otherwise_ = std::move(answer); }
     void Give(const std::string& octets) { incoming_ += octets; }
     // Answers go out this many octets a read; 0 = all at once.
@@ -31,8 +33,8 @@ class ScriptedModem : public SerialOpener {
     bool viaTelephony = false;
     std::int32_t openResult = result::Success;
     std::uint32_t systemError = 2;
-    bool dead = false;         // reads and writes fail
-    bool endless = false;      // gives `flood` without end
+    bool dead = false;     // reads and writes fail
+    bool endless = false;  // gives `flood` without end
     std::string flood;
 
     std::int32_t OpenPort(const SerialSettings& wanted, std::unique_ptr<SerialDevice>& device,
@@ -49,7 +51,9 @@ class ScriptedModem : public SerialOpener {
       public:
         explicit Line(ScriptedModem& modem) : modem_(&modem) {}
         ~Line() override { ++modem_->closings; }
-        bool Write(std::span<const char> octets) override { return modem_->Take({octets.data(), octets.size()}); }
+        bool Write(std::span<const char> octets) override {
+            return modem_->Take({octets.data(), octets.size()});
+        }
         int Read(std::span<char> buffer, std::uint32_t wait) override { return modem_->Read(buffer, wait); }
         void Purge() override { modem_->incoming_.clear(); }
         void SetDtr(bool) override {}

@@ -1,12 +1,13 @@
 // Time that passes only when somebody sleeps; the calendar is UTC.
 #pragma once
-#include <ctime>
-
 #include "foundation/Clock.h"
+
+#include <ctime>
 
 class VirtualClock : public Clock {
   public:
-    explicit VirtualClock(std::int64_t now = 1'700'000'000, std::uint32_t ticks = 0) : now_(now), ticks_(ticks) {}
+    explicit VirtualClock(std::int64_t now = 1'700'000'000, std::uint32_t ticks = 0)
+        : now_(now), ticks_(ticks) {}
 
     std::uint32_t Ticks() override { return ticks_; }
     void Sleep(std::uint32_t milliseconds) override {
