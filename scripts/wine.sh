@@ -9,11 +9,11 @@ wine_start() {
   mkdir -p "$WINEPREFIX"
   exec 9>"$WINEPREFIX/.lock"
   flock 9
-  # A server of its own session: a signal to a server that a program started would make it print all it holds.
-  setsid wineserver -p >/dev/null 2>&1 9>&- || true
-  if [ ! -e "$WINEPREFIX/.ready" ]; then
-    wine wineboot -i >/dev/null 2>&1 9>&-
-    touch "$WINEPREFIX/.ready"
+  if ! wineserver -k0 >/dev/null 2>&1; then
+    # A server of its own session: a signal to a server that a program started would make it print all it holds.
+    # The services that the first program brings up must not hold on to the output of a test either.
+    setsid wineserver -p </dev/null >/dev/null 2>&1 9>&- || true
+    wine wineboot -i </dev/null >/dev/null 2>&1 9>&- || true
   fi
   exec 9>&-
 }

@@ -9,7 +9,7 @@ CUserDataHeader::CUserDataHeader(const CUserDataHeader& other) { *this = other; 
 CUserDataHeader& CUserDataHeader::operator=(const CUserDataHeader& other) {
     if (this == &other) return *this;
     // A full header is reported and kept whole.
-    Assert(other.octets_.size() < kCapacity, "..\\..\\..\\Common\\GsmPdu\\UserDataHeader.cpp", 191);
+    Assert(other.octets_.size() < kCapacity, R"(..\..\..\Common\GsmPdu\UserDataHeader.cpp)", 191);
     octets_ = other.octets_;
     values_ = {};
     parsed_ = false;
