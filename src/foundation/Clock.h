@@ -48,6 +48,9 @@ class Timer {
     std::uint32_t timeout_;
 };
 
+// A moment as calendar time in UTC.
+CalendarTime ToUtc(std::int64_t seconds);
+
 // "[hh:mm:ss]", the time prefix of log lines.
 std::string ClockPrefix(const CalendarTime& local);
 

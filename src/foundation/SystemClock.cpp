@@ -52,6 +52,8 @@ std::int64_t OffsetAt(std::int64_t seconds) {
 
 }  // namespace
 
+CalendarTime ToUtc(std::int64_t seconds) { return CivilFromSeconds(seconds); }
+
 CalendarTime LibraryCalendar::ToLocal(std::int64_t seconds) {
     struct Memory {
         std::int64_t quarter = -1, offset = 0;

@@ -56,6 +56,7 @@ void CSmsDeliveryReports::RecordSent(const std::string& reference, ReportWanted 
 }
 
 void CSmsDeliveryReports::Insert(CSmsDeliveryReport report) {
+    oldest_ = std::min(oldest_, report.createdTime);
     const auto old = reports_.find(report.reference);
     if (old != reports_.end()) {
         ForgetProvider(old->second);
@@ -95,6 +96,7 @@ void CSmsDeliveryReports::Update(const std::string& reference, std::int32_t stat
         CSmsDeliveryReport fresh;
         fresh.reference = reference;
         fresh.createdTime = static_cast<std::int32_t>(clock_->Now());
+        oldest_ = std::min(oldest_, fresh.createdTime);
         report = reports_.emplace(reference, std::move(fresh)).first;
     }
     report->second.status = status;
@@ -162,6 +164,22 @@ void CSmsDeliveryReports::Remove(std::string_view reference) {
     if (report == reports_.end()) return;
     ForgetProvider(report->second);
     reports_.erase(report);
+}
+
+void CSmsDeliveryReports::RemoveOlderThan(std::int32_t seconds) {
+    const std::scoped_lock guard(lock_);
+    const auto limit = static_cast<std::int32_t>(clock_->Now()) - seconds;
+    if (oldest_ >= limit) return;
+    oldest_ = INT32_MAX;
+    for (auto report = reports_.begin(); report != reports_.end();) {
+        if (report->second.createdTime < limit) {
+            ForgetProvider(report->second);
+            report = reports_.erase(report);
+        } else {
+            oldest_ = std::min(oldest_, report->second.createdTime);
+            ++report;
+        }
+    }
 }
 
 void CSmsDeliveryReports::Clear() {

@@ -53,6 +53,8 @@ class CSmsDeliveryReports {
 
     std::optional<CSmsDeliveryReport> Query(std::string_view reference) const;
     void Remove(std::string_view reference);
+    // Forgets reports that were created more than the given seconds ago.
+    void RemoveOlderThan(std::int32_t seconds);
     void Clear();
     std::size_t Count() const;
 
@@ -84,5 +86,6 @@ class CSmsDeliveryReports {
     Index byProvider_;  // by the provider reference
     Index byLooseId_;   // the same without regard to case and leading zeros
     std::size_t providerReferenceLength_ = 0;
+    std::int32_t oldest_ = INT32_MAX;  // no report was created before
     std::int32_t receiptFormat_ = sms::asSMPPDELIVERYREPORTFORMAT_HEX;
 };

@@ -1,0 +1,53 @@
+// The few operations of the machine's sockets that the TCP client is made of. Error numbers are those of Windows
+// Sockets on every platform.
+#pragma once
+#include <cstdint>
+#include <string>
+
+namespace net {
+
+using Handle = std::intptr_t;
+inline constexpr Handle kInvalid = -1;
+inline constexpr int kWouldBlock = 10035;
+inline constexpr int kAborted = 10053;
+inline constexpr int kReset = 10054;
+
+int Start();  // of the socket library; 0 or an error
+void Stop();
+
+Handle Create();
+void Close(Handle socket);
+
+// The first IPv4 address of a name, in network order, and as text; 0 or an error.
+int Resolve(const std::string& host, std::uint32_t& address, std::string& text);
+
+// Starts a non-blocking connect; 0, kWouldBlock or an error.
+int Connect(Handle socket, std::uint32_t address, std::uint16_t port);
+// True when the attempt has come to an end, whatever its outcome.
+bool WaitConnected(Handle socket, std::uint32_t milliseconds);
+
+// Octets moved, or the negated error.
+int Send(Handle socket, const char* data, std::size_t size);
+int Receive(Handle socket, char* data, std::size_t size);
+
+// Readable without error within the time.
+bool WaitReadable(Handle socket, std::uint32_t milliseconds);
+
+// Lets one thread sleep on a socket while others can wake it.
+class Waiter {
+  public:
+    Waiter();
+    Waiter(const Waiter&) = delete;
+    Waiter& operator=(const Waiter&) = delete;
+    ~Waiter();
+
+    // Returns when the socket has something to read (or to report), when it was woken, or when the time is over.
+    void Wait(Handle socket, std::uint32_t milliseconds);
+    void Wake();
+
+  private:
+    std::intptr_t first_ = 0;
+    [[maybe_unused]] std::intptr_t second_ = 0;
+};
+
+}  // namespace net

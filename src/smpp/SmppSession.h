@@ -1,0 +1,128 @@
+// The SMPP session as a machine without I/O: it takes octets, ticks and messages, and yields octets and events.
+// The worker thread around it (SmppProtocol) reads, ticks and writes.
+#pragma once
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "Common/SmppPdu/SmppPdus.h"
+#include "frame/KorBase.h"
+#include "smpp/SmppParameters.h"
+#include "sms/SmsDeliveryReports.h"
+#include "sms/SmsMessagesX.h"
+
+// One encoded submit_sm on its way.
+struct SmppQueuedSubmit {
+    std::string pdu;
+    std::string reference;
+    bool wantsReport = false;
+};
+
+class CSmppSession {
+  public:
+    enum class State { kIdle, kBinding, kBound, kUnbinding, kClosed };
+
+    CSmppSession(CKorBase& log, const CSmppParameters& parameters, CSmsDeliveryReports& reports,
+                 CSmsMessagesX& received, Clock& clock);
+
+    void StartBind();
+    void StartUnbind();
+    void Queue(SmppQueuedSubmit submit) { queue_.push_back(std::move(submit)); }
+
+    // Octets as they arrive, in any pieces. What is no PDU closes the session.
+    void OnBytes(std::string_view octets);
+
+    // Expiry, keep-alive, service of the reports, and submitting what window and pace allow.
+    void OnTick();
+
+    // The connection is gone: everything not answered gets a final result.
+    void OnClosed();
+
+    // Octets to be sent; the caller erases what has gone out.
+    std::string& Output() { return output_; }
+
+    // Milliseconds until OnTick has something to do.
+    std::uint32_t NextTick() const;
+
+    State GetState() const { return state_; }
+    bool HasWork() const { return !queue_.empty() || !inFlight_.empty(); }
+    // The bind's result code, valid once the state is no longer kBinding.
+    std::int32_t BindResult() const { return bindResult_; }
+    // Why the session closed by itself: 33206 after ten unanswered keep-alives, else 0.
+    std::int32_t CloseCode() const { return closeCode_; }
+    std::size_t InFlight() const { return inFlight_.size(); }
+
+  private:
+    struct InFlightSubmit {
+        std::string reference;
+        bool wantsReport;
+    };
+    struct HeldReceipt {  // came before the response that names its message
+        SmsReceipt receipt;
+        CSmsMessageX message;
+        std::uint32_t since;
+    };
+
+    template <class Pdu>
+    void Send(Pdu& pdu, const char* name);
+    template <class Pdu>
+    void Trace(Pdu& pdu);
+    template <class Pdu>
+    void Answer(const char* request, const char* response);
+    std::uint32_t NextSequence();
+
+    void Dispatch(std::string_view octets);
+    void OnBindResponse();
+    void OnSubmitResponse(std::string_view octets);
+    void OnDeliver(std::string_view octets);
+    void OnData(std::string_view octets);
+    template <class Body>
+    CSmsMessageX MessageOf(const Body& body, const std::u16string& text, const CTLVRecords& tlvs) const;
+    void Receive(CSmsMessageX message);
+    bool TakeReceipt(const CSmsMessageX& message);
+    void RetryReceipts(bool expireAll);
+
+    void Submit();
+    void Finish(const InFlightSubmit& submit, std::uint32_t status, const std::string& messageId);
+    void ExpireSubmits();
+    void KeepAlive();
+    void Close(const char* reason);
+
+    CKorBase* log_;
+    const CSmppParameters* parameters_;
+    CSmsDeliveryReports* reports_;
+    CSmsMessagesX* received_;
+    Clock* clock_;
+
+    State state_ = State::kIdle;
+    std::int32_t bindResult_;
+    std::int32_t closeCode_ = 0;
+    std::uint32_t sequence_ = 1;
+    std::uint32_t unansweredKeepAlives_ = 0;
+    std::uint32_t lastKeepAlive_ = 0;
+    std::uint32_t lastService_ = 0;
+    std::uint64_t pace_ = 0;  // microticks at which the next message may go
+    std::uint64_t ticks_ = 0;  // ms, not wrapping
+    std::uint32_t lastTick_ = 0;
+    std::uint32_t dataReference_ = 0;
+    bool answered_ = false;  // a submit response came since receipts were last retried
+
+    std::string input_;
+    std::string output_;
+    std::deque<SmppQueuedSubmit> queue_;
+    std::unordered_map<std::uint32_t, InFlightSubmit> inFlight_;
+    std::deque<std::pair<std::uint32_t, std::uint32_t>> expiry_;  // (tick of submission, sequence)
+    std::deque<HeldReceipt> held_;
+
+    CSmppPdu header_;
+    CSmppSubmitSmResp submitResp_;
+    CSmppDeliverSm deliver_;
+    CSmppDeliverSmResp deliverResp_;
+};
+
+// The result code of a command_status that answers a submit_sm.
+std::int32_t SubmitResult(std::uint32_t commandStatus);
+// And that of one that answers a bind.
+std::int32_t BindResultOf(std::uint32_t commandStatus);

@@ -1,0 +1,211 @@
+#include "smpp/SmppSubmit.h"
+
+#include <array>
+#include <cstdio>
+
+#include "foundation/CodePage.h"
+#include "foundation/Hex.h"
+#include "foundation/Text.h"
+#include "frame/ErrorTexts.h"
+#include "gsm/GsmAlphabet.h"
+#include "gsm/Septets.h"
+
+namespace {
+
+constexpr std::uint8_t kData = 0x04;
+constexpr std::uint8_t kUcs2 = 0x08;
+constexpr std::uint8_t kHeaderIndicator = 0x40;
+constexpr std::int32_t kMostParts = 255;
+
+std::uint8_t CodingOfCharSet(std::int32_t charSet) {
+    constexpr std::array<std::uint8_t, 8> kCodings{0x00, 0x00, 0x01, 0x03, 0x05, 0x06, 0x07, 0x0A};
+    return charSet >= 0 && charSet < 8 ? kCodings[static_cast<std::size_t>(charSet)] : std::uint8_t{0x00};
+}
+
+std::uint8_t CodingOf(const CSmsMessageX& message, std::int32_t charSet) {
+    if (message.DCS != CSmsMessageX::kNotSet) return static_cast<std::uint8_t>(message.DCS);
+    switch (message.Format) {
+        case sms::asMESSAGEFORMAT_TEXT_FLASH:
+        case sms::asMESSAGEFORMAT_TEXT_MULTIPART_FLASH:
+            return 0x10;
+        case sms::asMESSAGEFORMAT_DATA:
+        case sms::asMESSAGEFORMAT_DATA_UDH:
+            return 0xF5;
+        case sms::asMESSAGEFORMAT_UNICODE:
+        case sms::asMESSAGEFORMAT_UNICODE_MULTIPART:
+            return 0x08;
+        case sms::asMESSAGEFORMAT_UNICODE_FLASH:
+        case sms::asMESSAGEFORMAT_UNICODE_MULTIPART_FLASH:
+            return 0x18;
+        default:
+            return CodingOfCharSet(charSet);
+    }
+}
+
+bool IsDataFormat(std::int32_t format) {
+    return format == sms::asMESSAGEFORMAT_DATA || format == sms::asMESSAGEFORMAT_DATA_UDH;
+}
+
+std::string HexOctets(std::u16string_view body) {
+    std::string octets(body.size() / 2, '\0');
+    for (std::size_t i = 0; i < octets.size(); ++i) {
+        octets[i] = static_cast<char>(hex::Value(body[2 * i]) << 4 | hex::Value(body[2 * i + 1]));
+    }
+    return octets;
+}
+
+std::string Ucs2Octets(std::u16string_view body) {
+    std::string octets;
+    octets.reserve(2 * body.size());
+    for (const char16_t c : body) {
+        octets.push_back(static_cast<char>(c >> 8));
+        octets.push_back(static_cast<char>(c));
+    }
+    return octets;
+}
+
+// An address as it goes out: a leading "+" makes it international.
+struct Address {
+    std::string digits;
+    std::uint8_t ton, npi;
+};
+
+Address AddressOf(const std::string& text, std::int32_t ton, std::int32_t npi, std::int32_t defaultTon,
+                  std::int32_t defaultNpi) {
+    if (text.starts_with('+')) return {text.substr(1), 1, 1};
+    return {text, static_cast<std::uint8_t>(ton == CSmsMessageX::kNotSet ? defaultTon : ton),
+            static_cast<std::uint8_t>(npi == CSmsMessageX::kNotSet ? defaultNpi : npi)};
+}
+
+}  // namespace
+
+std::string SmppValidity(std::int32_t minutes, bool relative, Clock& clock) {
+    if (minutes == 0) return {};
+    const std::int64_t span = std::int64_t{minutes} * 60;
+    const CalendarTime t = relative ? clock.ToLocal(span) : ToUtc(clock.Now() + span);
+    std::array<char, 96> text{};
+    std::snprintf(text.data(), text.size(), "%02d%02d%02d%02d%02d%02d000%c", t.year - 2000, t.month, t.day, t.hour,
+                  t.minute, t.second, relative ? 'R' : '+');
+    return text.data();
+}
+
+std::string EncodeCharSet(std::u16string_view text, std::int32_t charSet) {
+    switch (charSet) {
+        case sms::asSMPPCHARSET_GSM: {
+            std::string codes(2 * text.size(), '\0');
+            codes.resize(CGsmAlphabet::Encode(text, reinterpret_cast<std::uint8_t*>(codes.data())));
+            return codes;
+        }
+        case sms::asSMPPCHARSET_CYRILLIC:
+        case sms::asSMPPCHARSET_HEBREW: {
+            const bool cyrillic = charSet == sms::asSMPPCHARSET_CYRILLIC;
+            const char16_t first = cyrillic ? 0x0401 : 0x05D0;
+            const char16_t last = cyrillic ? 0x045F : 0x05EA;
+            const int base = cyrillic ? 0xA1 : 0xE0;
+            std::string octets;
+            for (const char16_t c : text) {
+                if (c >= first && c <= last) {
+                    octets.push_back(static_cast<char>(base + (c - first)));
+                } else {
+                    octets += c < 0x80 ? static_cast<char>(c) : '?';
+                }
+            }
+            return octets;
+        }
+        default:
+            return ToAnsi(text);
+    }
+}
+
+std::u16string DecodeCharSet(std::u16string_view octets, std::int32_t charSet) {
+    if (charSet != sms::asSMPPCHARSET_GSM) return std::u16string(octets);
+    std::vector<std::uint8_t> codes(octets.begin(), octets.end());
+    std::u16string text(codes.size(), u'\0');
+    text.resize(CGsmAlphabet::Decode(codes, text.data()));
+    return text;
+}
+
+std::int32_t SmppSubmitBuilder::Build(const CSmppParameters& parameters, const CSmsMessageX& message,
+                                      std::vector<std::string>& pdus) {
+    pdus.clear();
+    if (parameters.systemMode == static_cast<std::int32_t>(SmppMode::kReceiver)) return result::SmppReceiverOnly;
+    if (CheckRecipient(message.Recipient, PrefixRule::kNoOtherLetter) == result::InvalidRecipient) {
+        return result::InvalidRecipient;
+    }
+    const std::uint8_t coding = CodingOf(message, parameters.charSet);
+    const bool data = IsDataFormat(message.Format);
+    const bool ucs2 = !data && (coding & kUcs2) != 0;
+    std::string body = data ? HexOctets(message.Data) : ucs2 ? Ucs2Octets(message.Data)
+                                                             : EncodeCharSet(message.Data, parameters.charSet);
+    std::string callerHeader;
+    if (message.Format == sms::asMESSAGEFORMAT_DATA_UDH && !body.empty()) {
+        const std::size_t size = std::min<std::size_t>(static_cast<std::uint8_t>(body[0]), body.size() - 1);
+        callerHeader = body.substr(1, size);
+        body.erase(0, 1 + size);
+    }
+    std::string portElement;
+    if (message.DestinationPort != 0) {
+        portElement = {0x05, 0x04, static_cast<char>(message.DestinationPort >> 8),
+                       static_cast<char>(message.DestinationPort), 0, 0};
+    }
+    // Octets of text in one part, with a header of the given octets.
+    const auto capacity = [&](std::size_t header) -> std::int32_t {
+        const auto h = static_cast<std::int32_t>(header);
+        if (data || (coding & kData) != 0) return 140 - h;
+        if (ucs2) return (140 - h) / 2 * 2;
+        return 160 - static_cast<std::int32_t>(septets::HeaderSeptets(header));
+    };
+    std::size_t header = callerHeader.size() + portElement.size();
+    if (header != 0) ++header;
+    std::int32_t room = capacity(header);
+    std::int32_t parts = 1;
+    if (static_cast<std::int32_t>(body.size()) > room) {
+        room = capacity(header + (header == 0 ? 6 : 5));
+        if (room < 1) return result::MessageTooLong;
+        parts = (static_cast<std::int32_t>(body.size()) + room - 1) / room;
+    }
+    if (room < 0 || parts > kMostParts) return result::MessageTooLong;
+    auto reference = static_cast<std::uint8_t>(clock_->Ticks() % 65535);
+    if (parts > 1) {
+        if (reference == lastReference_) ++reference;  // two messages of one tick are told apart
+        lastReference_ = reference;
+    }
+
+    pdu_.Reset();
+    const std::string& senderText = message.Sender.empty() ? parameters.sourceAddress : message.Sender;
+    const Address source = AddressOf(senderText, message.SourceTON, message.SourceNPI, parameters.sourceTon, parameters.sourceNpi);
+    const Address target = AddressOf(message.Recipient, message.DestinationTON, message.DestinationNPI,
+                                     parameters.destinationTon, parameters.destinationNpi);
+    pdu_.service_type = message.ServiceType;
+    pdu_.source_addr_ton = source.ton;
+    pdu_.source_addr_npi = source.npi;
+    pdu_.source_addr = source.digits;
+    pdu_.dest_addr_ton = target.ton;
+    pdu_.dest_addr_npi = target.npi;
+    pdu_.destination_addr = target.digits;
+    pdu_.esm_class = message.ESM == CSmsMessageX::kNotSet ? std::uint8_t{0} : static_cast<std::uint8_t>(message.ESM);
+    pdu_.protocol_id = message.PID == CSmsMessageX::kNotSet ? std::uint8_t{0} : static_cast<std::uint8_t>(message.PID);
+    pdu_.validity_period = SmppValidity(message.ValidityPeriod, parameters.relativeValidity, *clock_);
+    pdu_.registered_delivery = message.RequestDeliveryStatus ? 1 : 0;
+    pdu_.data_coding = coding;
+    pdu_.tlvs = message.TlvRecords;
+    for (std::int32_t part = 0; part < parts; ++part) {
+        std::string elements;
+        if (parts > 1) {
+            elements = {0x00, 0x03, static_cast<char>(reference), static_cast<char>(parts), static_cast<char>(part + 1)};
+        }
+        elements += portElement + callerHeader;
+        pdu_.short_message.clear();
+        if (!elements.empty()) {
+            pdu_.esm_class |= kHeaderIndicator;
+            pdu_.short_message = static_cast<char>(elements.size()) + elements;
+        }
+        pdu_.short_message += std::string_view(body).substr(
+            std::min(body.size(), static_cast<std::size_t>(part) * static_cast<std::size_t>(room)),
+            static_cast<std::size_t>(room));
+        pdu_.Encode();
+        const auto octets = pdu_.Data();
+        pdus.emplace_back(octets.begin(), octets.end());
+    }
+    return result::Success;
+}
