@@ -41,6 +41,8 @@ IniFile IniFile::Load(const std::string& name) {
     return ini;
 }
 
+bool IniFile::Exists(const std::string& name) { return ReadTextFile(name, 1).has_value(); }
+
 bool IniFile::Save(const std::string& name) const {
     std::string text;
     for (const Section& section : sections_) {

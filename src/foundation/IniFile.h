@@ -11,6 +11,9 @@ class IniFile {
     // The contents of the file as they are now; damaged files give what can be read. At most 1 MiB is read.
     static IniFile Load(const std::string& name);
 
+    // Whether the file can be opened for reading.
+    static bool Exists(const std::string& name);
+
     // Writes all sections back; false when the file cannot be written.
     [[nodiscard]] bool Save(const std::string& name) const;
 

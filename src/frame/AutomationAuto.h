@@ -151,7 +151,7 @@ class Automation : public Interface {
 template <class Interface>
 class ObjectAuto : public Automation<Interface> {
   public:
-    STDMETHODIMP get_LastError(LONG* pVal) noexcept override { return Give(pVal, lastError_); }
+    STDMETHODIMP get_LastError(LONG* pVal) noexcept override { return Give(pVal, lastError_.load()); }
     STDMETHODIMP get_Version(BSTR* pVal) noexcept override { return Give(pVal, product::kVersion); }
     STDMETHODIMP get_Build(BSTR* pVal) noexcept override { return Give(pVal, product::kBuild); }
     virtual STDMETHODIMP get_Module(BSTR* pVal) noexcept { return Give(pVal, product::kModule); }
@@ -161,6 +161,8 @@ class ObjectAuto : public Automation<Interface> {
 
   protected:
     virtual CVrmBase& Base() = 0;
+
+    void SetLastError(std::int32_t code) noexcept { lastError_ = code; }
 
     // Runs a method: its code, also that of an exception, becomes LastError as the last step. Always S_OK.
     template <class Work>
@@ -193,7 +195,7 @@ class ObjectAuto : public Automation<Interface> {
         }
     }
 
-    std::int32_t lastError_ = result::Success;
+    std::atomic<std::int32_t> lastError_ = result::Success;  // a worker thread may set it too
 };
 
 // A class with log and activity files, which its engine writes.

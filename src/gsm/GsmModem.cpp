@@ -577,29 +577,10 @@ std::int32_t CGsmModem::QueryStatus(std::string_view references, CSmsDeliveryRep
         if (const std::int32_t code = ReadReports(); code != result::Success) return code;
         reportsReadAt_ = GetClock().Now();
     }
-    const std::vector<std::string_view> parts = Split(references, {&kReferenceSeparator, 1});
-    std::optional<CSmsDeliveryReport> whole;
-    for (const std::string_view reference : parts) {
-        const auto part = reports_.Query(reference);
-        if (!part) return result::QueryFailed;
-        if (!whole) {
-            whole = part;
-            continue;
-        }
-        const std::int32_t latest = std::max(whole->completedTime, part->completedTime);
-        const bool open = IsCompletedStatus(whole->status) && !IsCompletedStatus(part->status);
-        const bool worse = IsCompletedStatus(whole->status) == IsCompletedStatus(part->status) &&
-                           whole->status == sms::asDELIVERYSTATUS_DELIVERED &&
-                           part->status != sms::asDELIVERYSTATUS_DELIVERED;
-        if (open || worse) whole = part;
-        whole->completedTime = latest;
-    }
+    const auto whole = reports_.QueryWhole(references, kReferenceSeparator);
+    if (!whole) return result::QueryFailed;
     report = *whole;
-    report.reference = references;
-    if (!IsCompletedStatus(report.status)) {
-        report.completedTime = 0;
-        return result::Success;
-    }
-    for (const std::string_view reference : parts) reports_.Remove(reference);
+    if (!IsCompletedStatus(report.status)) return result::Success;
+    for (const std::string_view reference : Split(references, {&kReferenceSeparator, 1})) reports_.Remove(reference);
     return result::Success;
 }

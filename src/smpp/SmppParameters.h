@@ -5,7 +5,7 @@
 
 #include "Common/SmppPdu/TLVRecords.h"
 
-enum class SmppMode : std::int32_t { kTransceiver = 0, kTransmitter = 1, kReceiver = 2 };
+enum class BindMode : std::int32_t { kTransceiver = 0, kTransmitter = 1, kReceiver = 2 };
 
 struct CSmppParameters {
     std::string server;

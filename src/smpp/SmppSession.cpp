@@ -135,11 +135,11 @@ void CSmppSession::StartBind() {
         pdu->tlvs = parameters_->transmitTlvs;
         Send(*pdu, name);
     };
-    switch (static_cast<SmppMode>(parameters_->systemMode)) {
-        case SmppMode::kTransmitter:
+    switch (static_cast<BindMode>(parameters_->systemMode)) {
+        case BindMode::kTransmitter:
             bind(std::make_unique<CSmppBindTransmitter>(), "bind_transmitter");
             break;
-        case SmppMode::kReceiver:
+        case BindMode::kReceiver:
             bind(std::make_unique<CSmppBindReceiver>(), "bind_receiver");
             break;
         default:

@@ -128,7 +128,7 @@ std::u16string DecodeCharSet(std::u16string_view octets, std::int32_t charSet) {
 std::int32_t SmppSubmitBuilder::Build(const CSmppParameters& parameters, const CSmsMessageX& message,
                                       std::vector<std::string>& pdus) {
     pdus.clear();
-    if (parameters.systemMode == static_cast<std::int32_t>(SmppMode::kReceiver)) return result::SmppReceiverOnly;
+    if (parameters.systemMode == static_cast<std::int32_t>(BindMode::kReceiver)) return result::SmppReceiverOnly;
     if (CheckRecipient(message.Recipient, PrefixRule::kNoOtherLetter) == result::InvalidRecipient) {
         return result::InvalidRecipient;
     }

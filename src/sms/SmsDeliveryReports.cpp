@@ -158,6 +158,28 @@ std::optional<CSmsDeliveryReport> CSmsDeliveryReports::Query(std::string_view re
     return report->second;
 }
 
+std::optional<CSmsDeliveryReport> CSmsDeliveryReports::QueryWhole(std::string_view references, char separator) const {
+    std::optional<CSmsDeliveryReport> whole;
+    for (const std::string_view reference : Split(references, {&separator, 1})) {
+        const auto part = Query(reference);
+        if (!part) return std::nullopt;
+        if (!whole) {
+            whole = part;
+            continue;
+        }
+        const std::int32_t latest = std::max(whole->completedTime, part->completedTime);
+        const bool open = IsCompletedStatus(whole->status) && !IsCompletedStatus(part->status);
+        const bool worse = IsCompletedStatus(whole->status) == IsCompletedStatus(part->status) &&
+                           whole->status == sms::asDELIVERYSTATUS_DELIVERED &&
+                           part->status != sms::asDELIVERYSTATUS_DELIVERED;
+        if (open || worse) whole = part;
+        whole->completedTime = latest;
+    }
+    whole->reference = references;
+    if (!IsCompletedStatus(whole->status)) whole->completedTime = 0;
+    return whole;
+}
+
 void CSmsDeliveryReports::Remove(std::string_view reference) {
     const std::scoped_lock guard(lock_);
     const auto report = reports_.find(reference);

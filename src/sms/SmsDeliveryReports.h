@@ -52,6 +52,11 @@ class CSmsDeliveryReports {
     std::optional<std::string> ApplyReceipt(const SmsReceipt& receipt);
 
     std::optional<CSmsDeliveryReport> Query(std::string_view reference) const;
+
+    // The report of a message of several parts, whose references are joined by the separator: open while one part is
+    // open, then the first state that is not "Delivered", with the latest time. Nothing when a part is unknown.
+    std::optional<CSmsDeliveryReport> QueryWhole(std::string_view references, char separator) const;
+
     void Remove(std::string_view reference);
     // Forgets reports that were created more than the given seconds ago.
     void RemoveOlderThan(std::int32_t seconds);

@@ -238,6 +238,12 @@ void CSmsMessagesX::Remove(std::size_t index) {
     if (index < next_) --next_;
 }
 
+void CSmsMessagesX::RemoveRead() {
+    const std::scoped_lock guard(lock_);
+    complete_.erase(complete_.begin(), complete_.begin() + static_cast<std::ptrdiff_t>(next_));
+    next_ = 0;
+}
+
 void CSmsMessagesX::Clear() {
     const std::scoped_lock guard(lock_);
     complete_.clear();

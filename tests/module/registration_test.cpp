@@ -77,6 +77,7 @@ constexpr ClassRow kClasses[] = {
     {L"SmsMessage", L"Quorvane.SmsMessage", L"{6900ABDD-A93C-430F-9939-A0477D4D6F4E}"},
     {L"SmsDeliveryStatus", L"Quorvane.SmsDeliveryReport", L"{E3C1E60A-87B3-4178-BB93-CCB8D6AC59F8}"},
     {L"SmsProtocolGsm", L"Quorvane.SmsProtocolGsm", L"{30F256C0-EE6E-4C57-A475-E3E81236119F}"},
+    {L"SmsProtocolSmpp", L"Quorvane.SmsProtocolSmpp", L"{0B3C73A0-D209-465A-B6C4-9B6AC9DCC424}"},
 };
 
 Snapshot Expected(const std::wstring& module) {

@@ -1,0 +1,335 @@
+#include "smpp/SmppProtocol.h"
+
+#include <array>
+#include <cstdio>
+#include <system_error>
+
+#include "foundation/CodePage.h"
+#include "foundation/IniFile.h"
+#include "foundation/Text.h"
+#include "frame/ErrorTexts.h"
+
+namespace {
+
+constexpr auto kStartTime = std::chrono::milliseconds(5000);
+constexpr std::uint32_t kUnbindTime = 5000;
+constexpr std::uint32_t kSendSlice = 20;
+constexpr std::size_t kReadSize = 65536;
+constexpr std::uint32_t kQueryPause = 20;
+
+// The provider file: one row a setting.
+struct TextKey {
+    const char* key;
+    std::string CSmppParameters::*field;
+};
+struct NumberKey {
+    const char* key;
+    std::int32_t CSmppParameters::*field;
+};
+using P = CSmppParameters;
+constexpr auto kTextKeys = std::to_array<TextKey>({
+    {"Server", &P::server},
+    {"SystemID", &P::systemId},
+    {"SystemPassword", &P::systemPassword},
+    {"SystemType", &P::systemType},
+    {"SystemSourceAddress", &P::sourceAddress},
+    {"AddressRange", &P::addressRange},
+});
+constexpr auto kNumberKeys = std::to_array<NumberKey>({
+    {"ServerPort", &P::serverPort},
+    {"ServerTimeout", &P::serverTimeout},
+    {"ServerKeepAlive", &P::serverKeepAlive},
+    {"SystemVersion", &P::systemVersion},
+    {"SystemSourceTON", &P::sourceTon},
+    {"SystemSourceNPI", &P::sourceNpi},
+    {"SystemDestinationTON", &P::destinationTon},
+    {"SystemDestinationNPI", &P::destinationNpi},
+    {"SystemThroughput", &P::throughput},
+    {"SystemCharSet", &P::charSet},
+    {"DeliveryReportFormat", &P::reportFormat},
+});
+constexpr const char* kSection = "Provider";
+
+}  // namespace
+
+CSmppProtocol::CSmppProtocol(Clock& clock)
+    : CVrmBase("CSmppProtocol", clock),
+      socket_(clock),
+      reports_(clock),
+      received_(clock),
+      builder_(clock),
+      nextReference_(static_cast<std::uint32_t>(clock.Now()) * 64) {}
+
+CSmppProtocol::~CSmppProtocol() { Disconnect(); }
+
+void CSmppProtocol::Clear() {
+    Disconnect();
+    parameters = {};
+    SetAdvancedSettings({});
+    SetLogFile({});
+    SetActivityFile({});
+    reports_.Clear();
+    received_.Clear();
+}
+
+std::int32_t CSmppProtocol::Connect() {
+    if (IsConnected()) return result::Success;
+    Disconnect();  // joins the worker of a session that has ended by itself
+    if (parameters.serverPort < 1 || parameters.serverPort > 65535) return result::InvalidPort;
+    if (parameters.server.empty()) return result::InvalidHost;
+    const auto timeout = static_cast<std::uint32_t>(std::max(parameters.serverTimeout, 0));
+    if (socket_.Connect(parameters.server, static_cast<std::uint16_t>(parameters.serverPort), timeout) != 0) {
+        return result::SmppConnectFailed;
+    }
+    std::int32_t code = result::Success;
+    if (parameters.InterfaceVersion() == 0) {
+        code = result::SmppInvalidVersion;
+    } else {
+        active_ = parameters;
+        active_.windowSize = AdvancedSetting("SmppWindowSize", 10);
+        active_.relativeValidity = AdvancedSetting("ValidityPeriodRelative", 0) != 0;
+        active_.dumpFlags = static_cast<std::uint32_t>(AdvancedSetting("Debug", 255));
+        reports_.SetReceiptFormat(parameters.reportFormat);
+        stop_ = false;
+        started_ = bindAnswered_ = false;
+        try {
+            worker_ = std::thread([this] { Work(); });
+        } catch (const std::system_error&) {
+            code = result::ThreadCreationFailed;
+        }
+    }
+    if (code == result::Success) {
+        std::unique_lock guard(lock_);
+        if (!changed_.wait_for(guard, kStartTime, [this] { return started_; })) {
+            code = result::ThreadCreationFailed;
+        } else if (!changed_.wait_for(guard, std::chrono::milliseconds(timeout), [this] { return bindAnswered_; })) {
+            code = result::SmppTimedOut;
+        } else {
+            code = bindResult_;
+        }
+    }
+    const std::string text(DescribeError(code));
+    Log(logmask::kActivity | logmask::kVerbatim,
+        "CONNECT [Velqar Build %s], Server=[%s:%d] , SystemID=[%s], SourceTON=[%d], SourceNPI=[%d], AddressRange=[%s], "
+        "Result = [%s]\n\n",
+        product::kBuild, parameters.server.c_str(), parameters.serverPort, parameters.systemId.c_str(),
+        parameters.sourceTon, parameters.sourceNpi, parameters.addressRange.c_str(), text.c_str());
+    if (code == result::Success) {
+        Log(logmask::kVerbatim, "Connected to server %s\n", parameters.server.c_str());
+    } else {
+        Log(logmask::kVerbatim, "Failed to connect server %s ( %s )\n", parameters.server.c_str(), text.c_str());
+        Disconnect();
+    }
+    return code;
+}
+
+std::int32_t CSmppProtocol::Disconnect() {
+    const bool ran = worker_.joinable();
+    stop_ = true;
+    if (ran) {
+        waiter_.Wake();
+        worker_.join();
+    }
+    bound_ = false;
+    socket_.Disconnect();
+    if (ran) Log(logmask::kVerbatim, "Disconnected\n");
+    return result::Success;
+}
+
+std::string CSmppProtocol::NewReference() {
+    std::array<char, 16> text{};
+    std::snprintf(text.data(), text.size(), "%08X", static_cast<unsigned>(nextReference_++));
+    return text.data();
+}
+
+std::int32_t CSmppProtocol::Send(const CSmsMessageX& message, std::string& references) {
+    references.clear();
+    if (!IsConnected()) return result::SmppNotBound;
+    std::vector<std::string> pdus;
+    if (const std::int32_t code = builder_.Build(active_, message, pdus); code != result::Success) {
+        Log(logmask::kVerbatim, "Sending failed (%s)\n", DescribeError(code).data());
+        return code;
+    }
+    for (std::string& pdu : pdus) {
+        std::string reference = NewReference();
+        if (!references.empty()) references += kReferenceSeparator;
+        references += reference;
+        reports_.RecordSent(reference, ReportWanted::kSubmitRequested);
+        const std::scoped_lock guard(lock_);
+        intake_.push_back({std::move(pdu), std::move(reference), message.RequestDeliveryStatus});
+    }
+    Log(logmask::kVerbatim, "Adding message to queue...\n");
+    // The worker is only woken when it sleeps; a busy one comes by anyway.
+    if (sleeping_.exchange(false)) waiter_.Wake();
+    if (!IsConnected()) {  // the session ended meanwhile: what it did not take gets its result here
+        const std::scoped_lock guard(lock_);
+        for (const SmppQueuedSubmit& submit : intake_) {
+            reports_.SetStatus(submit.reference, sms::asDELIVERYSTATUS_FAILED, result::SmppNotBound);
+        }
+        intake_.clear();
+    }
+    return result::Success;
+}
+
+std::int32_t CSmppProtocol::QueryStatus(std::string_view references, bool wait, CSmsDeliveryReport& report) {
+    if (references.empty()) return result::InvalidReference;
+    const Timer timer(GetClock(), static_cast<std::uint32_t>(std::max(parameters.serverTimeout, 0)));
+    std::int32_t code = result::Success;
+    for (;;) {
+        const auto whole = reports_.QueryWhole(references, kReferenceSeparator);
+        if (!whole) {
+            code = result::QueryFailed;
+            break;
+        }
+        report = *whole;
+        if (!wait || IsCompletedStatus(report.status) || !IsConnected()) break;
+        if (timer.Expired()) {
+            code = result::SmppTimedOut;
+            break;
+        }
+        GetClock().Sleep(kQueryPause);
+    }
+    const std::string text(references);
+    if (code == result::QueryFailed) {
+        Log(logmask::kVerbatim, "Query status for message '%s' failed ( %s )\n", text.c_str(), DescribeError(code).data());
+    } else {
+        Log(logmask::kVerbatim, "Query successfull for message '%s' : %s ( SME Errorcode : %d )\n", text.c_str(),
+            DeliveryStatusText(report.status).data(), report.statusCode);
+    }
+    return code;
+}
+
+// --- the worker
+
+void CSmppProtocol::SignalBind(std::int32_t code) {
+    {
+        const std::scoped_lock guard(lock_);
+        if (bindAnswered_) return;
+        bindAnswered_ = true;
+        bindResult_ = code;
+    }
+    changed_.notify_all();
+}
+
+void CSmppProtocol::TakeIntake(CSmppSession& session) {
+    std::vector<SmppQueuedSubmit> taken;
+    {
+        const std::scoped_lock guard(lock_);
+        taken.swap(intake_);
+    }
+    for (SmppQueuedSubmit& submit : taken) session.Queue(std::move(submit));
+}
+
+// Sends what is ready in one go; what the connection does not take stays for the next time. False when it is gone.
+bool CSmppProtocol::Flush(CSmppSession& session) {
+    std::string& output = session.Output();
+    if (output.empty()) return true;
+    std::size_t sent = 0;
+    const int code = socket_.Send(output, kSendSlice, kSendSlice, sent);
+    if (sent == output.size()) {
+        output.clear();
+    } else {
+        output.erase(0, sent);
+    }
+    return code == tcp::kSuccess || code == tcp::kTotalTimedOut || code == tcp::kIdleTimedOut;
+}
+
+void CSmppProtocol::WaitForWork(const CSmppSession& session) {
+    sleeping_ = true;
+    bool work = stop_;
+    {
+        const std::scoped_lock guard(lock_);
+        work = work || !intake_.empty();
+    }
+    if (!work) waiter_.Wait(socket_.SocketHandle(), session.NextTick());
+    sleeping_ = false;
+}
+
+// One round of reading, ticking and writing. False when the connection has ended.
+bool CSmppProtocol::Pump(CSmppSession& session) {
+    thread_local std::vector<char> buffer(kReadSize);
+    TakeIntake(session);
+    std::size_t received = 0;
+    const int code = socket_.Receive(buffer.data(), buffer.size(), received);
+    if (code != tcp::kSuccess) return false;
+    if (received > 0) session.OnBytes({buffer.data(), received});
+    session.OnTick();
+    if (!Flush(session)) return false;
+    if (session.GetState() == CSmppSession::State::kClosed) return false;
+    if (received == 0 && session.Output().empty()) WaitForWork(session);
+    return true;
+}
+
+void CSmppProtocol::Work() {
+    {
+        const std::scoped_lock guard(lock_);
+        started_ = true;
+    }
+    changed_.notify_all();
+    using State = CSmppSession::State;
+    CSmppSession session(*this, active_, reports_, received_, GetClock());
+    try {
+        session.StartBind();
+        const Timer bindTimer(GetClock(), static_cast<std::uint32_t>(std::max(active_.serverTimeout, 0)));
+        bool connected = true;
+        while (connected && session.GetState() == State::kBinding && !stop_ && !bindTimer.Expired()) {
+            connected = Pump(session);
+        }
+        if (session.GetState() == State::kBound) {
+            bound_ = true;
+            SignalBind(result::Success);
+        } else if (session.GetState() == State::kClosed) {
+            SignalBind(session.BindResult());
+        } else {
+            SignalBind(connected ? result::SmppTimedOut : result::SmppConnectFailed);
+        }
+        while (connected && session.GetState() == State::kBound && !stop_) connected = Pump(session);
+
+        const Timer drain(GetClock(), static_cast<std::uint32_t>(std::max(active_.serverTimeout, 0)));
+        while (connected && session.GetState() == State::kBound && !drain.Expired()) {
+            TakeIntake(session);
+            if (!session.HasWork()) break;
+            connected = Pump(session);
+        }
+        if (connected && session.GetState() == State::kBound) {
+            session.StartUnbind();
+            const Timer unbind(GetClock(), std::min(kUnbindTime, static_cast<std::uint32_t>(std::max(active_.serverTimeout, 0))));
+            while (connected && session.GetState() == State::kUnbinding && !unbind.Expired()) connected = Pump(session);
+        }
+    } catch (const std::exception& error) {
+        Log(logmask::kLog, "EXCEPTION [%s], source=[SmppProtocol], line=[%d]", error.what(), __LINE__);
+    }
+    bound_ = false;
+    SignalBind(result::SmppConnectFailed);
+    TakeIntake(session);
+    session.OnClosed();
+    if (session.CloseCode() != result::Success && onFailure_) onFailure_(session.CloseCode());
+}
+
+// --- provider files
+
+std::int32_t CSmppProtocol::SaveConfig(const std::string& file) {
+    IniFile ini = IniFile::Load(file);
+    for (const TextKey& row : kTextKeys) ini.SetText(kSection, row.key, parameters.*row.field);
+    for (const NumberKey& row : kNumberKeys) ini.SetText(kSection, row.key, std::to_string(parameters.*row.field));
+    ini.SetText(kSection, "AdvancedSettings", AdvancedSettings());
+    ini.SetText(kSection, "SystemTLVRecords", ToAnsi(parameters.transmitTlvs.ToText()));
+    const std::int32_t code = !file.empty() && ini.Save(file) ? result::Success : result::ConfigSaveFailed;
+    Log(logmask::kVerbatim, "Saving SMPP settings to file [%s], result: %d : %s\n", file.c_str(), code,
+        DescribeError(code).data());
+    return code;
+}
+
+std::int32_t CSmppProtocol::LoadConfig(const std::string& file) {
+    if (!IniFile::Exists(file)) return result::ConfigNotFound;
+    const IniFile ini = IniFile::Load(file);
+    if (ini.Lines(kSection).empty()) return result::ConfigCorrupt;
+    for (const TextKey& row : kTextKeys) parameters.*row.field = ini.Text(kSection, row.key, parameters.*row.field);
+    for (const NumberKey& row : kNumberKeys) {
+        const std::string text = ini.Text(kSection, row.key);
+        if (!text.empty()) parameters.*row.field = ToInt(text);
+    }
+    SetAdvancedSettings(ini.Text(kSection, "AdvancedSettings", AdvancedSettings()));
+    parameters.transmitTlvs.FromText(FromAnsi(ini.Text(kSection, "SystemTLVRecords")));
+    return result::Success;
+}

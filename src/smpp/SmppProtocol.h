@@ -1,0 +1,84 @@
+// The SMPP channel: one connection, its worker thread, and the calls that a caller's thread makes on it.
+#pragma once
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "foundation/KorTcpSocket.h"
+#include "frame/VrmBase.h"
+#include "smpp/SmppParameters.h"
+#include "smpp/SmppSession.h"
+#include "smpp/SmppSubmit.h"
+
+class CSmppProtocol : public CVrmBase {
+  public:
+    static constexpr char kReferenceSeparator = ';';
+
+    explicit CSmppProtocol(Clock& clock = SystemClock());
+    ~CSmppProtocol() override;
+
+    CSmppParameters parameters;
+
+    // What a session that ends by itself leaves for LastError; called on the worker thread.
+    void SetFailureHandler(std::function<void(std::int32_t)> handler) { onFailure_ = std::move(handler); }
+
+    void Clear();
+
+    // 0; 1010, 22019, 22021, 33201 to 33206, 33209.
+    [[nodiscard]] std::int32_t Connect();
+
+    // Sends what is queued, unbinds and joins the worker; takes ServerTimeout at the most for the messages and 5 s at
+    // the most for the unbind. What could not be sent gets the status "Failed".
+    std::int32_t Disconnect();
+    bool IsConnected() const { return bound_; }
+
+    // Queues a message and gives its reference; several parts are joined by ";". 33205 when not connected, and the
+    // codes of SmppSubmitBuilder.
+    [[nodiscard]] std::int32_t Send(const CSmsMessageX& message, std::string& references);
+
+    // The report of references as Send gave them. With `wait`, waits until it is final, the session ends or
+    // ServerTimeout has passed (33206, the report as it is then). 34050, 33061.
+    [[nodiscard]] std::int32_t QueryStatus(std::string_view references, bool wait, CSmsDeliveryReport& report);
+
+    [[nodiscard]] std::int32_t LoadConfig(const std::string& file);
+    [[nodiscard]] std::int32_t SaveConfig(const std::string& file);
+
+    CSmsDeliveryReports& Reports() { return reports_; }
+    CSmsMessagesX& Received() { return received_; }
+
+  private:
+    void Work();
+    bool Pump(CSmppSession& session);
+    bool Flush(CSmppSession& session);
+    void TakeIntake(CSmppSession& session);
+    void WaitForWork(const CSmppSession& session);
+    void SignalBind(std::int32_t code);
+    std::string NewReference();
+
+    CKorTcpSocket socket_;
+    CSmppParameters active_;  // the settings of the running session
+    CSmsDeliveryReports reports_;
+    CSmsMessagesX received_;
+    SmppSubmitBuilder builder_;
+    std::function<void(std::int32_t)> onFailure_;
+    std::uint32_t nextReference_;
+
+    std::thread worker_;
+    net::Waiter waiter_;
+    std::atomic<bool> bound_ = false;
+    std::atomic<bool> stop_ = false;
+    std::atomic<bool> sleeping_ = false;
+
+    std::mutex lock_;  // of what follows
+    std::condition_variable changed_;
+    std::vector<SmppQueuedSubmit> intake_;
+    bool started_ = false;
+    bool bindAnswered_ = false;
+    std::int32_t bindResult_ = 0;
+};
