@@ -1,0 +1,271 @@
+// The session as a machine: scripted octets in, octets and events out, in virtual time. And the protocol with its
+// worker thread over a socket that only answers.
+#include <gtest/gtest.h>
+
+#include "frame/ErrorTexts.h"
+#include "smpp/SmppProtocol.h"
+#include "smpp/SmppSession.h"
+#include "support/VirtualClock.h"
+
+namespace {
+
+std::string Pdu(std::uint32_t command, std::uint32_t status, std::uint32_t sequence, const std::string& body = {}) {
+    std::string octets;
+    for (const std::uint32_t word : {static_cast<std::uint32_t>(16 + body.size()), command, status, sequence}) {
+        for (int shift = 24; shift >= 0; shift -= 8) octets.push_back(static_cast<char>(word >> shift));
+    }
+    return octets + body;
+}
+
+std::string Deliver(std::uint32_t sequence, const std::string& text, char esm = 0) {
+    using namespace std::string_literals;
+    return Pdu(5, 0, sequence,
+               "\0\x01\x01""31611111111\0\x01\x01""1234\0"s + esm + "\0\0\0\0\0\0\0\0"s + static_cast<char>(text.size()) + text);
+}
+
+struct Sent {
+    std::uint32_t command, status, sequence;
+    bool operator==(const Sent&) const = default;
+};
+
+class Session : public testing::Test {
+  protected:
+    std::vector<Sent> TakeOutput() {
+        std::vector<Sent> sent;
+        std::string& out = session.Output();
+        const auto word = [&out](std::size_t at) {
+            std::uint32_t value = 0;
+            for (std::size_t i = 0; i < 4; ++i) value = value << 8 | static_cast<std::uint8_t>(out[at + i]);
+            return value;
+        };
+        for (std::size_t at = 0; at < out.size(); at += word(at)) sent.push_back({word(at + 4), word(at + 8), word(at + 12)});
+        out.clear();
+        return sent;
+    }
+    void Bind() {
+        session.StartBind();
+        EXPECT_EQ(TakeOutput(), (std::vector<Sent>{{9, 0, 1}}));
+        session.OnBytes(Pdu(0x80000009, 0, 1, std::string("lab\0", 4)));
+        ASSERT_EQ(session.GetState(), CSmppSession::State::kBound);
+    }
+    void Queue(const std::string& reference, bool report = true) {
+        reports.RecordSent(reference, ReportWanted::kSubmitRequested);
+        session.Queue({Pdu(4, 0, 0, "body"), reference, report});
+    }
+    std::int32_t Status(const std::string& reference) { return reports.Query(reference)->status; }
+    void Response(std::uint32_t sequence, const std::string& id, std::uint32_t status = 0) {
+        session.OnBytes(Pdu(0x80000004, status, sequence, id + std::string(1, '\0')));
+    }
+
+    VirtualClock clock;
+    CKorBase log{"Test", clock};
+    CSmppParameters parameters;
+    CSmsDeliveryReports reports{clock};
+    CSmsMessagesX received{clock, 3600};
+    CSmppSession session{log, parameters, reports, received, clock};
+};
+
+TEST_F(Session, BindResponsesHaveTheirCodes) {
+    for (const auto& [status, code] : {std::pair{0x0DU, 33202}, {0x0EU, 33204}, {0x0FU, 33203}, {0x99U, 33202}}) {
+        CSmppSession other(log, parameters, reports, received, clock);
+        other.StartBind();
+        other.OnBytes(Pdu(0x80000009, status, 1));
+        EXPECT_EQ(other.GetState(), CSmppSession::State::kClosed);
+        EXPECT_EQ(other.BindResult(), code);
+    }
+    for (const auto& [mode, command] : {std::pair{1, '\x02'}, {2, '\x01'}, {0, '\x09'}, {7, '\x09'}}) {
+        parameters.systemMode = mode;
+        CSmppSession other(log, parameters, reports, received, clock);
+        other.StartBind();
+        EXPECT_EQ(other.Output()[7], command);
+    }
+}
+
+TEST_F(Session, AnswersTheServerAlsoBeforeTheBindAndOctetByOctet) {
+    session.StartBind();
+    TakeOutput();
+    const std::string all = Pdu(0x15, 0, 77) + Pdu(0x80000009, 0, 1, std::string("x\0", 2)) + Deliver(5, "Hello") +
+                            Pdu(0x12345, 0, 6) + Pdu(0x103, 0, 8, std::string(10, '\0'));
+    for (const char octet : all) session.OnBytes({&octet, 1});
+    EXPECT_EQ(TakeOutput(), (std::vector<Sent>{{0x80000015, 0, 77}, {0x80000005, 0, 5}, {0x80000000, 0, 0}, {0x80000103, 0, 8}}));
+    CSmsMessageX message;
+    ASSERT_EQ(received.First(message), 0);
+    EXPECT_EQ(message.Data, u"Hello");
+    EXPECT_EQ(message.Sender, "+31611111111");
+}
+
+TEST_F(Session, LengthsOutOfRangeEndTheSession) {
+    for (const char* octets : {"\x00\x00\x00\x0F", "\x00\x01\x00\x01", "\xFF\xFF\xFF\xFF", "HTTP"}) {
+        CSmppSession other(log, parameters, reports, received, clock);
+        other.StartBind();
+        other.OnBytes({octets, 4});
+        EXPECT_EQ(other.GetState(), CSmppSession::State::kClosed);
+    }
+}
+
+TEST_F(Session, TheWindowBoundsWhatIsUnanswered) {
+    parameters.windowSize = 3;
+    Bind();
+    for (int i = 0; i < 5; ++i) Queue(std::to_string(i));
+    session.OnTick();
+    EXPECT_EQ(TakeOutput(), (std::vector<Sent>{{4, 0, 2}, {4, 0, 3}, {4, 0, 4}}));
+    Response(3, "B");
+    session.OnTick();
+    EXPECT_EQ(TakeOutput(), (std::vector<Sent>{{4, 0, 5}}));
+    EXPECT_EQ(Status("0"), 10);
+    EXPECT_EQ(Status("1"), 1);
+    EXPECT_EQ(reports.Query("1")->providerReference, "B");
+    Response(3, "B");  // a second answer is nobody's
+    EXPECT_EQ(session.InFlight(), 3U);
+}
+
+TEST_F(Session, SubmitStatusesBecomeResults) {
+    Bind();
+    struct Row {
+        std::uint32_t answer;
+        bool report;
+        std::int32_t status, code;
+    };
+    std::uint32_t sequence = 2;
+    for (const Row& row : {Row{0, false, 11, 0}, Row{0, true, 1, 0}, Row{0x58, true, 8, 33217}, Row{0x14, true, 8, 33217},
+                           Row{0x0B, true, 8, 33216}, Row{0x401, true, 13, 33225}, Row{0x45, true, 8, 33215}}) {
+        Queue("r", row.report);
+        session.OnTick();
+        Response(sequence++, "id", row.answer);
+        EXPECT_EQ(Status("r"), row.status) << row.answer;
+        EXPECT_EQ(reports.Query("r")->statusCode, row.code) << row.answer;
+    }
+    Queue("n");
+    session.OnTick();
+    session.OnBytes(Pdu(0x80000000, 3, sequence));
+    EXPECT_EQ(Status("n"), 8);
+}
+
+TEST_F(Session, UnansweredSubmitsExpireAfterTwentySeconds) {
+    Bind();
+    parameters.serverKeepAlive = 0;
+    Queue("a");
+    session.OnTick();
+    clock.Sleep(19'999);
+    session.OnTick();
+    EXPECT_EQ(Status("a"), 10);
+    clock.Sleep(1);
+    session.OnTick();
+    EXPECT_EQ(Status("a"), 12);
+    EXPECT_EQ(reports.Query("a")->statusCode, -1);
+    EXPECT_EQ(session.InFlight(), 0U);
+}
+
+TEST_F(Session, TenUnansweredKeepAlivesEndTheSession) {
+    Bind();
+    Queue("waiting");
+    parameters.windowSize = 1;
+    for (int i = 0; i < 10; ++i) {
+        clock.Sleep(30'000);
+        session.OnTick();
+        EXPECT_EQ(session.GetState(), CSmppSession::State::kBound) << i;
+    }
+    clock.Sleep(30'000);
+    session.OnTick();
+    EXPECT_EQ(session.GetState(), CSmppSession::State::kClosed);
+    EXPECT_EQ(session.CloseCode(), 33206);
+}
+
+TEST_F(Session, AnAnsweredKeepAliveCountsAnew) {
+    Bind();
+    for (int i = 0; i < 30; ++i) {
+        clock.Sleep(30'000);
+        session.OnTick();
+        session.OnBytes(Pdu(0x80000015, 0, TakeOutput().back().sequence));
+    }
+    EXPECT_EQ(session.GetState(), CSmppSession::State::kBound);
+}
+
+TEST_F(Session, ReceiptsFindTheirMessageAlsoWhenTheyOvertakeTheResponse) {
+    Bind();
+    Queue("a");
+    Queue("b");
+    session.OnTick();
+    session.OnBytes(Deliver(50, "id:00B sub:001 done date:2311150001 stat:DELIVRD err:000", 4));
+    EXPECT_EQ(Status("b"), 10);
+    Response(2, "A");
+    Response(3, "00b");
+    EXPECT_EQ(Status("b"), 2);
+    session.OnBytes(Deliver(51, "id:A stat:UNDELIV err:5", 4));
+    EXPECT_EQ(Status("a"), 5);
+    EXPECT_EQ(reports.Query("a")->statusCode, 5);
+    EXPECT_EQ(received.Count(), 0U);
+    session.OnBytes(Deliver(52, "id:unknown stat:DELIVRD", 4));
+    EXPECT_EQ(received.Count(), 0U);
+    session.OnClosed();
+    CSmsMessageX message;
+    ASSERT_EQ(received.First(message), 0);  // nobody's receipt is given as a message, not lost
+    EXPECT_EQ(message.Format, 30);
+}
+
+TEST_F(Session, ReceiptsByTlv) {
+    using namespace std::string_literals;
+    Bind();
+    Queue("a");
+    session.OnTick();
+    Response(2, "M1");
+    const std::string id = "\x00\x1E\x00\x03M1\0"s;
+    std::string pdu = Deliver(60, "", 4) + id + "\x04\x27\x00\x01\x05"s;
+    pdu[3] = static_cast<char>(pdu.size());
+    session.OnBytes(pdu);
+    EXPECT_EQ(Status("a"), 5);
+    std::string stateless = Deliver(61, "", 4) + id;
+    stateless[3] = static_cast<char>(stateless.size());
+    session.OnBytes(stateless);
+    EXPECT_EQ(Status("a"), 5);
+    EXPECT_EQ(received.Count(), 0U);
+}
+
+TEST_F(Session, NothingVanishesWhenTheSessionDies) {
+    parameters.windowSize = 1;
+    Bind();
+    Queue("sent");
+    Queue("queued");
+    session.OnTick();
+    session.OnClosed();
+    EXPECT_EQ(Status("sent"), 12);
+    EXPECT_EQ(Status("queued"), 12);
+}
+
+TEST_F(Session, ThroughputSpacesTheMessages) {
+    parameters.throughput = 10;
+    parameters.windowSize = 1000;
+    parameters.serverKeepAlive = 0;
+    Bind();
+    for (int i = 0; i < 100; ++i) Queue(std::to_string(i));
+    for (int ms = 0; ms < 3000; ++ms) {
+        session.OnTick();
+        clock.Sleep(1);
+    }
+    const std::size_t sent = TakeOutput().size();
+    EXPECT_GE(sent, 30U);
+    EXPECT_LE(sent, 31U);
+}
+
+// --- the protocol's own checks; no server is needed
+
+TEST(SmppProtocol, RefusesWhatCannotBeConnected) {
+    CSmppProtocol smpp;
+    for (const std::int32_t port : {0, -1, 65536}) {
+        smpp.parameters.serverPort = port;
+        EXPECT_EQ(smpp.Connect(), 22019);
+    }
+    smpp.parameters.serverPort = 1;
+    EXPECT_EQ(smpp.Connect(), 22021);
+    smpp.parameters.server = "127.0.0.1";  // nothing listens there
+    smpp.parameters.serverTimeout = 2000;
+    EXPECT_EQ(smpp.Connect(), 33201);
+    EXPECT_FALSE(smpp.IsConnected());
+    std::string references;
+    EXPECT_EQ(smpp.Send({}, references), 33205);
+    CSmsDeliveryReport report;
+    EXPECT_EQ(smpp.QueryStatus("", false, report), 34050);
+    EXPECT_EQ(smpp.QueryStatus("x", true, report), 33061);
+}
+
+}  // namespace
