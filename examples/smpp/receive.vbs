@@ -1,0 +1,26 @@
+' Receives messages for some seconds: cscript receive.vbs 127.0.0.1 2775 user password [seconds]
+Option Explicit
+Dim smpp, message, seconds, i
+
+seconds = 2
+If WScript.Arguments.Count > 4 Then seconds = CLng(WScript.Arguments(4))
+Set smpp = CreateObject("Quorvane.SmsProtocolSmpp")
+smpp.Server = WScript.Arguments(0)
+smpp.ServerPort = WScript.Arguments(1)
+smpp.SystemID = WScript.Arguments(2)
+smpp.SystemPassword = WScript.Arguments(3)
+smpp.SystemMode = 2
+smpp.Connect
+If smpp.LastError <> 0 Then
+    WScript.Echo "Connect failed: " & smpp.LastError & " " & smpp.GetErrorDescription(smpp.LastError)
+    WScript.Quit 1
+End If
+For i = 1 To seconds * 2
+    smpp.Sleep 500
+    Set message = smpp.GetFirstMessage()
+    While smpp.LastError = 0
+        WScript.Echo "From " & message.Sender & ": " & message.Data
+        Set message = smpp.GetNextMessage()
+    Wend
+Next
+smpp.Disconnect

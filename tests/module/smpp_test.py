@@ -1,0 +1,195 @@
+"""The SMPP channel of the registered module, from scripts, against the lab's SMSC."""
+import contextlib
+import json
+import pathlib
+import re
+import subprocess
+import sys
+import time
+import unittest
+
+sys.path.insert(0, str(pathlib.Path(__file__).parent))
+import wine  # noqa: E402
+
+EXAMPLES = wine.ROOT / "examples/smpp"
+
+HEAD = """
+var smpp = new ActiveXObject("Quorvane.SmsProtocolSmpp");
+smpp.Server = "127.0.0.1";
+smpp.ServerPort = Number(WScript.Arguments.Item(0));
+smpp.ServerTimeout = 3000;
+smpp.SystemID = "test";
+function Message(text) {
+    var message = new ActiveXObject("Quorvane.SmsMessage");
+    message.Recipient = "+31612345678";
+    message.Data = text;
+    message.RequestDeliveryStatus = true;
+    return message;
+}
+function Show(what) { WScript.Echo(what + "|" + smpp.LastError); }
+"""
+
+
+class Smsc:
+    def __init__(self, folder, options, rules):
+        self.record, log = folder / "smsc.json", folder / "smsc.txt"
+        arguments = [sys.executable, wine.ROOT / "lab/smsc.py", "--port", 0, "--record", self.record, *options]
+        if rules:
+            (folder / "rules.json").write_text(json.dumps(rules), encoding="utf-8")
+            arguments += ["--scenario", folder / "rules.json"]
+        self.output = open(log, "w", encoding="utf-8")
+        self.process = subprocess.Popen(list(map(str, arguments)), stdout=self.output, stderr=subprocess.STDOUT)
+        deadline = time.time() + 10
+        while not (ready := re.search(r"ready on port (\d+)", log.read_text(encoding="utf-8"))):
+            if time.time() > deadline:
+                raise RuntimeError("the lab SMSC does not start")
+            time.sleep(0.02)
+        self.port = ready[1]
+
+    def entries(self, key):
+        if not self.record.exists():
+            return []
+        rows = [json.loads(line) for line in self.record.read_text(encoding="utf-8").splitlines()]
+        return [row for row in rows if key in row]
+
+    def close(self):
+        self.process.terminate()
+        self.process.wait()
+        self.output.close()
+
+
+@contextlib.contextmanager
+def smsc(*options, rules=None):
+    with wine.folder() as path:
+        started = Smsc(path, options, rules)
+        try:
+            yield started
+        finally:
+            started.close()
+
+
+def run_script(server, body, timeout=120):
+    with wine.folder() as path:
+        file = path / "test.js"
+        file.write_text(HEAD + body, encoding="utf-8")
+        started = time.time()
+        code, output = wine.script(file, server.port, timeout=timeout)
+        return output.split("\n")[:-1], time.time() - started, code
+
+
+class Examples(unittest.TestCase):
+    def test_send(self):
+        for kind in ("vbs", "js"):
+            with self.subTest(kind), smsc("--password", "secret") as server:
+                arguments = ("127.0.0.1", server.port, "me")
+                self.assertEqual(wine.script(EXAMPLES / f"send.{kind}", *arguments, "wrong", "+31612345678", "Hi"),
+                                 (1, "Connect failed: 33204 Invalid Password specified\n"))
+                self.assertEqual(wine.script(EXAMPLES / f"send.{kind}", *arguments, "secret", "+31612345678", "Hi"),
+                                 (0, "Status: Delivered\n"))
+
+    def test_receive(self):
+        with smsc("--deliver", "+31611111111 One", "--deliver", "parts:3,1,2 +31622222222 In three parts") as server:
+            code, output = wine.script(EXAMPLES / "receive.vbs", "127.0.0.1", server.port, "me", "pw", "1")
+            self.assertEqual((code, output), (0, "From +31611111111: One\nFrom +31622222222: In three parts\n"))
+
+
+class Session(unittest.TestCase):
+    def test_every_kind_of_receipt_is_matched(self):
+        for options in ([], ["--ids", "dec"], ["--receipt-ids", "dec"], ["--receipt-ids", "hex"], ["--receipts", "tlv"],
+                        ["--seconds"], ["--early"]):
+            with self.subTest(options), smsc(*options) as server:
+                lines, _, _ = run_script(server, """
+smpp.Connect(); Show(smpp.IsConnected);
+var reference = smpp.Send(Message(new Array(40).join("A long text. ")));
+var status = smpp.QueryStatus(reference, true);
+Show(status.StatusDescription + " " + reference.split(";").length);
+smpp.Disconnect(); Show(smpp.IsConnected);
+""")
+                self.assertEqual(lines, ["-1|0", "Delivered 4|0", "0|0"])
+                text = "".join(entry["text"] for entry in server.entries("text"))
+                self.assertEqual(text, "A long text. " * 39)
+
+    def test_statuses_and_misbehaviour(self):
+        rows = [
+            ("throttled", [{"match": "submit_sm", "do": "status", "status": 0x58}], "Rejected 33217|0", 5),
+            ("address", [{"match": "submit_sm", "do": "status", "status": 0x0B}], "Rejected 33216|0", 5),
+            ("credit", [{"match": "submit_sm", "do": "status", "status": 0x401}], "Insufficient credits 33225|0", 5),
+            ("nack", [{"match": "submit_sm", "do": "nack"}], "Rejected 33215|0", 5),
+            ("bytewise", [{"match": "submit_sm", "do": "bytewise"}], "Enroute 0|33206", 8),
+            ("silence", [{"match": "submit_sm", "do": "silence"}], "Submit requested 0|33206", 12),
+            ("garbage", [{"match": "submit_sm", "do": "garbage", "hex": "0000000500"}], "Failed 33205|0", 5),
+            ("half", [{"match": "submit_sm", "do": "half"}], "Submit requested 0|33206", 12),
+            ("disconnect", [{"match": "submit_sm", "do": "disconnect"}], "Failed 33205|0", 5),
+            ("silent unbind", [{"match": "unbind", "do": "silence"}], "Enroute 0|33206", 10),
+        ]
+        for name, rules, wanted, limit in rows:
+            with self.subTest(name), smsc("--receipts", "none", rules=rules) as server:
+                lines, seconds, _ = run_script(server, """
+smpp.Connect();
+var status = smpp.QueryStatus(smpp.Send(Message("x")), true);
+Show(status.StatusDescription + " " + status.StatusCode);
+smpp.Disconnect();
+""")
+                self.assertEqual(lines, [wanted])
+                self.assertLess(seconds, limit + 4)
+
+    def test_connecting_fails_clearly(self):
+        for name, rules, body, wanted in [
+            ("silent bind", [{"match": "bind", "do": "silence"}], "", "33206"),
+            ("dropped bind", [{"match": "bind", "do": "disconnect"}], "", "33201"),
+            ("garbage bind", [{"match": "bind", "do": "garbage", "hex": "FFFFFFFFFFFF"}], "", "33206"),
+            ("refused", [{"match": "bind", "do": "status", "status": 13}], "", "33202"),
+            ("version", [], "smpp.SystemVersion = 0x35;", "33209"),
+            ("port", [], "smpp.ServerPort = 70000;", "22019"),
+            ("server", [], "smpp.Server = '';", "22021"),
+            ("nobody there", [], "smpp.ServerPort = 1;", "33201"),
+            ("no such host", [], "smpp.Server = 'no.such.host.invalid';", "33201"),
+        ]:
+            with self.subTest(name), smsc(rules=rules) as server:
+                lines, _, _ = run_script(server, body + "smpp.Connect(); Show(''); Show(smpp.Send(Message('x')));")
+                self.assertEqual(lines[0], "|" + wanted)
+                self.assertEqual(lines[1].split("|")[1], "33205")
+
+    def test_tlvs_and_provider_files(self):
+        with wine.folder() as path, smsc() as server:
+            file = json.dumps(wine.windows_path(path / "provider.ini"))
+            lines, _, _ = run_script(server, f"""
+smpp.SetTLVValue(2, 0x020B, 2948); Show("");
+smpp.SetTLVValue(4, 0x001D, "text"); Show("");
+smpp.SetTLVValue(9, 1, 1); Show("");
+smpp.SetTLVValue(1, 0x10000, 1); Show("");
+smpp.SetTLVValue(1, 5, smpp); Show("");
+smpp.GetTLVValue(77); Show("");
+Show(smpp.sysTLVRecordsTX);
+smpp.SystemType = "kept"; smpp.ProviderSaveConfig({file}); Show("");
+smpp.SystemType = ""; smpp.sysTLVRecordsTX = ""; smpp.ProviderLoadConfig({file}); Show(smpp.SystemType);
+Show(smpp.sysTLVRecordsTX);
+smpp.ProviderLoadConfig("c:\\\\none.ini"); Show("");
+smpp.Send(smpp); Show("");
+smpp.Connect(); var r = smpp.Send(Message("x")); smpp.QueryStatus(r, true); smpp.Disconnect();
+""")
+            self.assertEqual(lines, ["|0", "|0", "|33230", "|33231", "|33005", "|33232", "523;;2;;2948||29;;4;;text|||33232", "|0",
+                                     "kept|0", "523;;2;;2948||29;;4;;text|||0", "|33050", "|34040"])
+            self.assertEqual(server.entries("tlvs")[0]["tlvs"], {"020B": "0B84", "001D": "7465787400"})
+
+    def test_many_connections_and_messages(self):
+        with smsc("--quiet", "--receipts", "none") as server:
+            lines, _, _ = run_script(server, """
+var all = [];
+for (var i = 0; i < 10; ++i) {
+    var one = new ActiveXObject("Quorvane.SmsProtocolSmpp");
+    one.Server = "127.0.0.1"; one.ServerPort = smpp.ServerPort; one.Connect();
+    all.push(one);
+}
+var message = Message("x"); message.RequestDeliveryStatus = 0;
+for (var n = 0; n < 20; ++n) for (var i = 0; i < 10; ++i) all[i].Send(message);
+for (var i = 0; i < 10; ++i) { all[i].Disconnect(); if (all[i].LastError != 0) WScript.Echo("failed"); }
+for (var i = 0; i < 50; ++i) { smpp.Connect(); if (smpp.LastError != 0) WScript.Echo("failed"); smpp.Disconnect(); }
+Show("done");
+""")
+            self.assertEqual(lines, ["done|0"])
+            self.assertEqual(len(server.entries("text")), 200)
+
+
+if __name__ == "__main__":
+    unittest.main()
