@@ -1,5 +1,5 @@
 // Calls per second of one property, through IDispatch::Invoke and through the vtable.
-#include "../../tests/module/Com.h"
+#include "Com.h"
 
 #include <chrono>
 #include <cstdio>

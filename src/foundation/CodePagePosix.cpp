@@ -16,6 +16,10 @@ std::string ToAnsi(std::u16string_view text) {
     std::string out;
     out.reserve(text.size());
     for (const char16_t c : text) {
+        if (c < 0x80) {
+            out.push_back(static_cast<char>(c));
+            continue;
+        }
         const auto* const hit = std::ranges::find(kUpperControls, c);
         if (hit != kUpperControls.end()) {
             out.push_back(static_cast<char>(0x80 + (hit - kUpperControls.begin())));

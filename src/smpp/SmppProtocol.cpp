@@ -1,13 +1,13 @@
 #include "smpp/SmppProtocol.h"
 
-#include <array>
-#include <cstdio>
-#include <system_error>
-
 #include "foundation/CodePage.h"
 #include "foundation/IniFile.h"
 #include "foundation/Text.h"
 #include "frame/ErrorTexts.h"
+
+#include <array>
+#include <cstdio>
+#include <system_error>
 
 namespace {
 
@@ -15,6 +15,7 @@ constexpr auto kStartTime = std::chrono::milliseconds(5000);
 constexpr std::uint32_t kUnbindTime = 5000;
 constexpr std::uint32_t kSendSlice = 20;
 constexpr std::size_t kReadSize = 65536;
+constexpr std::uint32_t kGatherTime = 1;
 constexpr std::uint32_t kQueryPause = 20;
 
 // The provider file: one row a setting.
@@ -102,7 +103,8 @@ std::int32_t CSmppProtocol::Connect() {
         std::unique_lock guard(lock_);
         if (!changed_.wait_for(guard, kStartTime, [this] { return started_; })) {
             code = result::ThreadCreationFailed;
-        } else if (!changed_.wait_for(guard, std::chrono::milliseconds(timeout), [this] { return bindAnswered_; })) {
+        } else if (!changed_.wait_for(guard, std::chrono::milliseconds(timeout),
+                                      [this] { return bindAnswered_; })) {
             code = result::SmppTimedOut;
         } else {
             code = bindResult_;
@@ -110,14 +112,16 @@ std::int32_t CSmppProtocol::Connect() {
     }
     const std::string text(DescribeError(code));
     Log(logmask::kActivity | logmask::kVerbatim,
-        "CONNECT [Velqar Build %s], Server=[%s:%d] , SystemID=[%s], SourceTON=[%d], SourceNPI=[%d], AddressRange=[%s], "
+        "CONNECT [Velqar Build %s], Server=[%s:%d] , SystemID=[%s], SourceTON=[%d], SourceNPI=[%d], "
+        "AddressRange=[%s], "
         "Result = [%s]\n\n",
         product::kBuild, parameters.server.c_str(), parameters.serverPort, parameters.systemId.c_str(),
         parameters.sourceTon, parameters.sourceNpi, parameters.addressRange.c_str(), text.c_str());
     if (code == result::Success) {
         Log(logmask::kVerbatim, "Connected to server %s\n", parameters.server.c_str());
     } else {
-        Log(logmask::kVerbatim, "Failed to connect server %s ( %s )\n", parameters.server.c_str(), text.c_str());
+        Log(logmask::kVerbatim, "Failed to connect server %s ( %s )\n", parameters.server.c_str(),
+            text.c_str());
         Disconnect();
     }
     return code;
@@ -191,10 +195,11 @@ std::int32_t CSmppProtocol::QueryStatus(std::string_view references, bool wait, 
     }
     const std::string text(references);
     if (code == result::QueryFailed) {
-        Log(logmask::kVerbatim, "Query status for message '%s' failed ( %s )\n", text.c_str(), DescribeError(code).data());
+        Log(logmask::kVerbatim, "Query status for message '%s' failed ( %s )\n", text.c_str(),
+            DescribeError(code).data());
     } else {
-        Log(logmask::kVerbatim, "Query successfull for message '%s' : %s ( SME Errorcode : %d )\n", text.c_str(),
-            DeliveryStatusText(report.status).data(), report.statusCode);
+        Log(logmask::kVerbatim, "Query successfull for message '%s' : %s ( SME Errorcode : %d )\n",
+            text.c_str(), DeliveryStatusText(report.status).data(), report.statusCode);
     }
     return code;
 }
@@ -211,16 +216,18 @@ void CSmppProtocol::SignalBind(std::int32_t code) {
     changed_.notify_all();
 }
 
-void CSmppProtocol::TakeIntake(CSmppSession& session) {
+bool CSmppProtocol::TakeIntake(CSmppSession& session) {
     std::vector<SmppQueuedSubmit> taken;
     {
         const std::scoped_lock guard(lock_);
         taken.swap(intake_);
     }
     for (SmppQueuedSubmit& submit : taken) session.Queue(std::move(submit));
+    return !taken.empty();
 }
 
-// Sends what is ready in one go; what the connection does not take stays for the next time. False when it is gone.
+// Sends what is ready in one go; what the connection does not take stays for the next time. False when it is
+// gone.
 bool CSmppProtocol::Flush(CSmppSession& session) {
     std::string& output = session.Output();
     if (output.empty()) return true;
@@ -234,7 +241,13 @@ bool CSmppProtocol::Flush(CSmppSession& session) {
     return code == tcp::kSuccess || code == tcp::kTotalTimedOut || code == tcp::kIdleTimedOut;
 }
 
-void CSmppProtocol::WaitForWork(const CSmppSession& session) {
+// While the caller sends one message after another it need not wake the worker for each: the worker comes by
+// soon.
+void CSmppProtocol::WaitForWork(const CSmppSession& session, bool callerIsSending) {
+    if (callerIsSending) {
+        waiter_.Wait(net::kInvalid, kGatherTime);
+        return;
+    }
     sleeping_ = true;
     bool work = stop_;
     {
@@ -248,7 +261,7 @@ void CSmppProtocol::WaitForWork(const CSmppSession& session) {
 // One round of reading, ticking and writing. False when the connection has ended.
 bool CSmppProtocol::Pump(CSmppSession& session) {
     thread_local std::vector<char> buffer(kReadSize);
-    TakeIntake(session);
+    const bool taken = TakeIntake(session);
     std::size_t received = 0;
     const int code = socket_.Receive(buffer.data(), buffer.size(), received);
     if (code != tcp::kSuccess) return false;
@@ -256,7 +269,8 @@ bool CSmppProtocol::Pump(CSmppSession& session) {
     session.OnTick();
     if (!Flush(session)) return false;
     if (session.GetState() == CSmppSession::State::kClosed) return false;
-    if (received == 0 && session.Output().empty()) WaitForWork(session);
+    if ((received == 0 || taken) && session.Output().empty())
+        WaitForWork(session, taken && !session.IsWindowFull());
     return true;
 }
 
@@ -293,8 +307,11 @@ void CSmppProtocol::Work() {
         }
         if (connected && session.GetState() == State::kBound) {
             session.StartUnbind();
-            const Timer unbind(GetClock(), std::min(kUnbindTime, static_cast<std::uint32_t>(std::max(active_.serverTimeout, 0))));
-            while (connected && session.GetState() == State::kUnbinding && !unbind.Expired()) connected = Pump(session);
+            const Timer unbind(
+                GetClock(),
+                std::min(kUnbindTime, static_cast<std::uint32_t>(std::max(active_.serverTimeout, 0))));
+            while (connected && session.GetState() == State::kUnbinding && !unbind.Expired())
+                connected = Pump(session);
         }
     } catch (const std::exception& error) {
         Log(logmask::kLog, "EXCEPTION [%s], source=[SmppProtocol], line=[%d]", error.what(), __LINE__);
@@ -311,7 +328,8 @@ void CSmppProtocol::Work() {
 std::int32_t CSmppProtocol::SaveConfig(const std::string& file) {
     IniFile ini = IniFile::Load(file);
     for (const TextKey& row : kTextKeys) ini.SetText(kSection, row.key, parameters.*row.field);
-    for (const NumberKey& row : kNumberKeys) ini.SetText(kSection, row.key, std::to_string(parameters.*row.field));
+    for (const NumberKey& row : kNumberKeys)
+        ini.SetText(kSection, row.key, std::to_string(parameters.*row.field));
     ini.SetText(kSection, "AdvancedSettings", AdvancedSettings());
     ini.SetText(kSection, "SystemTLVRecords", ToAnsi(parameters.transmitTlvs.ToText()));
     const std::int32_t code = !file.empty() && ini.Save(file) ? result::Success : result::ConfigSaveFailed;
@@ -324,7 +342,8 @@ std::int32_t CSmppProtocol::LoadConfig(const std::string& file) {
     if (!IniFile::Exists(file)) return result::ConfigNotFound;
     const IniFile ini = IniFile::Load(file);
     if (ini.Lines(kSection).empty()) return result::ConfigCorrupt;
-    for (const TextKey& row : kTextKeys) parameters.*row.field = ini.Text(kSection, row.key, parameters.*row.field);
+    for (const TextKey& row : kTextKeys)
+        parameters.*row.field = ini.Text(kSection, row.key, parameters.*row.field);
     for (const NumberKey& row : kNumberKeys) {
         const std::string text = ini.Text(kSection, row.key);
         if (!text.empty()) parameters.*row.field = ToInt(text);

@@ -1,5 +1,11 @@
 // The SMPP channel: one connection, its worker thread, and the calls that a caller's thread makes on it.
 #pragma once
+#include "foundation/KorTcpSocket.h"
+#include "frame/VrmBase.h"
+#include "smpp/SmppParameters.h"
+#include "smpp/SmppSession.h"
+#include "smpp/SmppSubmit.h"
+
 #include <atomic>
 #include <condition_variable>
 #include <cstdint>
@@ -9,12 +15,6 @@
 #include <string>
 #include <thread>
 #include <vector>
-
-#include "foundation/KorTcpSocket.h"
-#include "frame/VrmBase.h"
-#include "smpp/SmppParameters.h"
-#include "smpp/SmppSession.h"
-#include "smpp/SmppSubmit.h"
 
 class CSmppProtocol : public CVrmBase {
   public:
@@ -33,18 +33,19 @@ class CSmppProtocol : public CVrmBase {
     // 0; 1010, 22019, 22021, 33201 to 33206, 33209.
     [[nodiscard]] std::int32_t Connect();
 
-    // Sends what is queued, unbinds and joins the worker; takes ServerTimeout at the most for the messages and 5 s at
-    // the most for the unbind. What could not be sent gets the status "Failed".
+    // Sends what is queued, unbinds and joins the worker; takes ServerTimeout at the most for the messages
+    // and 5 s at the most for the unbind. What could not be sent gets the status "Failed".
     std::int32_t Disconnect();
     bool IsConnected() const { return bound_; }
 
-    // Queues a message and gives its reference; several parts are joined by ";". 33205 when not connected, and the
-    // codes of SmppSubmitBuilder.
+    // Queues a message and gives its reference; several parts are joined by ";". 33205 when not connected,
+    // and the codes of SmppSubmitBuilder.
     [[nodiscard]] std::int32_t Send(const CSmsMessageX& message, std::string& references);
 
     // The report of references as Send gave them. With `wait`, waits until it is final, the session ends or
     // ServerTimeout has passed (33206, the report as it is then). 34050, 33061.
-    [[nodiscard]] std::int32_t QueryStatus(std::string_view references, bool wait, CSmsDeliveryReport& report);
+    [[nodiscard]] std::int32_t QueryStatus(std::string_view references, bool wait,
+                                           CSmsDeliveryReport& report);
 
     [[nodiscard]] std::int32_t LoadConfig(const std::string& file);
     [[nodiscard]] std::int32_t SaveConfig(const std::string& file);
@@ -56,8 +57,8 @@ class CSmppProtocol : public CVrmBase {
     void Work();
     bool Pump(CSmppSession& session);
     bool Flush(CSmppSession& session);
-    void TakeIntake(CSmppSession& session);
-    void WaitForWork(const CSmppSession& session);
+    bool TakeIntake(CSmppSession& session);
+    void WaitForWork(const CSmppSession& session, bool callerIsSending);
     void SignalBind(std::int32_t code);
     std::string NewReference();
 

@@ -1,12 +1,12 @@
 #include "smpp/SmppSession.h"
 
-#include <array>
-#include <cstdio>
-
 #include "Common/SmppPdu/TLVTags.h"
 #include "foundation/CodePage.h"
 #include "frame/ErrorTexts.h"
 #include "smpp/SmppSubmit.h"
+
+#include <array>
+#include <cstdio>
 
 namespace {
 
@@ -186,8 +186,8 @@ void CSmppSession::OnBytes(std::string_view octets) {
     while (state_ != State::kClosed && rest.size() >= 4) {
         const std::uint32_t length = ReadLength(rest);
         if (length < CSmppPdu::kHeaderSize || length > kLargestPdu) {
-            log_->Log(logmask::kVerbatim | logmask::kActivity, "Invalid PDU length [0x%08X], closing the session\n",
-                      static_cast<unsigned>(length));
+            log_->Log(logmask::kVerbatim | logmask::kActivity,
+                      "Invalid PDU length [0x%08X], closing the session\n", static_cast<unsigned>(length));
             state_ = State::kClosed;
             break;
         }
@@ -212,9 +212,10 @@ void CSmppSession::Dispatch(std::string_view octets) {
             CSmppBindTransceiverResp pdu;
             pdu.SetData(Octets(octets));
             pdu.Decode();
-            const char* name = header_.command_id == CSmppBindReceiverResp::kCommandId      ? "bind_receiver_resp"
-                               : header_.command_id == CSmppBindTransmitterResp::kCommandId ? "bind_transmitter_resp"
-                                                                                            : "bind_transceiver_resp";
+            const char* name = header_.command_id == CSmppBindReceiverResp::kCommandId ? "bind_receiver_resp"
+                               : header_.command_id == CSmppBindTransmitterResp::kCommandId
+                                   ? "bind_transmitter_resp"
+                                   : "bind_transceiver_resp";
             log_->Log(logmask::kVerbatim, "Receiving [%s]...\n", name);
             Trace(pdu);
             OnBindResponse();
@@ -279,9 +280,9 @@ void CSmppSession::OnSubmitResponse(std::string_view octets) {
 
 void CSmppSession::Finish(const InFlightSubmit& submit, std::uint32_t status, const std::string& messageId) {
     if (status == 0) {
-        reports_->SetStatus(submit.reference,
-                            submit.wantsReport ? sms::asDELIVERYSTATUS_ENROUTE : sms::asDELIVERYSTATUS_SUBMITTED, 0);
-        if (!messageId.empty()) reports_->RecordProviderReference(submit.reference, messageId);
+        reports_->RecordAnswer(
+            submit.reference,
+            submit.wantsReport ? sms::asDELIVERYSTATUS_ENROUTE : sms::asDELIVERYSTATUS_SUBMITTED, messageId);
         answered_ = true;
         return;
     }
@@ -292,13 +293,15 @@ void CSmppSession::Finish(const InFlightSubmit& submit, std::uint32_t status, co
     }
     const std::int32_t code = SubmitResult(status);
     log_->Log(logmask::kVerbatim | logmask::kActivity, "Sending failed (%s)\n", DescribeError(code).data());
-    reports_->SetStatus(submit.reference,
-                        code == result::SmppNoCredits ? sms::asDELIVERYSTATUS_NOCREDITS : sms::asDELIVERYSTATUS_REJECTED,
-                        code);
+    reports_->SetStatus(
+        submit.reference,
+        code == result::SmppNoCredits ? sms::asDELIVERYSTATUS_NOCREDITS : sms::asDELIVERYSTATUS_REJECTED,
+        code);
 }
 
 template <class Body>
-CSmsMessageX CSmppSession::MessageOf(const Body& body, const std::u16string& text, const CTLVRecords& tlvs) const {
+CSmsMessageX CSmppSession::MessageOf(const Body& body, const std::u16string& text,
+                                     const CTLVRecords& tlvs) const {
     CSmsMessageX message;
     const auto number = [](const std::string& digits, std::uint8_t ton) {
         return ton == 1 && !digits.empty() && digits.front() != '+' ? "+" + digits : digits;
@@ -370,13 +373,14 @@ void CSmppSession::OnData(std::string_view octets) {
     Send(response, "data_sm_resp");
 }
 
-// First the receipt in the text, then the one in the optional parameters; what is neither is a message. A receipt
-// whose message is not known yet is held back until the response that names it.
+// First the receipt in the text, then the one in the optional parameters; what is neither is a message. A
+// receipt whose message is not known yet is held back until the response that names it.
 void CSmppSession::Receive(CSmsMessageX message) {
     const bool marked = (message.ESM & 0x3C) == kReceiptBit;
     if (TakeReceipt(message)) return;
     if (marked && held_.size() < kMostHeldReceipts) {
-        if (const auto receipt = ParseReceipt(ToAnsi(message.Data), *clock_); receipt && !receipt->id.empty()) {
+        if (const auto receipt = ParseReceipt(ToAnsi(message.Data), *clock_);
+            receipt && !receipt->id.empty()) {
             held_.push_back({*receipt, std::move(message), clock_->Ticks()});
             return;
         }
@@ -389,7 +393,8 @@ bool CSmppSession::TakeReceipt(const CSmsMessageX& message) {
     bool taken = false;
     if (const auto receipt = ParseReceipt(ToAnsi(message.Data), *clock_); receipt && !receipt->id.empty()) {
         if (const auto reference = reports_->ApplyReceipt(*receipt)) {
-            log_->Log(logmask::kActivity, "New deliveryreport received for message [%s]\n", reference->c_str());
+            log_->Log(logmask::kActivity, "New deliveryreport received for message [%s]\n",
+                      reference->c_str());
             taken = true;
         }
     }
@@ -418,7 +423,8 @@ void CSmppSession::RetryReceipts(bool expireAll) {
     waiting.swap(held_);
     for (HeldReceipt& held : waiting) {
         if (const auto reference = reports_->ApplyReceipt(held.receipt)) {
-            log_->Log(logmask::kActivity, "New deliveryreport received for message [%s]\n", reference->c_str());
+            log_->Log(logmask::kActivity, "New deliveryreport received for message [%s]\n",
+                      reference->c_str());
         } else if (!expireAll && now - held.since < kResponseTime) {
             held_.push_back(std::move(held));
         } else {
@@ -448,10 +454,11 @@ void CSmppSession::OnTick() {
 }
 
 std::uint32_t CSmppSession::NextTick() const {
-    if (state_ == State::kBound && !queue_.empty() && parameters_->throughput > 0 &&
-        inFlight_.size() < static_cast<std::size_t>(std::max(parameters_->windowSize, 1))) {
+    if (state_ == State::kBound && !queue_.empty() && parameters_->throughput > 0 && !IsWindowFull()) {
         const std::uint64_t now = ticks_ * 1000;
-        return pace_ > now ? static_cast<std::uint32_t>(std::min<std::uint64_t>((pace_ - now) / 1000 + 1, kIdleTick)) : 1;
+        return pace_ > now
+                   ? static_cast<std::uint32_t>(std::min<std::uint64_t>((pace_ - now) / 1000 + 1, kIdleTick))
+                   : 1;
     }
     const auto interval = static_cast<std::uint32_t>(std::max(parameters_->serverKeepAlive, 0)) * 1000U;
     return interval != 0 ? std::min(interval, kIdleTick) : kIdleTick;
@@ -485,7 +492,7 @@ void CSmppSession::ExpireSubmits() {
 
 // Messages go out evenly spaced when a throughput is set; a pause does not save up more than one message.
 void CSmppSession::Submit() {
-    const auto window = static_cast<std::size_t>(std::max(parameters_->windowSize, 1));
+    const std::size_t window = Window();
     const std::uint64_t now = ticks_ * 1000;
     const std::uint32_t submitted = clock_->Ticks();
     const std::uint64_t spacing =

@@ -1,17 +1,17 @@
-// The SMPP session as a machine without I/O: it takes octets, ticks and messages, and yields octets and events.
-// The worker thread around it (SmppProtocol) reads, ticks and writes.
+// The SMPP session as a machine without I/O: it takes octets, ticks and messages, and yields octets and
+// events. The worker thread around it (SmppProtocol) reads, ticks and writes.
 #pragma once
-#include <cstdint>
-#include <deque>
-#include <string>
-#include <string_view>
-#include <unordered_map>
-
 #include "Common/SmppPdu/SmppPdus.h"
 #include "frame/KorBase.h"
 #include "smpp/SmppParameters.h"
 #include "sms/SmsDeliveryReports.h"
 #include "sms/SmsMessagesX.h"
+
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <unordered_map>
 
 // One encoded submit_sm on its way.
 struct SmppQueuedSubmit {
@@ -53,8 +53,11 @@ class CSmppSession {
     // Why the session closed by itself: 33206 after ten unanswered keep-alives, else 0.
     std::int32_t CloseCode() const { return closeCode_; }
     std::size_t InFlight() const { return inFlight_.size(); }
+    bool IsWindowFull() const { return inFlight_.size() >= Window(); }
 
   private:
+    std::size_t Window() const { return static_cast<std::size_t>(std::max(parameters_->windowSize, 1)); }
+
     struct InFlightSubmit {
         std::string reference;
         bool wantsReport;
@@ -103,7 +106,7 @@ class CSmppSession {
     std::uint32_t unansweredKeepAlives_ = 0;
     std::uint32_t lastKeepAlive_ = 0;
     std::uint32_t lastService_ = 0;
-    std::uint64_t pace_ = 0;  // microticks at which the next message may go
+    std::uint64_t pace_ = 0;   // microticks at which the next message may go
     std::uint64_t ticks_ = 0;  // ms, not wrapping
     std::uint32_t lastTick_ = 0;
     std::uint32_t dataReference_ = 0;

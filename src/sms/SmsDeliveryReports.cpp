@@ -57,14 +57,12 @@ void CSmsDeliveryReports::RecordSent(const std::string& reference, ReportWanted 
 
 void CSmsDeliveryReports::Insert(CSmsDeliveryReport report) {
     oldest_ = std::min(oldest_, report.createdTime);
-    const auto old = reports_.find(report.reference);
-    if (old != reports_.end()) {
-        ForgetProvider(old->second);
-        old->second = std::move(report);
-    } else {
-        std::string key = report.reference;
-        reports_.emplace(std::move(key), std::move(report));
-    }
+    // References mostly ascend, so that the end is the first place to look.
+    const auto before = reports_.size();
+    std::string key = report.reference;
+    const auto place = reports_.try_emplace(reports_.end(), std::move(key));
+    if (reports_.size() == before) ForgetProvider(place->second);
+    place->second = std::move(report);
 }
 
 void CSmsDeliveryReports::ForgetProvider(const CSmsDeliveryReport& report) {
@@ -75,17 +73,30 @@ void CSmsDeliveryReports::ForgetProvider(const CSmsDeliveryReport& report) {
     if (loose != byLooseId_.end() && loose->second == report.reference) byLooseId_.erase(loose);
 }
 
+void CSmsDeliveryReports::NameProvider(CSmsDeliveryReport& report, const std::string& providerReference) {
+    ForgetProvider(report);
+    report.providerReference = providerReference;
+    providerReferenceLength_ = providerReference.size();
+    byProvider_[providerReference] = report.reference;
+    byLooseId_[Loose(providerReference)] = report.reference;
+}
+
 void CSmsDeliveryReports::RecordProviderReference(const std::string& reference,
                                                   const std::string& providerReference) {
     const std::scoped_lock guard(lock_);
-    providerReferenceLength_ = providerReference.size();
     const auto report = reports_.find(reference);
-    if (report != reports_.end()) {
-        ForgetProvider(report->second);
-        report->second.providerReference = providerReference;
-    }
-    byProvider_[providerReference] = reference;
-    byLooseId_[Loose(providerReference)] = reference;
+    if (report != reports_.end()) NameProvider(report->second, providerReference);
+}
+
+void CSmsDeliveryReports::RecordAnswer(const std::string& reference, std::int32_t status,
+                                       const std::string& providerReference) {
+    const std::scoped_lock guard(lock_);
+    const auto report = reports_.find(reference);
+    if (report == reports_.end()) return;
+    report->second.status = status;
+    report->second.statusCode = 0;
+    report->second.completedTime = IsCompletedStatus(status) ? static_cast<std::int32_t>(clock_->Now()) : 0;
+    if (!providerReference.empty()) NameProvider(report->second, providerReference);
 }
 
 void CSmsDeliveryReports::Update(const std::string& reference, std::int32_t status,
@@ -158,7 +169,8 @@ std::optional<CSmsDeliveryReport> CSmsDeliveryReports::Query(std::string_view re
     return report->second;
 }
 
-std::optional<CSmsDeliveryReport> CSmsDeliveryReports::QueryWhole(std::string_view references, char separator) const {
+std::optional<CSmsDeliveryReport> CSmsDeliveryReports::QueryWhole(std::string_view references,
+                                                                  char separator) const {
     std::optional<CSmsDeliveryReport> whole;
     for (const std::string_view reference : Split(references, {&separator, 1})) {
         const auto part = Query(reference);

@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 // One report. All times are seconds since 1970.
 struct CSmsDeliveryReport {
@@ -39,6 +40,10 @@ class CSmsDeliveryReports {
     // Names the identifier under which the provider's receipts speak of the reference.
     void RecordProviderReference(const std::string& reference, const std::string& providerReference);
 
+    // The answer to a submission: the new status, and the provider's identifier unless it is empty.
+    void RecordAnswer(const std::string& reference, std::int32_t status,
+                      const std::string& providerReference);
+
     // Puts a final or intermediate state on the reference's report; makes the report when there is none, so
     // that a status that the network has handed over is not lost. The completed time is kept for final states
     // only.
@@ -53,8 +58,9 @@ class CSmsDeliveryReports {
 
     std::optional<CSmsDeliveryReport> Query(std::string_view reference) const;
 
-    // The report of a message of several parts, whose references are joined by the separator: open while one part is
-    // open, then the first state that is not "Delivered", with the latest time. Nothing when a part is unknown.
+    // The report of a message of several parts, whose references are joined by the separator: open while one
+    // part is open, then the first state that is not "Delivered", with the latest time. Nothing when a part
+    // is unknown.
     std::optional<CSmsDeliveryReport> QueryWhole(std::string_view references, char separator) const;
 
     void Remove(std::string_view reference);
@@ -79,9 +85,10 @@ class CSmsDeliveryReports {
   private:
     using Tree = std::map<std::string, CSmsDeliveryReport, std::less<>>;
     using Index =
-        std::map<std::string, std::string, std::less<>>;  // an identifier -> the reference it stands for
+        std::unordered_map<std::string, std::string>;  // an identifier -> the reference it stands for
 
     CSmsDeliveryReport* FindByProvider(std::string_view id);
+    void NameProvider(CSmsDeliveryReport& report, const std::string& providerReference);
     void ForgetProvider(const CSmsDeliveryReport& report);
     void Insert(CSmsDeliveryReport report);
 

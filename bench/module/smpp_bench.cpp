@@ -1,0 +1,71 @@
+// The SMPP class of the registered module under Wine, beside the minimal client: smpp_bench.exe PORT (of
+// smpp_sink).
+#include "Com.h"
+#include "MinimalClient.h"
+
+#include <chrono>
+#include <cstdio>
+
+namespace {
+
+double Now() {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+void Session(std::uint16_t port, int window, int count, double minimal) {
+    const auto smpp = Create<ISmsProtocolSmpp>(L"Quorvane.SmsProtocolSmpp");
+    const auto message = Create<ISmsMessage>(L"Quorvane.SmsMessage");
+    smpp->put_Server(Bstr(L"127.0.0.1"));
+    smpp->put_ServerPort(port);
+    smpp->put_AdvancedSettings(Bstr(L"SmppWindowSize=" + std::to_wstring(window)));
+    message->put_Recipient(Bstr(L"+31612345678"));
+    message->put_Data(Bstr(std::wstring(160, L'x')));
+    smpp->Connect();
+    Variant argument(message.get());
+    const double start = Now();
+    Bstr reference;
+    for (int i = 0; i < count; ++i) smpp->Send(&argument, reference.out());
+    const double queued = Now();
+    for (LONG completed = 0; completed == 0;) {
+        VARIANT item{};
+        smpp->QueryStatus(reference, 0, &item);
+        if (item.pdispVal == nullptr) break;
+        auto* status = static_cast<ISmsDeliveryStatus*>(item.pdispVal);
+        status->get_IsCompleted(&completed);
+        status->Release();
+        if (completed == 0) ::Sleep(1);
+    }
+    const double rate = count / (Now() - start);
+    std::printf("window %3d: session %8.0f/s, minimal client %8.0f/s, ratio %.2f, queued %8.0f/s\n", window,
+                rate, minimal, rate / minimal, count / (queued - start));
+    smpp->Disconnect();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const ComApartment apartment;
+    const auto port = static_cast<std::uint16_t>(argc > 1 ? std::atoi(argv[1]) : 2775);
+    for (const int window : {1, 10, 100}) {
+        const int count = window == 1 ? 20'000 : 100'000;
+        const double start = Now();
+        if (!RunMinimalClient(port, window, count)) return 1;
+        Session(port, window, count, count / (Now() - start));
+    }
+    // Connect and disconnect many times: handles must not grow.
+    const auto smpp = Create<ISmsProtocolSmpp>(L"Quorvane.SmsProtocolSmpp");
+    smpp->put_Server(Bstr(L"127.0.0.1"));
+    smpp->put_ServerPort(port);
+    DWORD first = 0;
+    DWORD last = 0;
+    const double start = Now();
+    for (int i = 0; i < 1000; ++i) {
+        smpp->Connect();
+        smpp->Disconnect();
+        if (i == 10) ::GetProcessHandleCount(::GetCurrentProcess(), &first);
+    }
+    ::GetProcessHandleCount(::GetCurrentProcess(), &last);
+    std::printf("1000 connects: %.1f ms each, handles %lu after 10, %lu after 1000\n", Now() - start, first,
+                last);
+    return 0;
+}
