@@ -58,11 +58,28 @@ def gsm():
     return code
 
 
+def smpp():
+    print("\nSMS through an SMPP server")
+    print("--------------------------")
+    log, server_log = WORK / "smpp.log", WORK / "smsc.txt"
+    server = counterpart("smsc.py", server_log, "ready", "--port", "0", "--deliver", "+31611111111 Hello from the first phone",
+                         "--deliver", "parts:2,1 +31622222222 This message came in two parts")
+    port = server_log.read_text().split()[-1]
+    try:
+        code = cscript("demo_smpp.vbs", port, windows_path(log))
+    finally:
+        server.terminate()
+        server.wait()
+    show("The server saw:", server_log)
+    print(f"\nLog file: {log.relative_to(ROOT)}")
+    return code
+
+
 def main():
     WORK.mkdir(parents=True, exist_ok=True)
     for old in WORK.iterdir():
         old.unlink()
-    return gsm()
+    return gsm() or smpp()
 
 
 if __name__ == "__main__":

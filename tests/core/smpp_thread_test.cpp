@@ -1,0 +1,34 @@
+// The protocol with its real worker thread and sockets, over a server that only answers. For ThreadSanitizer
+// too.
+#include "SmppSink.h"
+#include "smpp/SmppProtocol.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(SmppThreads, ManyMessagesFromTheCallersThreadAllGetTheirResult) {
+    const SmppSink sink;
+    for (int round = 0; round < 3; ++round) {
+        CSmppProtocol smpp;
+        smpp.parameters.server = "127.0.0.1";
+        smpp.parameters.serverPort = sink.Port();
+        ASSERT_EQ(smpp.Connect(), 0);
+        CSmsMessageX message;
+        message.Recipient = "+31612345678";
+        message.Data = u"text";
+        std::vector<std::string> references(500);
+        for (std::string& reference : references) ASSERT_EQ(smpp.Send(message, reference), 0);
+        CSmsDeliveryReport report;
+        EXPECT_EQ(smpp.QueryStatus(references[round], true, report), 0);
+        smpp.Disconnect();  // sends what is still queued
+        for (const std::string& reference : references) {
+            EXPECT_EQ(smpp.Reports().Query(reference)->status, sms::asDELIVERYSTATUS_SUBMITTED);
+        }
+        std::string late;
+        EXPECT_EQ(smpp.Send(message, late), 33205);
+        EXPECT_EQ(smpp.Connect(), 0);  // the destructor ends this one
+    }
+}
+
+}  // namespace
