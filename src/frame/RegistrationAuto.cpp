@@ -88,6 +88,8 @@ HRESULT UnregisterServer() {
         }
     }
     const HRESULT library = ::UnRegisterTypeLib(LIBID_NeltCtrl, 5, 3, LOCALE_NEUTRAL, SYS_WIN64);
-    if (FAILED(library) && library != TYPE_E_REGISTRYACCESS) return SELFREG_E_TYPELIB;
+    // A library that was not registered is as gone as one that is removed.
+    const bool absent = library == TYPE_E_REGISTRYACCESS || library == TYPE_E_LIBNOTREGISTERED;
+    if (FAILED(library) && !absent) return SELFREG_E_TYPELIB;
     return removed ? S_OK : SELFREG_E_CLASS;
 }
