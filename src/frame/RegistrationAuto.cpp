@@ -87,9 +87,11 @@ HRESULT UnregisterServer() {
             removed = removed && (outcome == ERROR_SUCCESS || outcome == ERROR_FILE_NOT_FOUND);
         }
     }
-    const HRESULT library = ::UnRegisterTypeLib(LIBID_NeltCtrl, 5, 3, LOCALE_NEUTRAL, SYS_WIN64);
-    // A library that was not registered is as gone as one that is removed.
-    const bool absent = library == TYPE_E_REGISTRYACCESS || library == TYPE_E_LIBNOTREGISTERED;
-    if (FAILED(library) && !absent) return SELFREG_E_TYPELIB;
+    const std::wstring library = L"TypeLib\\" + GuidText(LIBID_NeltCtrl);
+    HKEY key = nullptr;
+    if (::RegOpenKeyExW(HKEY_CLASSES_ROOT, library.c_str(), 0, KEY_READ, &key) == ERROR_SUCCESS) {
+        ::RegCloseKey(key);
+        if (FAILED(::UnRegisterTypeLib(LIBID_NeltCtrl, 5, 3, LOCALE_NEUTRAL, SYS_WIN64))) return SELFREG_E_TYPELIB;
+    }
     return removed ? S_OK : SELFREG_E_CLASS;
 }
