@@ -1,11 +1,12 @@
-// The TCP client of the system: connects with a time-out, sends whole buffers and lines, receives octets and lines.
+// The TCP client of the system: connects with a time-out, sends whole buffers and lines, receives octets and
+// lines.
 #pragma once
+#include "foundation/Clock.h"
+#include "foundation/SocketApi.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
-
-#include "foundation/Clock.h"
-#include "foundation/SocketApi.h"
 
 namespace tcp {
 inline constexpr int kSuccess = 0;
@@ -18,8 +19,8 @@ inline constexpr int kClosedByPeer = -9;
 inline constexpr int kAborted = -10;
 }  // namespace tcp
 
-// All operations give a result of `tcp::` or a Windows Sockets error, positive from Connect and Receive, negated from
-// Send. Times are in ms; 0xFFFFFFFF never expires. Used by one thread at a time.
+// All operations give a result of `tcp::` or a Windows Sockets error, positive from Connect and Receive,
+// negated from Send. Times are in ms; 0xFFFFFFFF never expires. Used by one thread at a time.
 class CKorTcpSocket {
   public:
     enum class State { kDisconnected = 1, kConnected = 3 };

@@ -1,5 +1,5 @@
-// The few operations of the machine's sockets that the TCP client is made of. Error numbers are those of Windows
-// Sockets on every platform.
+// The few operations of the machine's sockets that the TCP client is made of. Error numbers are those of
+// Windows Sockets on every platform.
 #pragma once
 #include <cstdint>
 #include <string>
@@ -41,7 +41,8 @@ class Waiter {
     Waiter& operator=(const Waiter&) = delete;
     ~Waiter();
 
-    // Returns when the socket has something to read (or to report), when it was woken, or when the time is over.
+    // Returns when the socket has something to read (or to report), when it was woken, or when the time is
+    // over.
     void Wait(Handle socket, std::uint32_t milliseconds);
     void Wake();
 

@@ -1,4 +1,8 @@
+#include "foundation/SocketApi.h"
+
 #include <arpa/inet.h>
+#include <array>
+#include <cerrno>
 #include <fcntl.h>
 #include <netdb.h>
 #include <netinet/tcp.h>
@@ -6,11 +10,6 @@
 #include <sys/eventfd.h>
 #include <sys/socket.h>
 #include <unistd.h>
-
-#include <array>
-#include <cerrno>
-
-#include "foundation/SocketApi.h"
 
 namespace net {
 
@@ -79,7 +78,8 @@ int Connect(Handle socket, std::uint32_t address, std::uint16_t port) {
     target.sin_family = AF_INET;
     target.sin_addr.s_addr = address;
     target.sin_port = htons(port);
-    const int outcome = ::connect(static_cast<int>(socket), reinterpret_cast<const sockaddr*>(&target), sizeof target);
+    const int outcome =
+        ::connect(static_cast<int>(socket), reinterpret_cast<const sockaddr*>(&target), sizeof target);
     return outcome == 0 ? 0 : ErrorNumber(errno);
 }
 
@@ -107,7 +107,8 @@ Waiter::Waiter() : first_(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {}
 Waiter::~Waiter() { ::close(static_cast<int>(first_)); }
 
 void Waiter::Wait(Handle socket, std::uint32_t milliseconds) {
-    std::array<pollfd, 2> entries{{{static_cast<int>(first_), POLLIN, 0}, {static_cast<int>(socket), POLLIN, 0}}};
+    std::array<pollfd, 2> entries{
+        {{static_cast<int>(first_), POLLIN, 0}, {static_cast<int>(socket), POLLIN, 0}}};
     ::poll(entries.data(), socket == kInvalid ? 1 : 2, static_cast<int>(milliseconds));
     eventfd_t count = 0;
     if ((entries[0].revents & POLLIN) != 0) (void)::eventfd_read(static_cast<int>(first_), &count);

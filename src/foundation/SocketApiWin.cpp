@@ -1,8 +1,7 @@
-#include <winsock2.h>
-
-#include <ws2tcpip.h>
-
 #include "foundation/SocketApi.h"
+
+#include <winsock2.h>
+#include <ws2tcpip.h>
 
 namespace net {
 
@@ -78,7 +77,8 @@ bool WaitReadable(Handle socket, std::uint32_t milliseconds) {
     bool readable = ::WaitForSingleObject(event, milliseconds) == WAIT_OBJECT_0;
     if (readable) {
         WSANETWORKEVENTS events{};
-        readable = ::WSAEnumNetworkEvents(Of(socket), event, &events) == 0 && events.iErrorCode[FD_READ_BIT] == 0;
+        readable =
+            ::WSAEnumNetworkEvents(Of(socket), event, &events) == 0 && events.iErrorCode[FD_READ_BIT] == 0;
     }
     ::WSAEventSelect(Of(socket), nullptr, 0);
     ::WSACloseEvent(event);

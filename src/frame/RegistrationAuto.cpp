@@ -91,7 +91,8 @@ HRESULT UnregisterServer() {
     HKEY key = nullptr;
     if (::RegOpenKeyExW(HKEY_CLASSES_ROOT, library.c_str(), 0, KEY_READ, &key) == ERROR_SUCCESS) {
         ::RegCloseKey(key);
-        if (FAILED(::UnRegisterTypeLib(LIBID_NeltCtrl, 5, 3, LOCALE_NEUTRAL, SYS_WIN64))) return SELFREG_E_TYPELIB;
+        if (FAILED(::UnRegisterTypeLib(LIBID_NeltCtrl, 5, 3, LOCALE_NEUTRAL, SYS_WIN64)))
+            return SELFREG_E_TYPELIB;
     }
     return removed ? S_OK : SELFREG_E_CLASS;
 }

@@ -581,6 +581,7 @@ std::int32_t CGsmModem::QueryStatus(std::string_view references, CSmsDeliveryRep
     if (!whole) return result::QueryFailed;
     report = *whole;
     if (!IsCompletedStatus(report.status)) return result::Success;
-    for (const std::string_view reference : Split(references, {&kReferenceSeparator, 1})) reports_.Remove(reference);
+    for (const std::string_view reference : Split(references, {&kReferenceSeparator, 1}))
+        reports_.Remove(reference);
     return result::Success;
 }

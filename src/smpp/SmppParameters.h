@@ -1,9 +1,9 @@
 // The settings of an SMPP session.
 #pragma once
+#include "Common/SmppPdu/TLVRecords.h"
+
 #include <cstdint>
 #include <string>
-
-#include "Common/SmppPdu/TLVRecords.h"
 
 enum class BindMode : std::int32_t { kTransceiver = 0, kTransmitter = 1, kReceiver = 2 };
 

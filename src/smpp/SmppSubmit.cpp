@@ -1,14 +1,14 @@
 #include "smpp/SmppSubmit.h"
 
-#include <array>
-#include <cstdio>
-
 #include "foundation/CodePage.h"
 #include "foundation/Hex.h"
 #include "foundation/Text.h"
 #include "frame/ErrorTexts.h"
 #include "gsm/GsmAlphabet.h"
 #include "gsm/Septets.h"
+
+#include <array>
+#include <cstdio>
 
 namespace {
 
@@ -84,8 +84,8 @@ std::string SmppValidity(std::int32_t minutes, bool relative, Clock& clock) {
     const std::int64_t span = std::int64_t{minutes} * 60;
     const CalendarTime t = relative ? clock.ToLocal(span) : ToUtc(clock.Now() + span);
     std::array<char, 96> text{};
-    std::snprintf(text.data(), text.size(), "%02d%02d%02d%02d%02d%02d000%c", t.year - 2000, t.month, t.day, t.hour,
-                  t.minute, t.second, relative ? 'R' : '+');
+    std::snprintf(text.data(), text.size(), "%02d%02d%02d%02d%02d%02d000%c", t.year - 2000, t.month, t.day,
+                  t.hour, t.minute, t.second, relative ? 'R' : '+');
     return text.data();
 }
 
@@ -128,15 +128,17 @@ std::u16string DecodeCharSet(std::u16string_view octets, std::int32_t charSet) {
 std::int32_t SmppSubmitBuilder::Build(const CSmppParameters& parameters, const CSmsMessageX& message,
                                       std::vector<std::string>& pdus) {
     pdus.clear();
-    if (parameters.systemMode == static_cast<std::int32_t>(BindMode::kReceiver)) return result::SmppReceiverOnly;
+    if (parameters.systemMode == static_cast<std::int32_t>(BindMode::kReceiver))
+        return result::SmppReceiverOnly;
     if (CheckRecipient(message.Recipient, PrefixRule::kNoOtherLetter) == result::InvalidRecipient) {
         return result::InvalidRecipient;
     }
     const std::uint8_t coding = CodingOf(message, parameters.charSet);
     const bool data = IsDataFormat(message.Format);
     const bool ucs2 = !data && (coding & kUcs2) != 0;
-    std::string body = data ? HexOctets(message.Data) : ucs2 ? Ucs2Octets(message.Data)
-                                                             : EncodeCharSet(message.Data, parameters.charSet);
+    std::string body = data   ? HexOctets(message.Data)
+                       : ucs2 ? Ucs2Octets(message.Data)
+                              : EncodeCharSet(message.Data, parameters.charSet);
     std::string callerHeader;
     if (message.Format == sms::asMESSAGEFORMAT_DATA_UDH && !body.empty()) {
         const std::size_t size = std::min<std::size_t>(static_cast<std::uint8_t>(body[0]), body.size() - 1);
@@ -145,8 +147,12 @@ std::int32_t SmppSubmitBuilder::Build(const CSmppParameters& parameters, const C
     }
     std::string portElement;
     if (message.DestinationPort != 0) {
-        portElement = {0x05, 0x04, static_cast<char>(message.DestinationPort >> 8),
-                       static_cast<char>(message.DestinationPort), 0, 0};
+        portElement = {0x05,
+                       0x04,
+                       static_cast<char>(message.DestinationPort >> 8),
+                       static_cast<char>(message.DestinationPort),
+                       0,
+                       0};
     }
     // Octets of text in one part, with a header of the given octets.
     const auto capacity = [&](std::size_t header) -> std::int32_t {
@@ -173,7 +179,8 @@ std::int32_t SmppSubmitBuilder::Build(const CSmppParameters& parameters, const C
 
     pdu_.Reset();
     const std::string& senderText = message.Sender.empty() ? parameters.sourceAddress : message.Sender;
-    const Address source = AddressOf(senderText, message.SourceTON, message.SourceNPI, parameters.sourceTon, parameters.sourceNpi);
+    const Address source = AddressOf(senderText, message.SourceTON, message.SourceNPI, parameters.sourceTon,
+                                     parameters.sourceNpi);
     const Address target = AddressOf(message.Recipient, message.DestinationTON, message.DestinationNPI,
                                      parameters.destinationTon, parameters.destinationNpi);
     pdu_.service_type = message.ServiceType;
@@ -183,8 +190,10 @@ std::int32_t SmppSubmitBuilder::Build(const CSmppParameters& parameters, const C
     pdu_.dest_addr_ton = target.ton;
     pdu_.dest_addr_npi = target.npi;
     pdu_.destination_addr = target.digits;
-    pdu_.esm_class = message.ESM == CSmsMessageX::kNotSet ? std::uint8_t{0} : static_cast<std::uint8_t>(message.ESM);
-    pdu_.protocol_id = message.PID == CSmsMessageX::kNotSet ? std::uint8_t{0} : static_cast<std::uint8_t>(message.PID);
+    pdu_.esm_class =
+        message.ESM == CSmsMessageX::kNotSet ? std::uint8_t{0} : static_cast<std::uint8_t>(message.ESM);
+    pdu_.protocol_id =
+        message.PID == CSmsMessageX::kNotSet ? std::uint8_t{0} : static_cast<std::uint8_t>(message.PID);
     pdu_.validity_period = SmppValidity(message.ValidityPeriod, parameters.relativeValidity, *clock_);
     pdu_.registered_delivery = message.RequestDeliveryStatus ? 1 : 0;
     pdu_.data_coding = coding;
@@ -192,7 +201,8 @@ std::int32_t SmppSubmitBuilder::Build(const CSmppParameters& parameters, const C
     for (std::int32_t part = 0; part < parts; ++part) {
         std::string elements;
         if (parts > 1) {
-            elements = {0x00, 0x03, static_cast<char>(reference), static_cast<char>(parts), static_cast<char>(part + 1)};
+            elements = {0x00, 0x03, static_cast<char>(reference), static_cast<char>(parts),
+                        static_cast<char>(part + 1)};
         }
         elements += portElement + callerHeader;
         pdu_.short_message.clear();

@@ -1,13 +1,13 @@
 // From a message to its submit_sm PDUs: addresses, coding, splitting, validity.
 #pragma once
-#include <cstdint>
-#include <string>
-#include <vector>
-
 #include "Common/SmppPdu/SmppPdus.h"
 #include "foundation/Clock.h"
 #include "smpp/SmppParameters.h"
 #include "sms/SmsMessageX.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
 
 class SmppSubmitBuilder {
   public:
@@ -24,8 +24,8 @@ class SmppSubmitBuilder {
     std::uint8_t lastReference_ = 0;
 };
 
-// "YYMMDDhhmmss000+" (absolute, UTC) or "...000R" (relative) for a validity in minutes; empty for 0. The relative form
-// counts the span from the epoch with the year less 100, as it always did.
+// "YYMMDDhhmmss000+" (absolute, UTC) or "...000R" (relative) for a validity in minutes; empty for 0. The
+// relative form counts the span from the epoch with the year less 100, as it always did.
 std::string SmppValidity(std::int32_t minutes, bool relative, Clock& clock);
 
 // The octets of a text in an SMPP character set.

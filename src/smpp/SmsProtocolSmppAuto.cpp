@@ -1,11 +1,9 @@
 // The class SmsProtocolSmpp over the session and its worker thread.
-#include <winsock2.h>
-
 #include "NeltCtrl.h"
 #include "frame/AutomationAuto.h"
+#include "smpp/SmppProtocol.h"
 #include "sms/SmsDeliveryStatusAuto.h"
 #include "sms/SmsMessageAuto.h"
-#include "smpp/SmppProtocol.h"
 
 namespace {
 
@@ -38,7 +36,8 @@ bool IntegerIn(const VARIANT& value, std::uint32_t& number) {
 // Takes a value into a record; false for a VARIANT that is neither number nor text.
 bool TakeValue(const VARIANT& value, CTLVRecord& record) {
     const VARIANT* inner = &value;
-    for (int depth = 0; inner->vt == (VT_VARIANT | VT_BYREF) && inner->pvarVal != nullptr && depth < 8; ++depth) {
+    for (int depth = 0; inner->vt == (VT_VARIANT | VT_BYREF) && inner->pvarVal != nullptr && depth < 8;
+         ++depth) {
         inner = inner->pvarVal;
     }
     VARIANT plain;
@@ -105,11 +104,21 @@ class SmsProtocolSmppAuto final : public ProtocolAuto<ISmsProtocolSmpp> {
     AUTO_NUMBER(DeliveryReportFormat, smpp_.parameters.reportFormat)
     STDMETHODIMP get_AdvancedSettings(BSTR* pVal) noexcept override { return GiveAdvancedSettings(pVal); }
     STDMETHODIMP put_AdvancedSettings(BSTR newVal) noexcept override { return StoreAdvancedSettings(newVal); }
-    STDMETHODIMP get_sysTLVRecordsTX(BSTR* pVal) noexcept override { return Give(pVal, smpp_.parameters.transmitTlvs.ToText()); }
-    STDMETHODIMP put_sysTLVRecordsTX(BSTR newVal) noexcept override { return StoreTlvs(smpp_.parameters.transmitTlvs, newVal); }
-    STDMETHODIMP get_sysTLVRecordsRX(BSTR* pVal) noexcept override { return Give(pVal, smpp_.parameters.receiveTlvs.ToText()); }
-    STDMETHODIMP put_sysTLVRecordsRX(BSTR newVal) noexcept override { return StoreTlvs(smpp_.parameters.receiveTlvs, newVal); }
-    STDMETHODIMP get_IsConnected(LONG* pVal) noexcept override { return Give(pVal, smpp_.IsConnected() ? -1 : 0); }
+    STDMETHODIMP get_sysTLVRecordsTX(BSTR* pVal) noexcept override {
+        return Give(pVal, smpp_.parameters.transmitTlvs.ToText());
+    }
+    STDMETHODIMP put_sysTLVRecordsTX(BSTR newVal) noexcept override {
+        return StoreTlvs(smpp_.parameters.transmitTlvs, newVal);
+    }
+    STDMETHODIMP get_sysTLVRecordsRX(BSTR* pVal) noexcept override {
+        return Give(pVal, smpp_.parameters.receiveTlvs.ToText());
+    }
+    STDMETHODIMP put_sysTLVRecordsRX(BSTR newVal) noexcept override {
+        return StoreTlvs(smpp_.parameters.receiveTlvs, newVal);
+    }
+    STDMETHODIMP get_IsConnected(LONG* pVal) noexcept override {
+        return Give(pVal, smpp_.IsConnected() ? -1 : 0);
+    }
 
     STDMETHODIMP Clear() noexcept override {
         return Method([&] {
@@ -187,7 +196,8 @@ class SmsProtocolSmppAuto final : public ProtocolAuto<ISmsProtocolSmpp> {
     STDMETHODIMP GetNextMessage(VARIANT* pVal) noexcept override {
         return GiveMessage(pVal, [this](CSmsMessageX& message) {
             const std::int32_t code = smpp_.Received().Next(message);
-            if (code == result::NoMoreMessages) smpp_.Received().RemoveRead();  // a walk that ended is done with them
+            if (code == result::NoMoreMessages)
+                smpp_.Received().RemoveRead();  // a walk that ended is done with them
             return code;
         });
     }

@@ -40,7 +40,7 @@ class CSmsMessagesX {
     std::size_t Count();         // complete messages, after a pass
     std::size_t Stored() const;  // complete messages and waiting parts
     void Remove(std::size_t index);
-    void RemoveRead();              // the messages that First and Next have given
+    void RemoveRead();  // the messages that First and Next have given
     void Clear();
 
   private:

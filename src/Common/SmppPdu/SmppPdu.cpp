@@ -1,13 +1,13 @@
 #include "Common/SmppPdu/SmppPdu.h"
 
+#include "Common/SmppPdu/TLVTags.h"
+#include "foundation/Assertion.h"
+
 #include <array>
 #include <cctype>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
-
-#include "Common/SmppPdu/TLVTags.h"
-#include "foundation/Assertion.h"
 
 namespace {
 
@@ -115,7 +115,8 @@ void CSmppPdu::EncodeTlvs() {
 
 void CSmppPdu::FinishEncoding() {
     command_length = static_cast<std::uint32_t>(length_);
-    for (std::size_t i = 0; i < 4; ++i) buffer_[i] = static_cast<std::uint8_t>(command_length >> (24 - 8 * i));
+    for (std::size_t i = 0; i < 4; ++i)
+        buffer_[i] = static_cast<std::uint8_t>(command_length >> (24 - 8 * i));
 }
 
 std::uint32_t CSmppPdu::GetInteger(std::size_t octets) {
@@ -128,7 +129,8 @@ void CSmppPdu::GetCString(std::string& text) {
     const std::size_t left = length_ - position_;
     const void* end = left != 0 ? std::memchr(&buffer_[position_], 0, left) : nullptr;
     const char* begin = reinterpret_cast<const char*>(&buffer_[position_]);
-    const std::size_t size = end != nullptr ? static_cast<std::size_t>(static_cast<const char*>(end) - begin) : left;
+    const std::size_t size =
+        end != nullptr ? static_cast<std::size_t>(static_cast<const char*>(end) - begin) : left;
     text.assign(begin, size);
     position_ += size + (end != nullptr ? 1 : 0);
 }
@@ -148,8 +150,8 @@ void CSmppPdu::DecodeHeader() {
     sequence_number = GetInteger(4);
 }
 
-// A length is capped at 256 for every tag but message_payload, and integers are read by their type whatever the
-// length says; what follows a longer value is then read out of step. Kept so.
+// A length is capped at 256 for every tag but message_payload, and integers are read by their type whatever
+// the length says; what follows a longer value is then read out of step. Kept so.
 void CSmppPdu::DecodeTlvs() {
     for (std::uint32_t tag = GetInteger(2); tag != 0; tag = GetInteger(2)) {
         std::size_t length = GetInteger(2);
@@ -177,7 +179,8 @@ void CSmppPdu::DecodeTlvs() {
                 break;
         }
         record.text.resize(octets.size());
-        std::ranges::transform(octets, record.text.begin(), [](char c) { return static_cast<unsigned char>(c); });
+        std::ranges::transform(octets, record.text.begin(),
+                               [](char c) { return static_cast<unsigned char>(c); });
         tlvs.AddOrReplace(std::move(record));
     }
 }
@@ -192,7 +195,8 @@ void DumpOctets(std::string& text, std::span<const std::uint8_t> octets) {
             i < line.size() ? Append(text, "%02X ", line[i]) : Append(text, "   ");
         }
         text += "  ";
-        for (const std::uint8_t octet : line) text += octet >= 0x20 && octet < 0x7F ? static_cast<char>(octet) : '.';
+        for (const std::uint8_t octet : line)
+            text += octet >= 0x20 && octet < 0x7F ? static_cast<char>(octet) : '.';
         text += '\n';
     }
 }
@@ -213,7 +217,8 @@ void CSmppPdu::DumpHead(std::string& text) const {
 void CSmppPdu::DumpTail(std::string& text) const {
     if ((dumpFlags_ & kDumpBody) != 0) {
         for (const CTLVRecord& record : tlvs) {
-            Append(text, "Optional Parameter     : 0x%04X (%-30.30s), ", record.tag, NameOfTag(record.tag).data());
+            Append(text, "Optional Parameter     : 0x%04X (%-30.30s), ", record.tag,
+                   NameOfTag(record.tag).data());
             switch (record.type) {
                 case TLVType::kByte:
                     Append(text, "1-Byte  Value: 0x%04X\n", record.byteValue);
@@ -244,7 +249,9 @@ void CSmppPdu::Dumper::CString(const char* label, const std::string& value) {
     text_->append(value).append("\n");
 }
 
-void CSmppPdu::Dumper::Byte(const char* label, std::uint8_t value) { Append(*text_, "%-23s: 0x%02X\n", label, value); }
+void CSmppPdu::Dumper::Byte(const char* label, std::uint8_t value) {
+    Append(*text_, "%-23s: 0x%02X\n", label, value);
+}
 
 void CSmppPdu::Dumper::ShortMessage(const std::string& text, std::uint8_t esmClass) {
     Append(*text_, "Short Message Length   : %d\n", static_cast<int>(text.size()));

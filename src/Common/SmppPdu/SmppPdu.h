@@ -1,16 +1,16 @@
 // An SMPP protocol data unit: the header, the buffer and the optional parameters that all have in common.
 // A class lists its body fields once (`Fields`); encoder, decoder and dump are three visitors of that list.
 #pragma once
+#include "Common/SmppPdu/SmppNames.h"
+#include "Common/SmppPdu/TLVRecords.h"
+#include "gsm/UserDataHeader.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <span>
 #include <string>
 #include <string_view>
-
-#include "Common/SmppPdu/SmppNames.h"
-#include "Common/SmppPdu/TLVRecords.h"
-#include "gsm/UserDataHeader.h"
 
 class CSmppPdu {
   public:
@@ -27,10 +27,14 @@ class CSmppPdu {
     virtual ~CSmppPdu() = default;
 
     // True when both carry the same sequence_number: a response belongs to its request.
-    virtual bool IsSameSequence(const CSmppPdu& other) const { return sequence_number == other.sequence_number; }
+    virtual bool IsSameSequence(const CSmppPdu& other) const {
+        return sequence_number == other.sequence_number;
+    }
 
     // The octets: those that encoding has made, or that were loaded.
-    std::span<const std::uint8_t> Data() const { return {buffer_.get(), std::min<std::size_t>(length_, kCapacity)}; }
+    std::span<const std::uint8_t> Data() const {
+        return {buffer_.get(), std::min<std::size_t>(length_, kCapacity)};
+    }
     std::size_t GetData(std::span<std::uint8_t> octets) const;
 
     void SetDumpFlags(std::uint32_t flags) { dumpFlags_ = flags; }
@@ -146,7 +150,8 @@ class TypedPdu : public CSmppPdu, public Body {
         Decoder io(*this);
         Body::Fields(io);
         if constexpr (Body::kHasTlvs) DecodeTlvs();
-        if constexpr (requires(Body& body, CTLVRecords& list) { body.ReadText(list); }) Body::ReadText(tlvs);
+        if constexpr (requires(Body & body, CTLVRecords & list) { body.ReadText(list); })
+            Body::ReadText(tlvs);
     }
     void Dump(std::string& text) {
         DumpHead(text);

@@ -22,8 +22,10 @@ void SmppReceivedText::Read(std::string_view shortMessage, const CTLVRecords& tl
 
 void SmppReceivedText::Append(std::string_view octets, std::uint8_t esmClass, std::uint8_t dataCoding) {
     if ((esmClass & kHeaderIndicator) != 0 && !octets.empty()) {
-        const std::size_t length = std::min<std::size_t>(static_cast<std::uint8_t>(octets[0]), octets.size() - 1);
-        for (const char octet : octets.substr(1, length)) userDataHeader.AddOctet(static_cast<std::uint8_t>(octet));
+        const std::size_t length =
+            std::min<std::size_t>(static_cast<std::uint8_t>(octets[0]), octets.size() - 1);
+        for (const char octet : octets.substr(1, length))
+            userDataHeader.AddOctet(static_cast<std::uint8_t>(octet));
         octets.remove_prefix(1 + length);
     }
     const auto at = [octets](std::size_t i) {

@@ -1,9 +1,9 @@
 // Every PDU of the session, with its body fields in wire order (SMPP 3.4 chapter 4).
 #pragma once
+#include "Common/SmppPdu/SmppPdu.h"
+
 #include <cstdint>
 #include <string>
-
-#include "Common/SmppPdu/SmppPdu.h"
 
 struct SmppEmptyBody {
     static constexpr bool kHasTlvs = false;
@@ -88,7 +88,8 @@ struct SmppReceivedText {
     std::u16string message;
     CUserDataHeader userDataHeader;
 
-    void Read(std::string_view shortMessage, const CTLVRecords& tlvs, std::uint8_t esmClass, std::uint8_t dataCoding);
+    void Read(std::string_view shortMessage, const CTLVRecords& tlvs, std::uint8_t esmClass,
+              std::uint8_t dataCoding);
 
   private:
     void Append(std::string_view octets, std::uint8_t esmClass, std::uint8_t dataCoding);

@@ -11,8 +11,8 @@ struct Row {
     TLVType type;
 };
 
-// The types of number_of_messages and broadcast_content_type_info depart from the standard on purpose, and so does the
-// spelling of the name of tag 0x0606.
+// The types of number_of_messages and broadcast_content_type_info depart from the standard on purpose, and so
+// does the spelling of the name of tag 0x0606.
 constexpr auto kRows = std::to_array<Row>({
     {0x0005, "dest_addr_subunit", TLVType::kByte},
     {0x0006, "dest_network_type", TLVType::kByte},

@@ -1,9 +1,9 @@
 // The tags of SMPP 3.4 section 5.3.2 and SMPP 5.0 section 4.8.4, with the value type each is read as.
 #pragma once
+#include "Common/SmppPdu/TLVRecords.h"
+
 #include <cstdint>
 #include <string_view>
-
-#include "Common/SmppPdu/TLVRecords.h"
 
 namespace tlv {
 inline constexpr std::uint32_t kReceiptedMessageId = 0x001E;
