@@ -4,9 +4,9 @@ set -eu
 
 packages=(
   cmake ninja-build clang libclang-rt-14-dev g++ python3
-  g++-mingw-w64-x86-64-posix mingw-w64-tools libwine-dev wine wine64
+  g++-mingw-w64-x86-64-posix mingw-w64-tools libwine-dev wine wine64 googletest
 )
-if [ "${1:-}" = test ] || [ "${1:-}" = full ]; then packages+=(googletest tshark); fi
+if [ "${1:-}" = test ] || [ "${1:-}" = full ]; then packages+=(tshark); fi
 if [ "${1:-}" = full ]; then packages+=(clang-format clang-tidy libbenchmark-dev); fi
 
 missing=()

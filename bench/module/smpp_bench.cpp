@@ -1,10 +1,11 @@
-// The SMPP class of the registered module under Wine, beside the minimal client: smpp_bench.exe PORT (of
-// smpp_sink).
+// The SMPP class of the registered module under Wine, beside the minimal client: smpp_bench.exe PORT
+// [WINDOW COUNT], with the port of smpp_sink; without a window the usual three and then connecting alone.
 #include "Com.h"
 #include "MinimalClient.h"
 
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 
 namespace {
 
@@ -46,12 +47,18 @@ void Session(std::uint16_t port, int window, int count, double minimal) {
 int main(int argc, char** argv) {
     const ComApartment apartment;
     const auto port = static_cast<std::uint16_t>(argc > 1 ? std::atoi(argv[1]) : 2775);
-    for (const int window : {1, 10, 100}) {
-        const int count = window == 1 ? 20'000 : 100'000;
+    const auto compare = [port](int window, int count) {
         const double start = Now();
-        if (!RunMinimalClient(port, window, count)) return 1;
+        if (!RunMinimalClient(port, window, count)) std::exit(1);
         Session(port, window, count, count / (Now() - start));
+    };
+    if (argc > 3) {
+        compare(std::atoi(argv[2]), std::atoi(argv[3]));
+        return 0;
     }
+    compare(1, 20'000);
+    compare(10, 100'000);
+    compare(100, 100'000);
     // Connect and disconnect many times: handles must not grow.
     const auto smpp = Create<ISmsProtocolSmpp>(L"Quorvane.SmsProtocolSmpp");
     smpp->put_Server(Bstr(L"127.0.0.1"));

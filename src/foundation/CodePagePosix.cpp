@@ -12,7 +12,7 @@ constexpr std::array<char16_t, 32> kUpperControls = {
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 }  // namespace
 
-std::string ToAnsi(std::u16string_view text) {
+std::string codepage::ToAnsi(std::u16string_view text) {
     std::string out;
     out.reserve(text.size());
     for (const char16_t c : text) {
@@ -30,7 +30,7 @@ std::string ToAnsi(std::u16string_view text) {
     return out;
 }
 
-std::u16string FromAnsi(std::string_view text) {
+std::u16string codepage::FromAnsi(std::string_view text) {
     std::u16string out;
     out.reserve(text.size());
     for (const char c : text) {

@@ -8,8 +8,7 @@ const wchar_t* Wide(const char16_t* text) { return reinterpret_cast<const wchar_
 wchar_t* Wide(char16_t* text) { return reinterpret_cast<wchar_t*>(text); }
 }  // namespace
 
-std::string ToAnsi(std::u16string_view text) {
-    if (text.empty()) return {};
+std::string codepage::ToAnsi(std::u16string_view text) {
     const int length = static_cast<int>(text.size());
     std::string out(text.size(), '\0');
     int size =
@@ -23,8 +22,7 @@ std::string ToAnsi(std::u16string_view text) {
     return out;
 }
 
-std::u16string FromAnsi(std::string_view text) {
-    if (text.empty()) return {};
+std::u16string codepage::FromAnsi(std::string_view text) {
     const int length = static_cast<int>(text.size());
     std::u16string out(text.size(), u'\0');
     const int size = ::MultiByteToWideChar(CP_ACP, 0, text.data(), length, Wide(out.data()), length);

@@ -35,6 +35,7 @@ CKorBase::CKorBase(std::string className, Clock& clock) : className_(std::move(c
 void CKorBase::SetLogFile(const std::string& name) {
     const std::scoped_lock guard(lock_);
     logFile_ = name;
+    isLogging_ = !logFile_.empty() || !activityFile_.empty();
 }
 
 std::string CKorBase::LogFile() const {
@@ -45,6 +46,7 @@ std::string CKorBase::LogFile() const {
 void CKorBase::SetActivityFile(const std::string& name) {
     const std::scoped_lock guard(lock_);
     activityFile_ = name;
+    isLogging_ = !logFile_.empty() || !activityFile_.empty();
     if (name.empty()) return;
     (void)std::remove(name.c_str());
     IniFile fresh;
@@ -58,14 +60,9 @@ std::string CKorBase::ActivityFile() const {
     return activityFile_;
 }
 
-bool CKorBase::IsLogging() const {
-    const std::scoped_lock guard(lock_);
-    return !logFile_.empty() || !activityFile_.empty();
-}
-
 void CKorBase::Log(unsigned mask, const char* format, ...) {
+    if (!IsLogging() || mask == 0 || *format == '\0') return;
     const std::scoped_lock guard(lock_);
-    if ((logFile_.empty() && activityFile_.empty()) || mask == 0 || *format == '\0') return;
     if (!buffer_) buffer_ = std::make_unique_for_overwrite<char[]>(kBufferSize);
     va_list arguments;
     va_start(arguments, format);
@@ -75,8 +72,8 @@ void CKorBase::Log(unsigned mask, const char* format, ...) {
 
 void CKorBase::LogSized(unsigned mask, std::size_t sizeHint, const char* format, ...) {
     Assert(sizeHint >= kSmallestHint, "KorBase", __LINE__);
+    if (!IsLogging() || mask == 0 || *format == '\0') return;
     const std::scoped_lock guard(lock_);
-    if ((logFile_.empty() && activityFile_.empty()) || mask == 0 || *format == '\0') return;
     const std::size_t size = sizeHint + kSizedSlack;
     const std::unique_ptr<char[]> buffer(new (std::nothrow) char[size]);
     if (!buffer) return;

@@ -2,6 +2,7 @@
 #pragma once
 #include "foundation/Clock.h"
 
+#include <atomic>
 #include <cstdarg>
 #include <cstdint>
 #include <memory>
@@ -34,7 +35,7 @@ class CKorBase {
     std::string ActivityFile() const;
 
     // True when a log or activity file is named, so that costly entries need not be built in vain.
-    bool IsLogging() const;
+    bool IsLogging() const { return isLogging_; }
 
     // Writes one entry, `printf` style. A file that cannot be opened is skipped; nothing is reported.
     void Log(unsigned mask, const char* format, ...) __attribute__((format(printf, 3, 4)));
@@ -49,6 +50,7 @@ class CKorBase {
 
     std::string className_;
     Clock* clock_;
+    std::atomic<bool> isLogging_ = false;  // a file is named: entries that go nowhere take no lock
     mutable std::mutex lock_;
     std::string logFile_;
     std::string activityFile_;

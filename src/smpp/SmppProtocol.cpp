@@ -1,12 +1,12 @@
 #include "smpp/SmppProtocol.h"
 
 #include "foundation/CodePage.h"
+#include "foundation/Hex.h"
 #include "foundation/IniFile.h"
 #include "foundation/Text.h"
 #include "frame/ErrorTexts.h"
 
 #include <array>
-#include <cstdio>
 #include <system_error>
 
 namespace {
@@ -140,37 +140,36 @@ std::int32_t CSmppProtocol::Disconnect() {
     return result::Success;
 }
 
-std::string CSmppProtocol::NewReference() {
-    std::array<char, 16> text{};
-    std::snprintf(text.data(), text.size(), "%08X", static_cast<unsigned>(nextReference_++));
-    return text.data();
+void CSmppProtocol::AppendNewReference(std::string& references) {
+    const std::uint32_t reference = nextReference_++;
+    for (int shift = 24; shift >= 0; shift -= 8)
+        hex::Append(references, static_cast<std::uint8_t>(reference >> shift));
 }
 
 std::int32_t CSmppProtocol::Send(const CSmsMessageX& message, std::string& references) {
     references.clear();
     if (!IsConnected()) return result::SmppNotBound;
-    std::vector<std::string> pdus;
-    if (const std::int32_t code = builder_.Build(active_, message, pdus); code != result::Success) {
+    if (const std::int32_t code = builder_.Build(active_, message, pdus_); code != result::Success) {
         Log(logmask::kVerbatim, "Sending failed (%s)\n", DescribeError(code).data());
         return code;
     }
-    for (std::string& pdu : pdus) {
-        std::string reference = NewReference();
+    for (const std::string& pdu : pdus_) {
         if (!references.empty()) references += kReferenceSeparator;
-        references += reference;
+        const std::size_t start = references.size();
+        AppendNewReference(references);
+        const std::string_view reference = std::string_view(references).substr(start);
         reports_.RecordSent(reference, ReportWanted::kSubmitRequested);
         const std::scoped_lock guard(lock_);
-        intake_.push_back({std::move(pdu), std::move(reference), message.RequestDeliveryStatus});
+        intake_.Push({pdu, reference, message.RequestDeliveryStatus});
     }
     Log(logmask::kVerbatim, "Adding message to queue...\n");
     // The worker is only woken when it sleeps; a busy one comes by anyway.
     if (sleeping_.exchange(false)) waiter_.Wake();
     if (!IsConnected()) {  // the session ended meanwhile: what it did not take gets its result here
         const std::scoped_lock guard(lock_);
-        for (const SmppQueuedSubmit& submit : intake_) {
-            reports_.SetStatus(submit.reference, sms::asDELIVERYSTATUS_FAILED, result::SmppNotBound);
+        for (; !intake_.IsEmpty(); intake_.Pop()) {
+            reports_.SetStatus(intake_.Front().reference, sms::asDELIVERYSTATUS_FAILED, result::SmppNotBound);
         }
-        intake_.clear();
     }
     return result::Success;
 }
@@ -217,13 +216,10 @@ void CSmppProtocol::SignalBind(std::int32_t code) {
 }
 
 bool CSmppProtocol::TakeIntake(CSmppSession& session) {
-    std::vector<SmppQueuedSubmit> taken;
-    {
-        const std::scoped_lock guard(lock_);
-        taken.swap(intake_);
-    }
-    for (SmppQueuedSubmit& submit : taken) session.Queue(std::move(submit));
-    return !taken.empty();
+    const std::scoped_lock guard(lock_);
+    if (intake_.IsEmpty()) return false;
+    session.Queue(intake_);
+    return true;
 }
 
 // Sends what is ready in one go; what the connection does not take stays for the next time. False when it is
@@ -252,7 +248,7 @@ void CSmppProtocol::WaitForWork(const CSmppSession& session, bool callerIsSendin
     bool work = stop_;
     {
         const std::scoped_lock guard(lock_);
-        work = work || !intake_.empty();
+        work = work || !intake_.IsEmpty();
     }
     if (!work) waiter_.Wait(socket_.SocketHandle(), session.NextTick());
     sleeping_ = false;

@@ -60,13 +60,14 @@ class CSmppProtocol : public CVrmBase {
     bool TakeIntake(CSmppSession& session);
     void WaitForWork(const CSmppSession& session, bool callerIsSending);
     void SignalBind(std::int32_t code);
-    std::string NewReference();
+    void AppendNewReference(std::string& references);
 
     CKorTcpSocket socket_;
     CSmppParameters active_;  // the settings of the running session
     CSmsDeliveryReports reports_;
     CSmsMessagesX received_;
     SmppSubmitBuilder builder_;
+    std::vector<std::string> pdus_;  // of the message being sent; kept for their memory
     std::function<void(std::int32_t)> onFailure_;
     std::uint32_t nextReference_;
 
@@ -78,7 +79,7 @@ class CSmppProtocol : public CVrmBase {
 
     std::mutex lock_;  // of what follows
     std::condition_variable changed_;
-    std::vector<SmppQueuedSubmit> intake_;
+    SmppSubmitQueue intake_;
     bool started_ = false;
     bool bindAnswered_ = false;
     std::int32_t bindResult_ = 0;

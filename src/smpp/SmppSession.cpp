@@ -11,6 +11,7 @@
 namespace {
 
 constexpr std::size_t kLargestPdu = 65536;
+constexpr std::size_t kSequenceOffset = 12;
 constexpr std::uint32_t kResponseTime = 20'000;
 constexpr std::uint32_t kServiceInterval = 10'000;
 constexpr std::uint32_t kMostKeepAlives = 10;
@@ -164,15 +165,11 @@ void CSmppSession::Close(const char* reason) {
 
 void CSmppSession::OnClosed() {
     state_ = State::kClosed;
-    for (const auto& [sequence, submit] : inFlight_) {
-        reports_->SetStatus(submit.reference, sms::asDELIVERYSTATUS_FAILED, result::SmppNotBound);
-    }
-    for (const SmppQueuedSubmit& submit : queue_) {
-        reports_->SetStatus(submit.reference, sms::asDELIVERYSTATUS_FAILED, result::SmppNotBound);
-    }
-    inFlight_.clear();
-    expiry_.clear();
-    queue_.clear();
+    const auto fail = [this](std::string_view reference) {
+        reports_->SetStatus(reference, sms::asDELIVERYSTATUS_FAILED, result::SmppNotBound);
+    };
+    inFlight_.Expire(clock_->Ticks(), 0, [&](const SmppInFlight& submit) { fail(submit.reference); });
+    for (; !queue_.IsEmpty(); queue_.Pop()) fail(queue_.Front().reference);
     RetryReceipts(true);
 }
 
@@ -247,10 +244,9 @@ void CSmppSession::Dispatch(std::string_view octets) {
             break;
         case smpp::kGenericNack: {
             log_->Log(logmask::kVerbatim, "Receiving [generic_nack]...\n");
-            const auto submit = inFlight_.find(header_.sequence_number);
-            if (submit == inFlight_.end()) break;
-            Finish(submit->second, header_.command_status != 0 ? header_.command_status : 0xFF, kNoMessageId);
-            inFlight_.erase(submit);
+            const auto submit = inFlight_.Complete(header_.sequence_number);
+            if (!submit) break;
+            Finish(*submit, header_.command_status != 0 ? header_.command_status : 0xFF, kNoMessageId);
             break;
         }
         default:
@@ -272,13 +268,12 @@ void CSmppSession::OnSubmitResponse(std::string_view octets) {
     submitResp_.Decode();
     Trace(submitResp_);
     log_->Log(logmask::kVerbatim, "Message Reference [%s]\n", submitResp_.message_id.c_str());
-    const auto submit = inFlight_.find(header_.sequence_number);
-    if (submit == inFlight_.end()) return;
-    Finish(submit->second, header_.command_status, submitResp_.message_id);
-    inFlight_.erase(submit);
+    if (const auto submit = inFlight_.Complete(header_.sequence_number)) {
+        Finish(*submit, header_.command_status, submitResp_.message_id);
+    }
 }
 
-void CSmppSession::Finish(const InFlightSubmit& submit, std::uint32_t status, const std::string& messageId) {
+void CSmppSession::Finish(const SmppInFlight& submit, std::uint32_t status, const std::string& messageId) {
     if (status == 0) {
         reports_->RecordAnswer(
             submit.reference,
@@ -409,7 +404,7 @@ bool CSmppSession::TakeReceipt(const CSmsMessageX& message) {
     receipt.completedTime = IsCompletedStatus(receipt.status) ? static_cast<std::int32_t>(clock_->Now()) : 0;
     if (const auto reference = reports_->ApplyReceipt(receipt)) {
         log_->Log(logmask::kActivity, "New deliveryreport received for message [%s]\n", reference->c_str());
-    } else if (inFlight_.empty()) {
+    } else if (inFlight_.Size() == 0) {
         reports_->Update(receipt.id, receipt.status, receipt.completedTime, 0);
     } else if (held_.size() < kMostHeldReceipts) {
         held_.push_back({receipt, message, clock_->Ticks()});
@@ -441,7 +436,8 @@ void CSmppSession::OnTick() {
     ticks_ += now - lastTick_;
     lastTick_ = now;
     if (state_ != State::kBound) return;
-    ExpireSubmits();
+    inFlight_.Expire(now, kResponseTime,
+                     [this](const SmppInFlight& submit) { Finish(submit, kUnansweredStatus, kNoMessageId); });
     const auto interval = static_cast<std::uint32_t>(std::max(parameters_->serverKeepAlive, 0)) * 1000U;
     if (interval != 0 && now - lastKeepAlive_ >= interval) KeepAlive();
     if (state_ != State::kBound) return;
@@ -454,7 +450,7 @@ void CSmppSession::OnTick() {
 }
 
 std::uint32_t CSmppSession::NextTick() const {
-    if (state_ == State::kBound && !queue_.empty() && parameters_->throughput > 0 && !IsWindowFull()) {
+    if (state_ == State::kBound && !queue_.IsEmpty() && parameters_->throughput > 0 && !IsWindowFull()) {
         const std::uint64_t now = ticks_ * 1000;
         return pace_ > now
                    ? static_cast<std::uint32_t>(std::min<std::uint64_t>((pace_ - now) / 1000 + 1, kIdleTick))
@@ -478,18 +474,6 @@ void CSmppSession::KeepAlive() {
     Send(pdu, "enquire_link");
 }
 
-void CSmppSession::ExpireSubmits() {
-    const std::uint32_t now = clock_->Ticks();
-    while (!expiry_.empty() && now - expiry_.front().first >= kResponseTime) {
-        const auto submit = inFlight_.find(expiry_.front().second);
-        expiry_.pop_front();
-        if (submit == inFlight_.end()) continue;
-        Finish(submit->second, kUnansweredStatus, kNoMessageId);
-        inFlight_.erase(submit);
-    }
-    while (!expiry_.empty() && !inFlight_.contains(expiry_.front().second)) expiry_.pop_front();
-}
-
 // Messages go out evenly spaced when a throughput is set; a pause does not save up more than one message.
 void CSmppSession::Submit() {
     const std::size_t window = Window();
@@ -498,24 +482,25 @@ void CSmppSession::Submit() {
     const std::uint64_t spacing =
         parameters_->throughput > 0 ? 1'000'000ULL / static_cast<std::uint64_t>(parameters_->throughput) : 0;
     const bool logging = log_->IsLogging();
-    while (!queue_.empty() && inFlight_.size() < window && output_.size() < kOutputMark) {
+    while (!queue_.IsEmpty() && inFlight_.Size() < window && output_.size() < kOutputMark) {
         if (spacing != 0) {
             if (pace_ > now) return;
             pace_ = std::max(pace_, now > 10'000 ? now - 10'000 : 0) + spacing;
         }
-        SmppQueuedSubmit& submit = queue_.front();
+        const SmppQueuedSubmit submit = queue_.Front();
         const std::uint32_t sequence = NextSequence();
-        for (std::size_t i = 0; i < 4; ++i) submit.pdu[12 + i] = static_cast<char>(sequence >> (24 - 8 * i));
+        const std::size_t start = output_.size();
+        output_ += submit.pdu;
+        for (std::size_t i = 0; i < 4; ++i)
+            output_[start + kSequenceOffset + i] = static_cast<char>(sequence >> (24 - 8 * i));
         if (logging) {
             log_->Log(logmask::kVerbatim, "Sending [submit_sm]...\n");
             CSmppSubmitSm pdu;
-            pdu.SetData(Octets(submit.pdu));
+            pdu.SetData(Octets(std::string_view(output_).substr(start)));
             pdu.Decode();
             Trace(pdu);
         }
-        output_ += submit.pdu;
-        inFlight_.emplace(sequence, InFlightSubmit{std::move(submit.reference), submit.wantsReport});
-        expiry_.emplace_back(submitted, sequence);
-        queue_.pop_front();
+        inFlight_.Offer({std::string(submit.reference), submit.wantsReport, sequence, submitted});
+        queue_.Pop();
     }
 }

@@ -4,6 +4,8 @@
 #include "Common/SmppPdu/SmppPdus.h"
 #include "frame/KorBase.h"
 #include "smpp/SmppParameters.h"
+#include "smpp/SmppSubmitQueue.h"
+#include "smpp/SmppWindow.h"
 #include "sms/SmsDeliveryReports.h"
 #include "sms/SmsMessagesX.h"
 
@@ -11,14 +13,6 @@
 #include <deque>
 #include <string>
 #include <string_view>
-#include <unordered_map>
-
-// One encoded submit_sm on its way.
-struct SmppQueuedSubmit {
-    std::string pdu;
-    std::string reference;
-    bool wantsReport = false;
-};
 
 class CSmppSession {
   public:
@@ -29,7 +23,8 @@ class CSmppSession {
 
     void StartBind();
     void StartUnbind();
-    void Queue(SmppQueuedSubmit submit) { queue_.push_back(std::move(submit)); }
+    void Queue(const SmppQueuedSubmit& submit) { queue_.Push(submit); }
+    void Queue(SmppSubmitQueue& submits) { queue_.Append(submits); }
 
     // Octets as they arrive, in any pieces. What is no PDU closes the session.
     void OnBytes(std::string_view octets);
@@ -47,21 +42,17 @@ class CSmppSession {
     std::uint32_t NextTick() const;
 
     State GetState() const { return state_; }
-    bool HasWork() const { return !queue_.empty() || !inFlight_.empty(); }
+    bool HasWork() const { return !queue_.IsEmpty() || inFlight_.Size() != 0; }
     // The bind's result code, valid once the state is no longer kBinding.
     std::int32_t BindResult() const { return bindResult_; }
     // Why the session closed by itself: 33206 after ten unanswered keep-alives, else 0.
     std::int32_t CloseCode() const { return closeCode_; }
-    std::size_t InFlight() const { return inFlight_.size(); }
-    bool IsWindowFull() const { return inFlight_.size() >= Window(); }
+    std::size_t InFlight() const { return inFlight_.Size(); }
+    bool IsWindowFull() const { return inFlight_.Size() >= Window(); }
 
   private:
     std::size_t Window() const { return static_cast<std::size_t>(std::max(parameters_->windowSize, 1)); }
 
-    struct InFlightSubmit {
-        std::string reference;
-        bool wantsReport;
-    };
     struct HeldReceipt {  // came before the response that names its message
         SmsReceipt receipt;
         CSmsMessageX message;
@@ -88,8 +79,7 @@ class CSmppSession {
     void RetryReceipts(bool expireAll);
 
     void Submit();
-    void Finish(const InFlightSubmit& submit, std::uint32_t status, const std::string& messageId);
-    void ExpireSubmits();
+    void Finish(const SmppInFlight& submit, std::uint32_t status, const std::string& messageId);
     void KeepAlive();
     void Close(const char* reason);
 
@@ -114,9 +104,8 @@ class CSmppSession {
 
     std::string input_;
     std::string output_;
-    std::deque<SmppQueuedSubmit> queue_;
-    std::unordered_map<std::uint32_t, InFlightSubmit> inFlight_;
-    std::deque<std::pair<std::uint32_t, std::uint32_t>> expiry_;  // (tick of submission, sequence)
+    SmppSubmitQueue queue_;
+    SmppWindow inFlight_;
     std::deque<HeldReceipt> held_;
 
     CSmppPdu header_;

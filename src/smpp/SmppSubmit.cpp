@@ -127,7 +127,6 @@ std::u16string DecodeCharSet(std::u16string_view octets, std::int32_t charSet) {
 
 std::int32_t SmppSubmitBuilder::Build(const CSmppParameters& parameters, const CSmsMessageX& message,
                                       std::vector<std::string>& pdus) {
-    pdus.clear();
     if (parameters.systemMode == static_cast<std::int32_t>(BindMode::kReceiver))
         return result::SmppReceiverOnly;
     if (CheckRecipient(message.Recipient, PrefixRule::kNoOtherLetter) == result::InvalidRecipient) {
@@ -177,7 +176,7 @@ std::int32_t SmppSubmitBuilder::Build(const CSmppParameters& parameters, const C
         lastReference_ = reference;
     }
 
-    pdu_.Reset();
+    pdus.resize(static_cast<std::size_t>(parts));
     const std::string& senderText = message.Sender.empty() ? parameters.sourceAddress : message.Sender;
     const Address source = AddressOf(senderText, message.SourceTON, message.SourceNPI, parameters.sourceTon,
                                      parameters.sourceNpi);
@@ -215,7 +214,7 @@ std::int32_t SmppSubmitBuilder::Build(const CSmppParameters& parameters, const C
             static_cast<std::size_t>(room));
         pdu_.Encode();
         const auto octets = pdu_.Data();
-        pdus.emplace_back(octets.begin(), octets.end());
+        pdus[static_cast<std::size_t>(part)].assign(octets.begin(), octets.end());
     }
     return result::Success;
 }

@@ -13,8 +13,9 @@ class SmppSubmitBuilder {
   public:
     explicit SmppSubmitBuilder(Clock& clock = SystemClock()) : clock_(&clock) {}
 
-    // One encoded submit_sm a part, with sequence_number 0. 0, 33208 when bound as receiver, 34031 recipient,
-    // 34033 when a header leaves no room or more than 255 parts would be needed.
+    // Makes `pdus` one encoded submit_sm a part, with sequence_number 0; leaves it alone on an error. 0,
+    // 33208 when bound as receiver, 34031 recipient, 34033 when a header leaves no room or more than 255
+    // parts would be needed.
     [[nodiscard]] std::int32_t Build(const CSmppParameters& parameters, const CSmsMessageX& message,
                                      std::vector<std::string>& pdus);
 

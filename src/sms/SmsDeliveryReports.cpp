@@ -27,15 +27,125 @@ std::string HexText(std::uint64_t value) {
     return text.data();
 }
 
-// An identifier without regard to case and leading zeros.
-std::string Loose(std::string_view id) {
-    const std::size_t first = id.find_first_not_of('0');
-    return first == std::string_view::npos ? "0" : Upper(id.substr(first));
+// An identifier without regard to case and leading zeros: its characters, one by one.
+class LooseId {
+  public:
+    explicit LooseId(std::string_view id) : rest_(id) {
+        while (rest_.size() > 1 && rest_.front() == '0') rest_.remove_prefix(1);
+    }
+    std::size_t size() const { return rest_.size(); }
+    char operator[](std::size_t at) const {
+        const char c = rest_[at];
+        return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    }
+
+  private:
+    std::string_view rest_;
+};
+
+template <class Text>
+std::uint32_t HashCharacters(const Text& text) {
+    std::uint64_t hash = text.size();
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        hash = (hash ^ static_cast<std::uint8_t>(text[i])) * 0x9E3779B97F4A7C15U;
+        hash ^= hash >> 32;
+    }
+    return static_cast<std::uint32_t>(hash);
+}
+
+bool LooselyEqual(std::string_view left, std::string_view right) {
+    const LooseId a(left);
+    const LooseId b(right);
+    if (a.size() != b.size()) return false;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        if (a[i] != b[i]) return false;
+    }
+    return true;
 }
 
 }  // namespace
 
-void CSmsDeliveryReports::RecordSent(const std::string& reference, ReportWanted wanted) {
+// --- places and indexes
+
+std::uint32_t CSmsDeliveryReports::HashOf(Key key, std::string_view text) {
+    return key == Key::kLooseProvider ? HashCharacters(LooseId(text)) : HashCharacters(text);
+}
+
+const std::string& CSmsDeliveryReports::TextOf(Key key, std::uint32_t place) const {
+    const CSmsDeliveryReport& report = records_[place].report;
+    return key == Key::kReference ? report.reference : report.providerReference;
+}
+
+std::optional<std::uint32_t> CSmsDeliveryReports::PlaceOf(Key key, std::string_view text) const {
+    return IndexOf(key).Find(HashOf(key, text), [&](std::uint32_t place) {
+        const std::string& held = TextOf(key, place);
+        return key == Key::kLooseProvider ? LooselyEqual(held, text) : held == text;
+    });
+}
+
+// The newest of equal keys is found.
+void CSmsDeliveryReports::Enter(Key key, std::uint32_t place) {
+    const std::string& text = TextOf(key, place);
+    if (const auto older = PlaceOf(key, text)) Withdraw(key, *older);
+    IndexOf(key).Insert(HashOf(key, text), place);
+}
+
+void CSmsDeliveryReports::Withdraw(Key key, std::uint32_t place) {
+    IndexOf(key).Erase(HashOf(key, TextOf(key, place)), place);
+}
+
+CSmsDeliveryReport* CSmsDeliveryReports::Find(std::string_view reference) {
+    const auto place = PlaceOf(Key::kReference, reference);
+    return place ? &records_[*place].report : nullptr;
+}
+
+std::uint32_t CSmsDeliveryReports::Insert(CSmsDeliveryReport report) {
+    oldest_ = std::min(oldest_, report.createdTime);
+    if (const auto older = PlaceOf(Key::kReference, report.reference)) Erase(*older);
+    auto place = static_cast<std::uint32_t>(records_.size());
+    if (freePlaces_.empty()) {
+        records_.emplace_back();
+    } else {
+        place = freePlaces_.back();
+        freePlaces_.pop_back();
+    }
+    records_[place] = {std::move(report), true};
+    Enter(Key::kReference, place);
+    return place;
+}
+
+void CSmsDeliveryReports::Erase(std::uint32_t place) {
+    if (!records_[place].report.providerReference.empty()) {
+        Withdraw(Key::kProvider, place);
+        Withdraw(Key::kLooseProvider, place);
+    }
+    Withdraw(Key::kReference, place);
+    records_[place] = {};
+    freePlaces_.push_back(place);
+}
+
+void CSmsDeliveryReports::NameProvider(std::uint32_t place, std::string_view providerReference) {
+    CSmsDeliveryReport& report = records_[place].report;
+    if (!report.providerReference.empty()) {
+        Withdraw(Key::kProvider, place);
+        Withdraw(Key::kLooseProvider, place);
+    }
+    report.providerReference = providerReference;
+    if (providerReference.empty()) return;
+    Enter(Key::kProvider, place);
+    Enter(Key::kLooseProvider, place);
+}
+
+void CSmsDeliveryReports::PutStatus(CSmsDeliveryReport& report, std::int32_t status,
+                                    std::int32_t statusCode) const {
+    report.status = status;
+    report.statusCode = statusCode;
+    report.completedTime = IsCompletedStatus(status) ? static_cast<std::int32_t>(clock_->Now()) : 0;
+}
+
+// --- what happens to a message
+
+void CSmsDeliveryReports::RecordSent(std::string_view reference, ReportWanted wanted) {
     CSmsDeliveryReport report;
     report.reference = reference;
     report.createdTime = static_cast<std::int32_t>(clock_->Now());
@@ -55,101 +165,66 @@ void CSmsDeliveryReports::RecordSent(const std::string& reference, ReportWanted 
     Insert(std::move(report));
 }
 
-void CSmsDeliveryReports::Insert(CSmsDeliveryReport report) {
-    oldest_ = std::min(oldest_, report.createdTime);
-    // References mostly ascend, so that the end is the first place to look.
-    const auto before = reports_.size();
-    std::string key = report.reference;
-    const auto place = reports_.try_emplace(reports_.end(), std::move(key));
-    if (reports_.size() == before) ForgetProvider(place->second);
-    place->second = std::move(report);
-}
-
-void CSmsDeliveryReports::ForgetProvider(const CSmsDeliveryReport& report) {
-    if (report.providerReference.empty()) return;
-    const auto exact = byProvider_.find(report.providerReference);
-    if (exact != byProvider_.end() && exact->second == report.reference) byProvider_.erase(exact);
-    const auto loose = byLooseId_.find(Loose(report.providerReference));
-    if (loose != byLooseId_.end() && loose->second == report.reference) byLooseId_.erase(loose);
-}
-
-void CSmsDeliveryReports::NameProvider(CSmsDeliveryReport& report, const std::string& providerReference) {
-    ForgetProvider(report);
-    report.providerReference = providerReference;
+void CSmsDeliveryReports::RecordProviderReference(std::string_view reference,
+                                                  std::string_view providerReference) {
+    const std::scoped_lock guard(lock_);
+    const auto place = PlaceOf(Key::kReference, reference);
+    if (!place) return;
     providerReferenceLength_ = providerReference.size();
-    byProvider_[providerReference] = report.reference;
-    byLooseId_[Loose(providerReference)] = report.reference;
+    NameProvider(*place, providerReference);
 }
 
-void CSmsDeliveryReports::RecordProviderReference(const std::string& reference,
-                                                  const std::string& providerReference) {
+void CSmsDeliveryReports::RecordAnswer(std::string_view reference, std::int32_t status,
+                                       std::string_view providerReference) {
     const std::scoped_lock guard(lock_);
-    const auto report = reports_.find(reference);
-    if (report != reports_.end()) NameProvider(report->second, providerReference);
+    const auto place = PlaceOf(Key::kReference, reference);
+    if (!place) return;
+    PutStatus(records_[*place].report, status, 0);
+    if (providerReference.empty()) return;
+    providerReferenceLength_ = providerReference.size();
+    NameProvider(*place, providerReference);
 }
 
-void CSmsDeliveryReports::RecordAnswer(const std::string& reference, std::int32_t status,
-                                       const std::string& providerReference) {
+void CSmsDeliveryReports::Update(std::string_view reference, std::int32_t status, std::int32_t completedTime,
+                                 std::int32_t statusCode) {
     const std::scoped_lock guard(lock_);
-    const auto report = reports_.find(reference);
-    if (report == reports_.end()) return;
-    report->second.status = status;
-    report->second.statusCode = 0;
-    report->second.completedTime = IsCompletedStatus(status) ? static_cast<std::int32_t>(clock_->Now()) : 0;
-    if (!providerReference.empty()) NameProvider(report->second, providerReference);
-}
-
-void CSmsDeliveryReports::Update(const std::string& reference, std::int32_t status,
-                                 std::int32_t completedTime, std::int32_t statusCode) {
-    const std::scoped_lock guard(lock_);
-    auto report = reports_.find(reference);
-    if (report == reports_.end()) {
+    CSmsDeliveryReport* report = Find(reference);
+    if (report == nullptr) {
         CSmsDeliveryReport fresh;
         fresh.reference = reference;
         fresh.createdTime = static_cast<std::int32_t>(clock_->Now());
-        oldest_ = std::min(oldest_, fresh.createdTime);
-        report = reports_.emplace(reference, std::move(fresh)).first;
+        report = &records_[Insert(std::move(fresh))].report;
     }
-    report->second.status = status;
-    report->second.completedTime = IsCompletedStatus(status) ? completedTime : 0;
-    report->second.statusCode = statusCode;
+    report->status = status;
+    report->completedTime = IsCompletedStatus(status) ? completedTime : 0;
+    report->statusCode = statusCode;
 }
 
-void CSmsDeliveryReports::SetStatus(const std::string& reference, std::int32_t status,
+void CSmsDeliveryReports::SetStatus(std::string_view reference, std::int32_t status,
                                     std::int32_t statusCode) {
     const std::scoped_lock guard(lock_);
-    const auto report = reports_.find(reference);
-    if (report == reports_.end()) return;
-    report->second.status = status;
-    report->second.statusCode = statusCode;
-    report->second.completedTime = IsCompletedStatus(status) ? static_cast<std::int32_t>(clock_->Now()) : 0;
+    if (CSmsDeliveryReport* report = Find(reference)) PutStatus(*report, status, statusCode);
 }
 
 // The documented look-up first: the id as the receipt writes it (converted to hexadecimal when receipts are
 // decimal), padded to the length of the ids the server gave. Then, for servers that write one id in two ways,
 // without regard to case, leading zeros and base.
 CSmsDeliveryReport* CSmsDeliveryReports::FindByProvider(std::string_view id) {
-    const auto reportOf = [this](const std::string& reference) -> CSmsDeliveryReport* {
-        const auto report = reports_.find(reference);
-        return report != reports_.end() ? &report->second : nullptr;
-    };
     const auto asDecimal = Number(id, 10);
     std::string wanted = receiptFormat_ == sms::asSMPPDELIVERYREPORTFORMAT_DEC && asDecimal
                              ? HexText(*asDecimal)
                              : std::string(id);
     if (wanted.size() < providerReferenceLength_)
         wanted.insert(0, providerReferenceLength_ - wanted.size(), '0');
-    if (const auto exact = byProvider_.find(wanted); exact != byProvider_.end())
-        return reportOf(exact->second);
+    if (const auto exact = PlaceOf(Key::kProvider, wanted)) return &records_[*exact].report;
 
-    std::array<std::string, 3> others{Loose(id), {}, {}};
-    if (asDecimal) others[1] = HexText(*asDecimal);
-    if (const auto asHex = Number(id, 16)) others[2] = std::to_string(*asHex);
-    for (const std::string& other : others) {
-        const auto loose = byLooseId_.find(other);
-        if (loose != byLooseId_.end()) return reportOf(loose->second);
+    const auto loose = [this](std::string_view other) { return PlaceOf(Key::kLooseProvider, other); };
+    auto place = loose(id);
+    if (!place && asDecimal) place = loose(HexText(*asDecimal));
+    if (!place) {
+        if (const auto asHex = Number(id, 16)) place = loose(std::to_string(*asHex));
     }
-    return nullptr;
+    return place ? &records_[*place].report : nullptr;
 }
 
 std::optional<std::string> CSmsDeliveryReports::ApplyReceipt(const SmsReceipt& receipt) {
@@ -164,9 +239,9 @@ std::optional<std::string> CSmsDeliveryReports::ApplyReceipt(const SmsReceipt& r
 
 std::optional<CSmsDeliveryReport> CSmsDeliveryReports::Query(std::string_view reference) const {
     const std::scoped_lock guard(lock_);
-    const auto report = reports_.find(reference);
-    if (report == reports_.end()) return std::nullopt;
-    return report->second;
+    const auto place = PlaceOf(Key::kReference, reference);
+    if (!place) return std::nullopt;
+    return records_[*place].report;
 }
 
 std::optional<CSmsDeliveryReport> CSmsDeliveryReports::QueryWhole(std::string_view references,
@@ -194,10 +269,7 @@ std::optional<CSmsDeliveryReport> CSmsDeliveryReports::QueryWhole(std::string_vi
 
 void CSmsDeliveryReports::Remove(std::string_view reference) {
     const std::scoped_lock guard(lock_);
-    const auto report = reports_.find(reference);
-    if (report == reports_.end()) return;
-    ForgetProvider(report->second);
-    reports_.erase(report);
+    if (const auto place = PlaceOf(Key::kReference, reference)) Erase(*place);
 }
 
 void CSmsDeliveryReports::RemoveOlderThan(std::int32_t seconds) {
@@ -205,28 +277,28 @@ void CSmsDeliveryReports::RemoveOlderThan(std::int32_t seconds) {
     const auto limit = static_cast<std::int32_t>(clock_->Now()) - seconds;
     if (oldest_ >= limit) return;
     oldest_ = INT32_MAX;
-    for (auto report = reports_.begin(); report != reports_.end();) {
-        if (report->second.createdTime < limit) {
-            ForgetProvider(report->second);
-            report = reports_.erase(report);
+    for (std::uint32_t place = 0; place < records_.size(); ++place) {
+        const Record& record = records_[place];
+        if (!record.isHeld) continue;
+        if (record.report.createdTime < limit) {
+            Erase(place);
         } else {
-            oldest_ = std::min(oldest_, report->second.createdTime);
-            ++report;
+            oldest_ = std::min(oldest_, record.report.createdTime);
         }
     }
 }
 
 void CSmsDeliveryReports::Clear() {
     const std::scoped_lock guard(lock_);
-    reports_.clear();
-    byProvider_.clear();
-    byLooseId_.clear();
+    records_.clear();
+    freePlaces_.clear();
+    for (HashIndex& index : indexes_) index.Clear();
     providerReferenceLength_ = 0;
 }
 
 std::size_t CSmsDeliveryReports::Count() const {
     const std::scoped_lock guard(lock_);
-    return reports_.size();
+    return records_.size() - freePlaces_.size();
 }
 
 void CSmsDeliveryReports::SetReceiptFormat(std::int32_t format) {
@@ -236,10 +308,16 @@ void CSmsDeliveryReports::SetReceiptFormat(std::int32_t format) {
 
 std::string CSmsDeliveryReports::SaveText() const {
     const std::scoped_lock guard(lock_);
+    std::vector<const CSmsDeliveryReport*> sorted;
+    for (const Record& record : records_) {
+        if (record.isHeld) sorted.push_back(&record.report);
+    }
+    std::ranges::sort(sorted, {}, &CSmsDeliveryReport::reference);
     std::string text;
-    for (const auto& [reference, report] : reports_) {
+    for (const CSmsDeliveryReport* held : sorted) {
+        const CSmsDeliveryReport& report = *held;
         if (!text.empty()) text += "||";
-        text.append(reference).append(";;").append(report.providerReference);
+        text.append(report.reference).append(";;").append(report.providerReference);
         for (const std::int32_t number :
              {report.status, report.completedTime, report.statusCode, report.extra, report.createdTime}) {
             text.append(";;").append(std::to_string(number));
@@ -260,18 +338,12 @@ void CSmsDeliveryReports::LoadText(std::string_view text, bool swapped) {
         if (swapped) std::swap(fields[0], fields[1]);
         CSmsDeliveryReport report;
         report.reference = fields[0];
-        report.providerReference = fields[1];
         report.status = ToInt(fields[2]);
         report.completedTime = ToInt(fields[3]);
         report.statusCode = ToInt(fields[4]);
         report.extra = ToInt(fields[5]);
         report.createdTime = ToInt(fields[6]);
-        const std::string reference = report.reference;
-        const std::string provider = report.providerReference;
-        Insert(std::move(report));
-        if (provider.empty()) continue;
-        byProvider_[provider] = reference;
-        byLooseId_[Loose(provider)] = reference;
+        NameProvider(Insert(std::move(report)), fields[1]);
     }
 }
 

@@ -1,16 +1,18 @@
 // The delivery reports of sent messages, found by the reference that `Send` returned or by the provider's id.
 #pragma once
-#include "frame/KorBase.h"
+#include "foundation/Clock.h"
+#include "foundation/HashIndex.h"
 #include "sms/SmsConstants.h"
 #include "sms/SmsReceipt.h"
 
+#include <array>
 #include <cstdint>
-#include <map>
+#include <deque>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
+#include <vector>
 
 // One report. All times are seconds since 1970.
 struct CSmsDeliveryReport {
@@ -35,23 +37,22 @@ class CSmsDeliveryReports {
     explicit CSmsDeliveryReports(Clock& clock = SystemClock()) : clock_(&clock) {}
 
     // Enters a sent message, replacing a report of the same reference.
-    void RecordSent(const std::string& reference, ReportWanted wanted);
+    void RecordSent(std::string_view reference, ReportWanted wanted);
 
     // Names the identifier under which the provider's receipts speak of the reference.
-    void RecordProviderReference(const std::string& reference, const std::string& providerReference);
+    void RecordProviderReference(std::string_view reference, std::string_view providerReference);
 
     // The answer to a submission: the new status, and the provider's identifier unless it is empty.
-    void RecordAnswer(const std::string& reference, std::int32_t status,
-                      const std::string& providerReference);
+    void RecordAnswer(std::string_view reference, std::int32_t status, std::string_view providerReference);
 
     // Puts a final or intermediate state on the reference's report; makes the report when there is none, so
     // that a status that the network has handed over is not lost. The completed time is kept for final states
     // only.
-    void Update(const std::string& reference, std::int32_t status, std::int32_t completedTime,
+    void Update(std::string_view reference, std::int32_t status, std::int32_t completedTime,
                 std::int32_t statusCode);
 
     // Changes the status of an existing report only.
-    void SetStatus(const std::string& reference, std::int32_t status, std::int32_t statusCode);
+    void SetStatus(std::string_view reference, std::int32_t status, std::int32_t statusCode);
 
     // Applies an SMPP receipt; the reference it was for, or nothing when none is known.
     std::optional<std::string> ApplyReceipt(const SmsReceipt& receipt);
@@ -83,20 +84,34 @@ class CSmsDeliveryReports {
     std::string SaveText() const;
 
   private:
-    using Tree = std::map<std::string, CSmsDeliveryReport, std::less<>>;
-    using Index =
-        std::unordered_map<std::string, std::string>;  // an identifier -> the reference it stands for
+    // What finds a report: its reference, its provider reference, and that without regard to case and leading
+    // zeros.
+    enum class Key { kReference, kProvider, kLooseProvider };
+    struct Record {
+        CSmsDeliveryReport report;
+        bool isHeld = false;
+    };
 
+    HashIndex& IndexOf(Key key) { return indexes_[static_cast<std::size_t>(key)]; }
+    const HashIndex& IndexOf(Key key) const { return indexes_[static_cast<std::size_t>(key)]; }
+    static std::uint32_t HashOf(Key key, std::string_view text);
+    const std::string& TextOf(Key key, std::uint32_t place) const;
+    std::optional<std::uint32_t> PlaceOf(Key key, std::string_view text) const;
+    void Enter(Key key, std::uint32_t place);
+    void Withdraw(Key key, std::uint32_t place);
+
+    CSmsDeliveryReport* Find(std::string_view reference);
     CSmsDeliveryReport* FindByProvider(std::string_view id);
-    void NameProvider(CSmsDeliveryReport& report, const std::string& providerReference);
-    void ForgetProvider(const CSmsDeliveryReport& report);
-    void Insert(CSmsDeliveryReport report);
+    std::uint32_t Insert(CSmsDeliveryReport report);
+    void Erase(std::uint32_t place);
+    void NameProvider(std::uint32_t place, std::string_view providerReference);
+    void PutStatus(CSmsDeliveryReport& report, std::int32_t status, std::int32_t statusCode) const;
 
     Clock* clock_;
     mutable std::mutex lock_;
-    Tree reports_;
-    Index byProvider_;  // by the provider reference
-    Index byLooseId_;   // the same without regard to case and leading zeros
+    std::deque<Record> records_;  // in places that stay
+    std::vector<std::uint32_t> freePlaces_;
+    std::array<HashIndex, 3> indexes_;  // by Key
     std::size_t providerReferenceLength_ = 0;
     std::int32_t oldest_ = INT32_MAX;  // no report was created before
     std::int32_t receiptFormat_ = sms::asSMPPDELIVERYREPORTFORMAT_HEX;
