@@ -5,15 +5,15 @@ cd "$(dirname "$0")"
 full=${1:-}
 if [ "$full" = --full ]; then scripts/install.sh full; else scripts/install.sh test; fi
 
-scripts/build.sh native windows
+scripts/build.sh native thread windows
 seconds=3
 if [ "$full" = --full ]; then seconds=60; fi
 cmake --preset native -DFUZZ_SECONDS=$seconds >/dev/null
 
 . scripts/wine.sh
 wine_start
-# One run over both builds.
-printf 'subdirs("native" "windows")\n' >build/CTestTestfile.cmake
+# One run over all builds.
+printf 'subdirs("native" "thread" "windows")\n' >build/CTestTestfile.cmake
 result=0
 ctest --test-dir build --output-on-failure --parallel 2 --timeout 900 || result=$?
 
