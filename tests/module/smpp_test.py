@@ -88,9 +88,20 @@ class Examples(unittest.TestCase):
                                  (0, "Status: Delivered\n"))
 
     def test_receive(self):
-        with smsc("--deliver", "+31611111111 One", "--deliver", "parts:3,1,2 +31622222222 In three parts") as server:
-            code, output = wine.script(EXAMPLES / "receive.vbs", "127.0.0.1", server.port, "me", "pw", "1")
-            self.assertEqual((code, output), (0, "From +31611111111: One\nFrom +31622222222: In three parts\n"))
+        for kind in ("vbs", "js", "cpp"):
+            with self.subTest(kind), smsc("--deliver", "+31611111111 One",
+                                          "--deliver", "parts:3,1,2 +31622222222 In three parts") as server:
+                arguments = ("127.0.0.1", server.port, "me", "pw", "1")
+                done = (wine.run("smpp_example.exe", "receive", *arguments) if kind == "cpp" else
+                        wine.script(EXAMPLES / f"receive.{kind}", *arguments))
+                self.assertEqual(done, (0, "From +31611111111: One\nFrom +31622222222: In three parts\n"))
+
+    def test_cpp_send(self):
+        with smsc("--password", "secret") as server:
+            arguments = ("smpp_example.exe", "send", "127.0.0.1", server.port, "me")
+            self.assertEqual(wine.run(*arguments, "wrong", "+31612345678", "Hi"),
+                             (1, "Failed: 33204 Invalid Password specified\n"))
+            self.assertEqual(wine.run(*arguments, "secret", "+31612345678", "Hi"), (0, "Status: Delivered\n"))
 
 
 class Session(unittest.TestCase):
@@ -184,11 +195,33 @@ for (var i = 0; i < 10; ++i) {
 var message = Message("x"); message.RequestDeliveryStatus = 0;
 for (var n = 0; n < 20; ++n) for (var i = 0; i < 10; ++i) all[i].Send(message);
 for (var i = 0; i < 10; ++i) { all[i].Disconnect(); if (all[i].LastError != 0) WScript.Echo("failed"); }
-for (var i = 0; i < 50; ++i) { smpp.Connect(); if (smpp.LastError != 0) WScript.Echo("failed"); smpp.Disconnect(); }
 Show("done");
 """)
             self.assertEqual(lines, ["done|0"])
             self.assertEqual(len(server.entries("text")), 200)
+
+    def test_a_thousand_connections_leave_nothing_behind(self):
+        with smsc("--quiet") as server:
+            command = [wine.IN_WINE, "connect_many.exe", server.port, "100", "900", "1"]
+            process = subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE,
+                                       stderr=subprocess.DEVNULL, text=True)
+            try:
+                looks = []
+                for _ in range(2):
+                    handle = int(process.stdout.readline())
+                    proc = pathlib.Path("/proc", str(process.pid))
+                    looks.append({"handle": handle, "threads": len(list((proc / "task").iterdir())),
+                                  "files": len(list((proc / "fd").iterdir())),
+                                  "KiB": int(re.search(r"VmRSS:\s+(\d+)", (proc / "status").read_text())[1])})
+                    process.stdin.write("\n")
+                    process.stdin.flush()
+                early, late = looks
+                self.assertGreater(early["threads"], 0)
+                for what, slack in (("handle", 8), ("threads", 1), ("files", 1), ("KiB", 512)):
+                    self.assertLessEqual(late[what], early[what] + slack, f"{what}: {looks}")
+            finally:
+                process.stdin.write("\n")
+                process.communicate(timeout=60)
 
 
 if __name__ == "__main__":

@@ -1,0 +1,20 @@
+// Receives messages for some seconds: cscript receive.js 127.0.0.1 2775 user password [seconds]
+var smpp = new ActiveXObject("Quorvane.SmsProtocolSmpp");
+var seconds = WScript.Arguments.Count() > 4 ? Number(WScript.Arguments.Item(4)) : 2;
+smpp.Server = WScript.Arguments.Item(0);
+smpp.ServerPort = Number(WScript.Arguments.Item(1));
+smpp.SystemID = WScript.Arguments.Item(2);
+smpp.SystemPassword = WScript.Arguments.Item(3);
+smpp.SystemMode = 2;
+smpp.Connect();
+if (smpp.LastError != 0) {
+    WScript.Echo("Connect failed: " + smpp.LastError + " " + smpp.GetErrorDescription(smpp.LastError));
+    WScript.Quit(1);
+}
+for (var i = 0; i < seconds * 2; ++i) {
+    smpp.Sleep(500);
+    for (var message = smpp.GetFirstMessage(); smpp.LastError == 0; message = smpp.GetNextMessage()) {
+        WScript.Echo("From " + message.Sender + ": " + message.Data);
+    }
+}
+smpp.Disconnect();
