@@ -3,7 +3,7 @@
 #include "Common/SmppPdu/TLVTags.h"
 #include "foundation/CodePage.h"
 #include "frame/ErrorTexts.h"
-#include "smpp/SmppSubmit.h"
+#include "smpp/SmppCharSet.h"
 
 #include <array>
 #include <cstdio>
@@ -310,12 +310,13 @@ CSmsMessageX CSmppSession::MessageOf(const Body& body, const std::u16string& tex
     message.DestinationNPI = body.dest_addr_npi;
     message.DCS = body.data_coding;
     message.ESM = body.esm_class;
-    const bool ucs2 = (body.data_coding & 0x08) != 0;
-    const bool data = !ucs2 && (body.data_coding & 0x04) != 0;
-    message.Format = ucs2   ? sms::asMESSAGEFORMAT_UNICODE
-                     : data ? sms::asMESSAGEFORMAT_DATA
-                            : sms::asMESSAGEFORMAT_TEXT;
-    message.Data = ucs2 || data ? text : DecodeCharSet(text, parameters_->charSet);
+    using smppcharset::Coding;
+    const Coding coding = smppcharset::KindOf(body.data_coding);
+    message.Format = coding == Coding::kUcs2   ? sms::asMESSAGEFORMAT_UNICODE
+                     : coding == Coding::kData ? sms::asMESSAGEFORMAT_DATA
+                                               : sms::asMESSAGEFORMAT_TEXT;
+    message.Data =
+        coding == Coding::kText ? smppcharset::Decode(text, body.data_coding, parameters_->charSet) : text;
     message.ReceivedTime = static_cast<std::int32_t>(clock_->Now());
     message.TimeSecs = message.ReceivedTime;
     message.Time = TimeText(*clock_, message.TimeSecs);

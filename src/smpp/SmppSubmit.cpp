@@ -1,11 +1,10 @@
 #include "smpp/SmppSubmit.h"
 
-#include "foundation/CodePage.h"
 #include "foundation/Hex.h"
 #include "foundation/Text.h"
 #include "frame/ErrorTexts.h"
-#include "gsm/GsmAlphabet.h"
 #include "gsm/Septets.h"
+#include "smpp/SmppCharSet.h"
 
 #include <array>
 #include <cstdio>
@@ -16,11 +15,6 @@ constexpr std::uint8_t kData = 0x04;
 constexpr std::uint8_t kUcs2 = 0x08;
 constexpr std::uint8_t kHeaderIndicator = 0x40;
 constexpr std::int32_t kMostParts = 255;
-
-std::uint8_t CodingOfCharSet(std::int32_t charSet) {
-    constexpr std::array<std::uint8_t, 8> kCodings{0x00, 0x00, 0x01, 0x03, 0x05, 0x06, 0x07, 0x0A};
-    return charSet >= 0 && charSet < 8 ? kCodings[static_cast<std::size_t>(charSet)] : std::uint8_t{0x00};
-}
 
 std::uint8_t CodingOf(const CSmsMessageX& message, std::int32_t charSet) {
     if (message.DCS != CSmsMessageX::kNotSet) return static_cast<std::uint8_t>(message.DCS);
@@ -38,7 +32,7 @@ std::uint8_t CodingOf(const CSmsMessageX& message, std::int32_t charSet) {
         case sms::asMESSAGEFORMAT_UNICODE_MULTIPART_FLASH:
             return 0x18;
         default:
-            return CodingOfCharSet(charSet);
+            return smppcharset::CodingOf(charSet);
     }
 }
 
@@ -89,42 +83,6 @@ std::string SmppValidity(std::int32_t minutes, bool relative, Clock& clock) {
     return text.data();
 }
 
-std::string EncodeCharSet(std::u16string_view text, std::int32_t charSet) {
-    switch (charSet) {
-        case sms::asSMPPCHARSET_GSM: {
-            std::string codes(2 * text.size(), '\0');
-            codes.resize(CGsmAlphabet::Encode(text, reinterpret_cast<std::uint8_t*>(codes.data())));
-            return codes;
-        }
-        case sms::asSMPPCHARSET_CYRILLIC:
-        case sms::asSMPPCHARSET_HEBREW: {
-            const bool cyrillic = charSet == sms::asSMPPCHARSET_CYRILLIC;
-            const char16_t first = cyrillic ? 0x0401 : 0x05D0;
-            const char16_t last = cyrillic ? 0x045F : 0x05EA;
-            const int base = cyrillic ? 0xA1 : 0xE0;
-            std::string octets;
-            for (const char16_t c : text) {
-                if (c >= first && c <= last) {
-                    octets.push_back(static_cast<char>(base + (c - first)));
-                } else {
-                    octets += c < 0x80 ? static_cast<char>(c) : '?';
-                }
-            }
-            return octets;
-        }
-        default:
-            return ToAnsi(text);
-    }
-}
-
-std::u16string DecodeCharSet(std::u16string_view octets, std::int32_t charSet) {
-    if (charSet != sms::asSMPPCHARSET_GSM) return std::u16string(octets);
-    std::vector<std::uint8_t> codes(octets.begin(), octets.end());
-    std::u16string text(codes.size(), u'\0');
-    text.resize(CGsmAlphabet::Decode(codes, text.data()));
-    return text;
-}
-
 std::int32_t SmppSubmitBuilder::Build(const CSmppParameters& parameters, const CSmsMessageX& message,
                                       std::vector<std::string>& pdus) {
     if (parameters.systemMode == static_cast<std::int32_t>(BindMode::kReceiver))
@@ -137,7 +95,7 @@ std::int32_t SmppSubmitBuilder::Build(const CSmppParameters& parameters, const C
     const bool ucs2 = !data && (coding & kUcs2) != 0;
     std::string body = data   ? HexOctets(message.Data)
                        : ucs2 ? Ucs2Octets(message.Data)
-                              : EncodeCharSet(message.Data, parameters.charSet);
+                              : smppcharset::Encode(message.Data, parameters.charSet);
     std::string callerHeader;
     if (message.Format == sms::asMESSAGEFORMAT_DATA_UDH && !body.empty()) {
         const std::size_t size = std::min<std::size_t>(static_cast<std::uint8_t>(body[0]), body.size() - 1);

@@ -28,8 +28,3 @@ class SmppSubmitBuilder {
 // "YYMMDDhhmmss000+" (absolute, UTC) or "...000R" (relative) for a validity in minutes; empty for 0. The
 // relative form counts the span from the epoch with the year less 100, as it always did.
 std::string SmppValidity(std::int32_t minutes, bool relative, Clock& clock);
-
-// The octets of a text in an SMPP character set.
-std::string EncodeCharSet(std::u16string_view text, std::int32_t charSet);
-// And back, for a received text whose data_coding is the default.
-std::u16string DecodeCharSet(std::u16string_view octets, std::int32_t charSet);

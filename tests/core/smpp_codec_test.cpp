@@ -5,6 +5,7 @@
 #include "Common/SmppPdu/TLVTags.h"
 #include "foundation/Hex.h"
 #include "frame/ErrorTexts.h"
+#include "smpp/SmppCharSet.h"
 #include "smpp/SmppSubmit.h"
 #include "support/VirtualClock.h"
 
@@ -282,6 +283,36 @@ TEST_F(Submit, ValidityIsAbsoluteOrRelative) {
     EXPECT_EQ(SmppValidity(0, false, clock), "");
     EXPECT_EQ(SmppValidity(60, false, clock), "231114231320000+");
     EXPECT_EQ(SmppValidity(60, true, clock), "-300101010000000R");  // the year field of the epoch, less 100
+}
+
+TEST(SmppCharSets, TextGoesOutAndComesBackInEverySet) {
+    struct Row {
+        std::int32_t charSet;
+        std::uint8_t coding;
+        std::u16string text;
+        std::string octets;
+        std::u16string back;
+    };
+    // Octets from the code charts of ISO 8859-5 and 8859-8 and from 3GPP TS 23.038.
+    for (const Row& row : {
+             Row{sms::asSMPPCHARSET_GSM, 0x00, u"@[\u00e9", std::string("\0\x1B\x3C\x05", 4), u"@[\u00e9"},
+             Row{sms::asSMPPCHARSET_CYRILLIC, 0x06, u"\u0401\u0410\u044f\u2116\u00a7\u00ad\u045f a\u05d0",
+                 "\xA1\xB0\xEF\xF0\xFD\xAD\xFF a?", u"\u0401\u0410\u044f\u2116\u00a7\u00ad\u045f a?"},
+             Row{sms::asSMPPCHARSET_HEBREW, 0x07, u"\u05d0\u05ea\u00d7\u00f7\u2017\u200f\u00a9 a\uffff",
+                 "\xE0\xFA\xAA\xBA\xDF\xFE\xA9 a?", u"\u05d0\u05ea\u00d7\u00f7\u2017\u200f\u00a9 a?"},
+         }) {
+        EXPECT_EQ(smppcharset::CodingOf(row.charSet), row.coding);
+        EXPECT_EQ(smppcharset::KindOf(row.coding), smppcharset::Coding::kText);
+        EXPECT_EQ(smppcharset::Encode(row.text, row.charSet), row.octets);
+        std::u16string octets;
+        for (const char octet : row.octets) octets.push_back(static_cast<std::uint8_t>(octet));
+        EXPECT_EQ(smppcharset::Decode(octets, row.coding, row.charSet), row.back);
+    }
+    EXPECT_EQ(smppcharset::Decode(u"\u00a1\u00fb", 0x07, 0), u"??");  // unassigned in Hebrew
+    EXPECT_EQ(smppcharset::Decode(u"\u00e9", 0x03, sms::asSMPPCHARSET_GSM), u"\u00e9");  // Latin-1 whatever is set
+    EXPECT_EQ(smppcharset::KindOf(0xF5), smppcharset::Coding::kData);
+    EXPECT_EQ(smppcharset::KindOf(0x04), smppcharset::Coding::kData);
+    EXPECT_EQ(smppcharset::KindOf(0x18), smppcharset::Coding::kUcs2);
 }
 
 }  // namespace
