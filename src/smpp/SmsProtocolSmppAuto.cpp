@@ -1,9 +1,8 @@
 // The class SmsProtocolSmpp over the session and its worker thread.
 #include "NeltCtrl.h"
-#include "frame/AutomationAuto.h"
 #include "smpp/SmppProtocol.h"
+#include "sms/SmsChannelAuto.h"
 #include "sms/SmsDeliveryStatusAuto.h"
-#include "sms/SmsMessageAuto.h"
 
 namespace {
 
@@ -78,73 +77,51 @@ void GiveValue(const CTLVRecord& record, VARIANT* out) {
     }
 }
 
-class SmsProtocolSmppAuto final : public ProtocolAuto<ISmsProtocolSmpp> {
+class SmsProtocolSmppAuto final : public SmsChannelAuto<ISmsProtocolSmpp, CSmppProtocol> {
   public:
     SmsProtocolSmppAuto() {
-        smpp_.SetFailureHandler([this](std::int32_t code) { SetLastError(code); });
+        engine_.SetFailureHandler([this](std::int32_t code) { SetLastError(code); });
     }
 
-    AUTO_TEXT(Server, smpp_.parameters.server)
-    AUTO_NUMBER(ServerPort, smpp_.parameters.serverPort)
-    AUTO_NUMBER(ServerTimeout, smpp_.parameters.serverTimeout)
-    AUTO_NUMBER(ServerKeepAlive, smpp_.parameters.serverKeepAlive)
-    AUTO_TEXT(SystemID, smpp_.parameters.systemId)
-    AUTO_TEXT(SystemPassword, smpp_.parameters.systemPassword)
-    AUTO_TEXT(SystemType, smpp_.parameters.systemType)
-    AUTO_NUMBER(SystemMode, smpp_.parameters.systemMode)
-    AUTO_NUMBER(SystemVersion, smpp_.parameters.systemVersion)
-    AUTO_TEXT(SystemSourceAddress, smpp_.parameters.sourceAddress)
-    AUTO_NUMBER(SystemSourceTON, smpp_.parameters.sourceTon)
-    AUTO_NUMBER(SystemSourceNPI, smpp_.parameters.sourceNpi)
-    AUTO_NUMBER(SystemDestinationTON, smpp_.parameters.destinationTon)
-    AUTO_NUMBER(SystemDestinationNPI, smpp_.parameters.destinationNpi)
-    AUTO_NUMBER(SystemThroughput, smpp_.parameters.throughput)
-    AUTO_NUMBER(SystemCharSet, smpp_.parameters.charSet)
-    AUTO_TEXT(AddressRange, smpp_.parameters.addressRange)
-    AUTO_NUMBER(DeliveryReportFormat, smpp_.parameters.reportFormat)
-    STDMETHODIMP get_AdvancedSettings(BSTR* pVal) noexcept override { return GiveAdvancedSettings(pVal); }
-    STDMETHODIMP put_AdvancedSettings(BSTR newVal) noexcept override { return StoreAdvancedSettings(newVal); }
+    AUTO_TEXT(Server, engine_.parameters.server)
+    AUTO_NUMBER(ServerPort, engine_.parameters.serverPort)
+    AUTO_NUMBER(ServerTimeout, engine_.parameters.serverTimeout)
+    AUTO_NUMBER(ServerKeepAlive, engine_.parameters.serverKeepAlive)
+    AUTO_TEXT(SystemID, engine_.parameters.systemId)
+    AUTO_TEXT(SystemPassword, engine_.parameters.systemPassword)
+    AUTO_TEXT(SystemType, engine_.parameters.systemType)
+    AUTO_NUMBER(SystemMode, engine_.parameters.systemMode)
+    AUTO_NUMBER(SystemVersion, engine_.parameters.systemVersion)
+    AUTO_TEXT(SystemSourceAddress, engine_.parameters.sourceAddress)
+    AUTO_NUMBER(SystemSourceTON, engine_.parameters.sourceTon)
+    AUTO_NUMBER(SystemSourceNPI, engine_.parameters.sourceNpi)
+    AUTO_NUMBER(SystemDestinationTON, engine_.parameters.destinationTon)
+    AUTO_NUMBER(SystemDestinationNPI, engine_.parameters.destinationNpi)
+    AUTO_NUMBER(SystemThroughput, engine_.parameters.throughput)
+    AUTO_NUMBER(SystemCharSet, engine_.parameters.charSet)
+    AUTO_TEXT(AddressRange, engine_.parameters.addressRange)
+    AUTO_NUMBER(DeliveryReportFormat, engine_.parameters.reportFormat)
     STDMETHODIMP get_sysTLVRecordsTX(BSTR* pVal) noexcept override {
-        return Give(pVal, smpp_.parameters.transmitTlvs.ToText());
+        return Give(pVal, engine_.parameters.transmitTlvs.ToText());
     }
     STDMETHODIMP put_sysTLVRecordsTX(BSTR newVal) noexcept override {
-        return StoreTlvs(smpp_.parameters.transmitTlvs, newVal);
+        return StoreTlvs(engine_.parameters.transmitTlvs, newVal);
     }
     STDMETHODIMP get_sysTLVRecordsRX(BSTR* pVal) noexcept override {
-        return Give(pVal, smpp_.parameters.receiveTlvs.ToText());
+        return Give(pVal, engine_.parameters.receiveTlvs.ToText());
     }
     STDMETHODIMP put_sysTLVRecordsRX(BSTR newVal) noexcept override {
-        return StoreTlvs(smpp_.parameters.receiveTlvs, newVal);
+        return StoreTlvs(engine_.parameters.receiveTlvs, newVal);
     }
     STDMETHODIMP get_IsConnected(LONG* pVal) noexcept override {
-        return Give(pVal, smpp_.IsConnected() ? -1 : 0);
+        return Give(pVal, engine_.IsConnected() ? -1 : 0);
     }
 
-    STDMETHODIMP Clear() noexcept override {
-        return Method([&] {
-            smpp_.Clear();
-            return result::Success;
-        });
-    }
     STDMETHODIMP Connect() noexcept override {
-        return Method([&] { return smpp_.Connect(); });
+        return Method([&] { return engine_.Connect(); });
     }
     STDMETHODIMP Disconnect() noexcept override {
-        return Method([&] { return smpp_.Disconnect(); });
-    }
-
-    STDMETHODIMP Send(VARIANT* pMessage, BSTR* pVal) noexcept override {
-        return Method([&] {
-            if (pMessage == nullptr || pVal == nullptr) return result::InvalidParameter;
-            *pVal = nullptr;
-            CSmsMessageX message;
-            if (CopyFromAutomation(pMessage, message) != result::Success) return result::InvalidSmsMessage;
-            message.TlvRecords = smpp_.parameters.transmitTlvs;
-            std::string references;
-            const std::int32_t code = smpp_.Send(message, references);
-            *pVal = NewBstr(references);
-            return code;
-        });
+        return Method([&] { return engine_.Disconnect(); });
     }
 
     STDMETHODIMP SetTLVValue(LONG lType, LONG lTag, VARIANT vtValue) noexcept override {
@@ -155,7 +132,7 @@ class SmsProtocolSmppAuto final : public ProtocolAuto<ISmsProtocolSmpp> {
             record.tag = static_cast<std::uint32_t>(lTag);
             record.type = static_cast<TLVType>(lType);
             if (!TakeValue(vtValue, record)) return result::InvalidParameter;
-            smpp_.parameters.transmitTlvs.AddOrReplace(std::move(record));
+            engine_.parameters.transmitTlvs.AddOrReplace(std::move(record));
             return result::Success;
         });
     }
@@ -165,7 +142,7 @@ class SmsProtocolSmppAuto final : public ProtocolAuto<ISmsProtocolSmpp> {
             if (pVal == nullptr) return result::InvalidParameter;
             ::VariantInit(pVal);
             if (lTag < 1 || lTag > 0xFFFF) return result::TlvInvalidTag;
-            const CTLVRecord* record = smpp_.parameters.receiveTlvs.Find(static_cast<std::uint32_t>(lTag));
+            const CTLVRecord* record = engine_.parameters.receiveTlvs.Find(static_cast<std::uint32_t>(lTag));
             if (record == nullptr) return result::TlvNotFound;
             GiveValue(*record, pVal);
             return result::Success;
@@ -177,7 +154,7 @@ class SmsProtocolSmppAuto final : public ProtocolAuto<ISmsProtocolSmpp> {
             if (pVal == nullptr) return result::InvalidParameter;
             GiveObject(pVal, nullptr);
             CSmsDeliveryReport report;
-            const std::int32_t code = smpp_.QueryStatus(AnsiOf(bstrReference), bWait != 0, report);
+            const std::int32_t code = engine_.QueryStatus(AnsiOf(bstrReference), bWait != 0, report);
             if (code == result::Success || code == result::SmppTimedOut) GiveDeliveryStatus(pVal, report);
             return code;
         });
@@ -186,34 +163,15 @@ class SmsProtocolSmppAuto final : public ProtocolAuto<ISmsProtocolSmpp> {
     STDMETHODIMP CountReceivedMessages(LONG* pVal) noexcept override {
         return Method([&] {
             if (pVal == nullptr) return result::InvalidParameter;
-            *pVal = static_cast<LONG>(smpp_.Received().Count());
+            *pVal = static_cast<LONG>(engine_.Received().Count());
             return result::Success;
         });
     }
-    STDMETHODIMP GetFirstMessage(VARIANT* pVal) noexcept override {
-        return GiveMessage(pVal, [this](CSmsMessageX& message) { return smpp_.Received().First(message); });
-    }
-    STDMETHODIMP GetNextMessage(VARIANT* pVal) noexcept override {
-        return GiveMessage(pVal, [this](CSmsMessageX& message) {
-            const std::int32_t code = smpp_.Received().Next(message);
-            if (code == result::NoMoreMessages)
-                smpp_.Received().RemoveRead();  // a walk that ended is done with them
-            return code;
-        });
-    }
-    STDMETHODIMP GetMessage(LONG lIndex, VARIANT* pVal) noexcept override {
-        return GiveMessage(pVal, [this, lIndex](CSmsMessageX& message) {
-            const auto index = static_cast<std::size_t>(lIndex);
-            const bool found = lIndex >= 0 && smpp_.Received().ByIndex(index, message) == result::Success;
-            return found ? result::Success : result::InvalidReference;
-        });
-    }
-
     STDMETHODIMP ProviderLoadConfig(BSTR bstrConfigFile) noexcept override {
-        return Method([&] { return smpp_.LoadConfig(AnsiOf(bstrConfigFile)); });
+        return Method([&] { return engine_.LoadConfig(AnsiOf(bstrConfigFile)); });
     }
     STDMETHODIMP ProviderSaveConfig(BSTR bstrConfigFile) noexcept override {
-        return Method([&] { return smpp_.SaveConfig(AnsiOf(bstrConfigFile)); });
+        return Method([&] { return engine_.SaveConfig(AnsiOf(bstrConfigFile)); });
     }
     STDMETHODIMP Sleep(LONG lMilliseconds) noexcept override {
         return Method([&] {
@@ -221,30 +179,15 @@ class SmsProtocolSmppAuto final : public ProtocolAuto<ISmsProtocolSmpp> {
             return result::Success;
         });
     }
-    STDMETHODIMP LoadReports(BSTR bstrFile) noexcept override {
-        return Method([&] { return smpp_.Reports().Load(AnsiOf(bstrFile)); });
-    }
-    STDMETHODIMP SaveReports(BSTR bstrFile) noexcept override {
-        return Method([&] { return smpp_.Reports().Save(AnsiOf(bstrFile)); });
-    }
-
-  protected:
-    CVrmBase& Base() override { return smpp_; }
 
   private:
-    template <class Read>
-    HRESULT GiveMessage(VARIANT* pVal, Read read) noexcept {
-        return Method([&] {
-            if (pVal == nullptr) return result::InvalidParameter;
-            GiveObject(pVal, nullptr);
-            CSmsMessageX message;
-            const std::int32_t code = read(message);
-            if (code != result::Success) return code;
-            smpp_.parameters.receiveTlvs = message.TlvRecords;
-            GiveSmsMessage(pVal, message);
-            return code;
-        });
+    std::int32_t Prepare(VARIANT* from, CSmsMessageX& message) override {
+        if (CopyFromAutomation(from, message) != result::Success) return result::InvalidSmsMessage;
+        message.TlvRecords = engine_.parameters.transmitTlvs;
+        return result::Success;
     }
+    void Giving(const CSmsMessageX& message) override { engine_.parameters.receiveTlvs = message.TlvRecords; }
+    void WalkEnded() override { engine_.Received().RemoveRead(); }  // the caller has seen them all
 
     HRESULT StoreTlvs(CTLVRecords& records, BSTR text) noexcept {
         try {
@@ -253,8 +196,6 @@ class SmsProtocolSmppAuto final : public ProtocolAuto<ISmsProtocolSmpp> {
         }
         return S_OK;
     }
-
-    CSmppProtocol smpp_;
 };
 
 }  // namespace

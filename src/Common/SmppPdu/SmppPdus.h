@@ -49,17 +49,13 @@ struct SmppMessageIdBody {
     }
 };
 
-struct SmppMessageBody {
-    static constexpr bool kHasTlvs = true;
+// Who sends what kind of message to whom: the start of every message.
+struct SmppAddressFields {
     std::string service_type;
     std::uint8_t source_addr_ton = 0, source_addr_npi = 0;
     std::string source_addr;
     std::uint8_t dest_addr_ton = 0, dest_addr_npi = 0;
     std::string destination_addr;
-    std::uint8_t esm_class = 0, protocol_id = 0, priority_flag = 0;
-    std::string schedule_delivery_time, validity_period;
-    std::uint8_t registered_delivery = 0, replace_if_present_flag = 0, data_coding = 0, sm_default_msg_id = 0;
-    std::string short_message;
 
     template <class Io>
     void Fields(Io& io) {
@@ -70,6 +66,19 @@ struct SmppMessageBody {
         io.Byte("Destination TON", dest_addr_ton);
         io.Byte("Destination NPI", dest_addr_npi);
         io.CString("Destination Address", destination_addr);
+    }
+};
+
+struct SmppMessageBody : SmppAddressFields {
+    static constexpr bool kHasTlvs = true;
+    std::uint8_t esm_class = 0, protocol_id = 0, priority_flag = 0;
+    std::string schedule_delivery_time, validity_period;
+    std::uint8_t registered_delivery = 0, replace_if_present_flag = 0, data_coding = 0, sm_default_msg_id = 0;
+    std::string short_message;
+
+    template <class Io>
+    void Fields(Io& io) {
+        SmppAddressFields::Fields(io);
         io.Byte("ESM Flag", esm_class);
         io.Byte("Protocol ID", protocol_id);
         io.Byte("Priority Flag", priority_flag);
@@ -99,24 +108,13 @@ struct SmppDeliverBody : SmppMessageBody, SmppReceivedText {
     void ReadText(const CTLVRecords& tlvs) { Read(short_message, tlvs, esm_class, data_coding); }
 };
 
-struct SmppDataBody {
+struct SmppDataBody : SmppAddressFields {
     static constexpr bool kHasTlvs = true;
-    std::string service_type;
-    std::uint8_t source_addr_ton = 0, source_addr_npi = 0;
-    std::string source_addr;
-    std::uint8_t dest_addr_ton = 0, dest_addr_npi = 0;
-    std::string destination_addr;
     std::uint8_t esm_class = 0, registered_delivery = 0, data_coding = 0;
 
     template <class Io>
     void Fields(Io& io) {
-        io.CString("Service Type", service_type);
-        io.Byte("Source TON", source_addr_ton);
-        io.Byte("Source NPI", source_addr_npi);
-        io.CString("Source Address", source_addr);
-        io.Byte("Destination TON", dest_addr_ton);
-        io.Byte("Destination NPI", dest_addr_npi);
-        io.CString("Destination Address", destination_addr);
+        SmppAddressFields::Fields(io);
         io.Byte("ESM Flag", esm_class);
         io.Byte("Registered Delivery", registered_delivery);
         io.Byte("Data Coding Scheme", data_coding);
