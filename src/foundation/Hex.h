@@ -27,4 +27,19 @@ constexpr std::uint8_t Value(char16_t c) { return c < 256 ? Value(static_cast<ch
 
 inline void Append(std::string& text, std::uint8_t octet) { text.append(kPairs[octet].data(), 2); }
 
+// Eight digits.
+inline void AppendNumber(std::string& text, std::uint32_t number) {
+    for (int shift = 24; shift >= 0; shift -= 8) Append(text, static_cast<std::uint8_t>(number >> shift));
+}
+
+inline std::string Of(std::string_view octets) {
+    std::string text(2 * octets.size(), '\0');
+    for (std::size_t i = 0; i < octets.size(); ++i) {
+        const auto& pair = kPairs[static_cast<std::uint8_t>(octets[i])];
+        text[2 * i] = pair[0];
+        text[2 * i + 1] = pair[1];
+    }
+    return text;
+}
+
 }  // namespace hex

@@ -140,12 +140,6 @@ std::int32_t CSmppProtocol::Disconnect() {
     return result::Success;
 }
 
-void CSmppProtocol::AppendNewReference(std::string& references) {
-    const std::uint32_t reference = nextReference_++;
-    for (int shift = 24; shift >= 0; shift -= 8)
-        hex::Append(references, static_cast<std::uint8_t>(reference >> shift));
-}
-
 std::int32_t CSmppProtocol::Send(const CSmsMessageX& message, std::string& references) {
     references.clear();
     if (!IsConnected()) return result::SmppNotBound;
@@ -156,7 +150,7 @@ std::int32_t CSmppProtocol::Send(const CSmsMessageX& message, std::string& refer
     for (const std::string& pdu : pdus_) {
         if (!references.empty()) references += kReferenceSeparator;
         const std::size_t start = references.size();
-        AppendNewReference(references);
+        hex::AppendNumber(references, nextReference_++);
         const std::string_view reference = std::string_view(references).substr(start);
         reports_.RecordSent(reference, ReportWanted::kSubmitRequested);
         const std::scoped_lock guard(lock_);

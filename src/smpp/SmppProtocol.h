@@ -60,7 +60,6 @@ class CSmppProtocol : public CVrmBase {
     bool TakeIntake(CSmppSession& session);
     void WaitForWork(const CSmppSession& session, bool callerIsSending);
     void SignalBind(std::int32_t code);
-    void AppendNewReference(std::string& references);
 
     CKorTcpSocket socket_;
     CSmppParameters active_;  // the settings of the running session

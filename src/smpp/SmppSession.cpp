@@ -2,11 +2,11 @@
 
 #include "Common/SmppPdu/TLVTags.h"
 #include "foundation/CodePage.h"
+#include "foundation/Hex.h"
 #include "frame/ErrorTexts.h"
 #include "smpp/SmppCharSet.h"
 
 #include <array>
-#include <cstdio>
 
 namespace {
 
@@ -363,9 +363,7 @@ void CSmppSession::OnData(std::string_view octets) {
     Receive(std::move(message));
     CSmppDataSmResp response;
     response.sequence_number = header_.sequence_number;
-    std::array<char, 16> reference{};
-    std::snprintf(reference.data(), reference.size(), "%08X", static_cast<unsigned>(dataReference_++));
-    response.message_id = reference.data();
+    hex::AppendNumber(response.message_id, dataReference_++);
     Send(response, "data_sm_resp");
 }
 

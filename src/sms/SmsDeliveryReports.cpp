@@ -34,10 +34,7 @@ class LooseId {
         while (rest_.size() > 1 && rest_.front() == '0') rest_.remove_prefix(1);
     }
     std::size_t size() const { return rest_.size(); }
-    char operator[](std::size_t at) const {
-        const char c = rest_[at];
-        return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-    }
+    char operator[](std::size_t at) const { return UpperChar(rest_[at]); }
 
   private:
     std::string_view rest_;

@@ -78,6 +78,10 @@ constexpr ClassRow kClasses[] = {
     {L"SmsDeliveryStatus", L"Quorvane.SmsDeliveryReport", L"{E3C1E60A-87B3-4178-BB93-CCB8D6AC59F8}"},
     {L"SmsProtocolGsm", L"Quorvane.SmsProtocolGsm", L"{30F256C0-EE6E-4C57-A475-E3E81236119F}"},
     {L"SmsProtocolSmpp", L"Quorvane.SmsProtocolSmpp", L"{0B3C73A0-D209-465A-B6C4-9B6AC9DCC424}"},
+    {L"SmsDataWapPush", L"Quorvane.SmsDataWapPush", L"{EF74EFF2-4F98-464A-9F73-CF6D77D9C954}"},
+    {L"SmsDataWapBookmark", L"Quorvane.SmsDataWapBookmark", L"{ED494BC8-222A-4716-A46D-14F72F02CB89}"},
+    {L"SmsDataMmsNotification", L"Quorvane.SmsDataMmsNotification", L"{4868BE0E-AA1B-4289-8FFB-CC75275D9822}"},
+    {L"SmsDatavCard", L"Quorvane.SmsDatavCard", L"{4368F874-0EBD-4816-8915-F340F7150B95}"},
 };
 
 Snapshot Expected(const std::wstring& module) {
