@@ -1,5 +1,4 @@
 """The SMPP channel of the registered module, from scripts, against the lab's SMSC."""
-import contextlib
 import json
 import pathlib
 import re
@@ -10,6 +9,7 @@ import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent))
 import wine  # noqa: E402
+from wine import smsc  # noqa: E402
 
 EXAMPLES = wine.ROOT / "examples/smpp"
 
@@ -28,44 +28,6 @@ function Message(text) {
 }
 function Show(what) { WScript.Echo(what + "|" + smpp.LastError); }
 """
-
-
-class Smsc:
-    def __init__(self, folder, options, rules):
-        self.record, log = folder / "smsc.json", folder / "smsc.txt"
-        arguments = [sys.executable, wine.ROOT / "lab/smsc.py", "--port", 0, "--record", self.record, *options]
-        if rules:
-            (folder / "rules.json").write_text(json.dumps(rules), encoding="utf-8")
-            arguments += ["--scenario", folder / "rules.json"]
-        self.output = open(log, "w", encoding="utf-8")
-        self.process = subprocess.Popen(list(map(str, arguments)), stdout=self.output, stderr=subprocess.STDOUT)
-        deadline = time.time() + 10
-        while not (ready := re.search(r"ready on port (\d+)", log.read_text(encoding="utf-8"))):
-            if time.time() > deadline:
-                raise RuntimeError("the lab SMSC does not start")
-            time.sleep(0.02)
-        self.port = ready[1]
-
-    def entries(self, key):
-        if not self.record.exists():
-            return []
-        rows = [json.loads(line) for line in self.record.read_text(encoding="utf-8").splitlines()]
-        return [row for row in rows if key in row]
-
-    def close(self):
-        self.process.terminate()
-        self.process.wait()
-        self.output.close()
-
-
-@contextlib.contextmanager
-def smsc(*options, rules=None):
-    with wine.folder() as path:
-        started = Smsc(path, options, rules)
-        try:
-            yield started
-        finally:
-            started.close()
 
 
 def run_script(server, body, timeout=120):
@@ -117,7 +79,7 @@ Show(status.StatusDescription + " " + reference.split(";").length);
 smpp.Disconnect(); Show(smpp.IsConnected);
 """)
                 self.assertEqual(lines, ["-1|0", "Delivered 4|0", "0|0"])
-                text = "".join(entry["text"] for entry in server.entries("text"))
+                text = "".join(entry["text"] for entry in server.submitted())
                 self.assertEqual(text, "A long text. " * 39)
 
     def test_statuses_and_misbehaviour(self):
@@ -198,7 +160,7 @@ for (var i = 0; i < 10; ++i) { all[i].Disconnect(); if (all[i].LastError != 0) W
 Show("done");
 """)
             self.assertEqual(lines, ["done|0"])
-            self.assertEqual(len(server.entries("text")), 200)
+            self.assertEqual(len(server.submitted()), 200)
 
     def test_a_thousand_connections_leave_nothing_behind(self):
         with smsc("--quiet") as server:

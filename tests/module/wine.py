@@ -3,6 +3,7 @@ import contextlib
 import json
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -29,39 +30,57 @@ def script(path, *arguments, timeout=120):
     return run("cscript", "//nologo", windows_path(path), *arguments, timeout=timeout)
 
 
-class Modem:
-    def __init__(self, com, folder, options, rules):
-        self.com = f"COM{com}"
-        self.record = folder / f"modem{com}.json"
-        self.log = folder / f"modem{com}.txt"
-        arguments = [sys.executable, ROOT / "lab/modem.py", "--link", PREFIX / f"dosdevices/com{com}", "--record",
-                     self.record, *options]
+class Counterpart:
+    """A program of the lab that records what it saw, a JSON object a line."""
+
+    def __init__(self, program, folder, ready, arguments, rules):
+        self.record = folder / "record.json"
+        command = [sys.executable, ROOT / "lab" / program, "--record", self.record, *arguments]
         if rules:
             (folder / "rules.json").write_text(json.dumps(rules), encoding="utf-8")
-            arguments += ["--scenario", folder / "rules.json"]
-        self.output = open(self.log, "w", encoding="utf-8")
-        self.process = subprocess.Popen(list(map(str, arguments)), stdout=self.output, stderr=subprocess.STDOUT)
+            command += ["--scenario", folder / "rules.json"]
+        log = folder / "output.txt"
+        self.output = open(log, "w", encoding="utf-8")
+        self.process = subprocess.Popen(list(map(str, command)), stdout=self.output, stderr=subprocess.STDOUT)
         deadline = time.time() + 10
-        while "modem ready" not in self.log.read_text(encoding="utf-8"):
+        while not (found := re.search(ready, log.read_text(encoding="utf-8"))):
             if time.time() > deadline:
-                raise RuntimeError("the lab modem does not start: " + self.log.read_text(encoding="utf-8"))
+                raise RuntimeError(f"{program} does not start: " + log.read_text(encoding="utf-8"))
             time.sleep(0.02)
+        self.ready = found
 
-    def entries(self):
+    def entries(self, key=None):
         if not self.record.exists():
             return []
-        return [json.loads(line) for line in self.record.read_text(encoding="utf-8").splitlines()]
-
-    def commands(self):
-        return [entry["command"] for entry in self.entries() if "command" in entry]
-
-    def submitted(self):
-        return [entry for entry in self.entries() if "given" in entry]
+        rows = [json.loads(line) for line in self.record.read_text(encoding="utf-8").split("\n") if line]
+        return [row for row in rows if key is None or key in row]
 
     def close(self):
         self.process.terminate()
         self.process.wait()
         self.output.close()
+
+
+class Modem(Counterpart):
+    def __init__(self, com, folder, options, rules):
+        self.com = f"COM{com}"
+        link = PREFIX / f"dosdevices/com{com}"
+        super().__init__("modem.py", folder, "modem ready", ["--link", link, *options], rules)
+
+    def commands(self):
+        return [entry["command"] for entry in self.entries("command")]
+
+    def submitted(self):
+        return self.entries("given")
+
+
+class Smsc(Counterpart):
+    def __init__(self, folder, options, rules):
+        super().__init__("smsc.py", folder, r"ready on port (\d+)", ["--port", 0, *options], rules)
+        self.port = self.ready[1]
+
+    def submitted(self):
+        return self.entries("text")
 
 
 @contextlib.contextmanager
@@ -74,13 +93,21 @@ def folder():
 
 
 @contextlib.contextmanager
-def modem(com, *options, rules=None):
-    # The prefix must be there before a port can be linked into it.
-    if not (PREFIX / "dosdevices").is_dir():
-        run("cmd", "/c", "exit")
+def running(start, *arguments):
     with folder() as path:
-        started = Modem(com, path, options, rules)
+        started = start(path, *arguments)
         try:
             yield started
         finally:
             started.close()
+
+
+def modem(com, *options, rules=None):
+    # The prefix must be there before a port can be linked into it.
+    if not (PREFIX / "dosdevices").is_dir():
+        run("cmd", "/c", "exit")
+    return running(lambda path: Modem(com, path, options, rules))
+
+
+def smsc(*options, rules=None):
+    return running(Smsc, options, rules)

@@ -1,0 +1,25 @@
+' Sends a text with a link that the phone offers to open: cscript push.vbs COM5 +31612345678 http://www.example.org/ "The text"
+Option Explicit
+Dim constants, content, gsm, message, reference
+
+Set constants = CreateObject("Quorvane.SmsConstants")
+Set content = CreateObject("Quorvane.SmsDataWapPush")
+content.ConnectionType = constants.asWAPPUSH_SERVICE_INDICATION
+content.URL = WScript.Arguments(2)
+content.Description = WScript.Arguments(3)
+content.SignalAction = constants.asWAPPUSHSIGNAL_HIGH
+content.Encode
+WScript.Echo "Content: " & content.EncodedMessage
+
+Set message = CreateObject("Quorvane.SmsMessage")
+message.Recipient = WScript.Arguments(1)
+message.Data = content.EncodedMessage
+message.Format = constants.asMESSAGEFORMAT_DATA_UDH
+Set gsm = CreateObject("Quorvane.SmsProtocolGsm")
+gsm.Device = WScript.Arguments(0)
+reference = gsm.Send(message)
+If gsm.LastError <> 0 Then
+    WScript.Echo "Failed: " & gsm.LastError & " " & gsm.GetErrorDescription(gsm.LastError)
+    WScript.Quit 1
+End If
+WScript.Echo "Sent, reference " & reference

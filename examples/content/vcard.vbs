@@ -1,0 +1,23 @@
+' Sends a business card: cscript vcard.vbs COM5 +31612345678 "The name" +31600000002
+Option Explicit
+Dim constants, content, gsm, message, reference
+
+Set constants = CreateObject("Quorvane.SmsConstants")
+Set content = CreateObject("Quorvane.SmsDatavCard")
+content.Name = WScript.Arguments(2)
+content.Mobile = WScript.Arguments(3)
+content.Encode
+WScript.Echo "Content: " & content.EncodedMessage
+
+Set message = CreateObject("Quorvane.SmsMessage")
+message.Recipient = WScript.Arguments(1)
+message.Data = content.EncodedMessage
+message.Format = constants.asMESSAGEFORMAT_DATA_UDH
+Set gsm = CreateObject("Quorvane.SmsProtocolGsm")
+gsm.Device = WScript.Arguments(0)
+reference = gsm.Send(message)
+If gsm.LastError <> 0 Then
+    WScript.Echo "Failed: " & gsm.LastError & " " & gsm.GetErrorDescription(gsm.LastError)
+    WScript.Quit 1
+End If
+WScript.Echo "Sent, reference " & reference
