@@ -1,6 +1,7 @@
 // What every automatable class has in common: IUnknown and IDispatch, the access to plain values, the common
 // members and the one boundary that methods work behind.
 #pragma once
+#include "frame/DispatchNamesAuto.h"
 #include "frame/ErrorTexts.h"
 #include "frame/ModuleAuto.h"
 #include "frame/VrmBase.h"
@@ -123,7 +124,13 @@ class Automation : public Interface {
     STDMETHODIMP GetIDsOfNames(REFIID /*reserved*/, LPOLESTR* names, UINT count, LCID /*locale*/,
                                DISPID* ids) override {
         ITypeInfo* info = Info();
-        return info != nullptr ? info->GetIDsOfNames(names, count, ids) : TYPE_E_CANTLOADLIBRARY;
+        if (info == nullptr) return TYPE_E_CANTLOADLIBRARY;
+        if (count == 1 && names != nullptr && ids != nullptr && names[0] != nullptr) {
+            static const DispatchNames members(info);
+            *ids = members.Find(names[0]);
+            if (*ids != DISPID_UNKNOWN) return S_OK;
+        }
+        return info->GetIDsOfNames(names, count, ids);
     }
     STDMETHODIMP Invoke(DISPID id, REFIID /*reserved*/, LCID /*locale*/, WORD flags, DISPPARAMS* parameters,
                         VARIANT* outcome, EXCEPINFO* exception, UINT* badArgument) override {

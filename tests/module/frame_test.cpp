@@ -4,6 +4,7 @@
 #include "gsm/UserDataHeader.h"
 
 #include <cstdlib>
+#include <cwctype>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
@@ -201,6 +202,34 @@ TEST(SmsMessage, HoldsItsDefaultsAndAnyValue) {
         }
         message->put_Time(Bstr(L"later"));
         message->Clear();
+    }
+}
+
+TEST(LateBinding, FindsMembersByTheirWholeNameInAnyCase) {
+    const auto message = Create<ISmsMessage>(L"Quorvane.SmsMessage");
+    const auto id = [&message](std::wstring name) {
+        LPOLESTR text = name.data();
+        DISPID found = 0;
+        const HRESULT outcome = message->GetIDsOfNames(IID_NULL, &text, 1, LOCALE_USER_DEFAULT, &found);
+        return SUCCEEDED(outcome) ? found : outcome;
+    };
+    ITypeInfo* info = nullptr;
+    ASSERT_EQ(message->GetTypeInfo(0, LOCALE_USER_DEFAULT, &info), S_OK);
+    FUNCDESC* function = nullptr;
+    for (UINT i = 0; SUCCEEDED(info->GetFuncDesc(i, &function)); ++i) {
+        Bstr name;
+        info->GetDocumentation(function->memid, name.out(), nullptr, nullptr, nullptr);
+        std::wstring upper = name.str();
+        for (wchar_t& c : upper) c = static_cast<wchar_t>(std::towupper(c));
+        EXPECT_EQ(id(name.str()), function->memid);
+        EXPECT_EQ(id(upper), function->memid);
+        info->ReleaseFuncDesc(function);
+    }
+    info->Release();
+    for (const std::wstring& name :
+         {std::wstring(L"Sende"), std::wstring(L"Senders"), std::wstring(), std::wstring(65536, L'S'),
+          std::wstring(L"\u017Fender"), std::wstring(L"zzz")}) {
+        EXPECT_EQ(id(name), DISP_E_UNKNOWNNAME) << name.size();
     }
 }
 
