@@ -2,13 +2,17 @@
 // too.
 #include "SmppSink.h"
 #include "smpp/SmppProtocol.h"
+#include "support/TemporaryFolder.h"
 
+#include <atomic>
 #include <gtest/gtest.h>
+#include <thread>
 
 namespace {
 
 TEST(SmppThreads, ManyMessagesFromTheCallersThreadAllGetTheirResult) {
     const SmppSink sink;
+    const TemporaryFolder folder;
     for (int round = 0; round < 3; ++round) {
         CSmppProtocol smpp;
         smpp.parameters.server = "127.0.0.1";
@@ -18,7 +22,17 @@ TEST(SmppThreads, ManyMessagesFromTheCallersThreadAllGetTheirResult) {
         message.Recipient = "+31612345678";
         message.Data = u"text";
         std::vector<std::string> references(500);
-        for (std::string& reference : references) ASSERT_EQ(smpp.Send(message, reference), 0);
+        // Meanwhile the log is switched and another thread looks at the results.
+        std::atomic<bool> done = false;
+        std::thread reader([&smpp, &done] {
+            while (!done) (void)(smpp.Reports().SaveText().size() + smpp.Received().Count());
+        });
+        for (std::size_t i = 0; i < references.size(); ++i) {
+            if (i % 100 == 50) smpp.SetLogFile(i % 200 == 50 ? folder.File("log.txt") : std::string());
+            EXPECT_EQ(smpp.Send(message, references[i]), 0);
+        }
+        done = true;
+        reader.join();
         CSmsDeliveryReport report;
         EXPECT_EQ(smpp.QueryStatus(references[round], true, report), 0);
         smpp.Disconnect();  // sends what is still queued
