@@ -46,7 +46,7 @@ void FillAndWalk(benchmark::State& state) {
 BENCHMARK(FillAndWalk)
     ->RangeMultiplier(10)
     ->Range(1000, 100'000)
-    ->Complexity()
+    ->Complexity(benchmark::oNLogN)
     ->Unit(benchmark::kMillisecond);
 
 void ReportsAtSize(benchmark::State& state) {
