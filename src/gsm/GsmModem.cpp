@@ -395,22 +395,11 @@ std::int32_t CGsmModem::Receive() {
     Log(logmask::kVerbatim, "RETRIEVE MESSAGES FROM STORAGE : [%s]\n",
         StorageName(settings.messageStorage, false));
     received_.Clear();
-    const OpenDevice device(*this);
-    if (device.Code() != result::Success) return device.Code();
-    if (const std::int32_t code = Initialise(); code != result::Success) return code;
-    switch (settings.messageStorage) {
-        case sms::asSTORAGE_SIM:
-            return ReadStorages(kSim);
-        case sms::asSTORAGE_DEVICE:
-            return ReadStorages(kDevice);
-        case sms::asSTORAGE_COMBINED:
-            return ReadStorages(kCombined);
-        default:
-            return ReadStorages(offeredStorages_ & ~static_cast<unsigned>(kReports));
-    }
+    return ReadChosenStorages(false);
 }
 
-std::int32_t CGsmModem::ReadReports() {
+// Messages never lie in the report storage; reports may, when it is chosen or offered.
+std::int32_t CGsmModem::ReadChosenStorages(bool reports) {
     const OpenDevice device(*this);
     if (device.Code() != result::Success) return device.Code();
     if (const std::int32_t code = Initialise(); code != result::Success) return code;
@@ -422,9 +411,11 @@ std::int32_t CGsmModem::ReadReports() {
         case sms::asSTORAGE_COMBINED:
             return ReadStorages(kCombined);
         case sms::asSTORAGE_REPORTS:
-            return ReadStorages(kReports);
+            if (reports) return ReadStorages(kReports);
+            [[fallthrough]];
         default:
-            return ReadStorages(offeredStorages_);
+            return ReadStorages(reports ? offeredStorages_
+                                        : offeredStorages_ & ~static_cast<unsigned>(kReports));
     }
 }
 
@@ -574,7 +565,7 @@ std::int32_t CGsmModem::QueryStatus(std::string_view references, CSmsDeliveryRep
     if (!reportsReadAt_ || now - *reportsReadAt_ > kReportsMaximumAge || now < *reportsReadAt_) {
         Log(logmask::kVerbatim, "RETRIEVE REPORTS FROM STORAGE : [%s]\n",
             StorageName(settings.messageStorage, true));
-        if (const std::int32_t code = ReadReports(); code != result::Success) return code;
+        if (const std::int32_t code = ReadChosenStorages(true); code != result::Success) return code;
         reportsReadAt_ = GetClock().Now();
     }
     const auto whole = reports_.QueryWhole(references, kReferenceSeparator);

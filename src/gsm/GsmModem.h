@@ -80,7 +80,7 @@ class CGsmModem : public CVrmBase {
     [[nodiscard]] std::int32_t SendText(const CSmsMessageX& message, std::string& references);
     [[nodiscard]] std::int32_t RequestReports();
 
-    [[nodiscard]] std::int32_t ReadReports();
+    [[nodiscard]] std::int32_t ReadChosenStorages(bool reports);
     [[nodiscard]] std::int32_t ReadStorages(unsigned storages);
     [[nodiscard]] std::int32_t ReadStorage(const char* storage);
     [[nodiscard]] std::int32_t ListMessages(const char* storage, int status, std::string& reportKeys);

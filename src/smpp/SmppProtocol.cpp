@@ -16,7 +16,7 @@ constexpr std::uint32_t kUnbindTime = 5000;
 constexpr std::uint32_t kSendSlice = 20;
 constexpr std::size_t kReadSize = 65536;
 constexpr std::uint32_t kGatherTime = 1;
-constexpr std::uint32_t kQueryPause = 20;
+constexpr std::uint32_t kLongestQueryPause = 20;
 
 // The provider file: one row a setting.
 struct TextKey {
@@ -172,6 +172,7 @@ std::int32_t CSmppProtocol::QueryStatus(std::string_view references, bool wait, 
     if (references.empty()) return result::InvalidReference;
     const Timer timer(GetClock(), static_cast<std::uint32_t>(std::max(parameters.serverTimeout, 0)));
     std::int32_t code = result::Success;
+    std::uint32_t pause = 1;  // answers mostly come at once, receipts take their time
     for (;;) {
         const auto whole = reports_.QueryWhole(references, kReferenceSeparator);
         if (!whole) {
@@ -184,7 +185,8 @@ std::int32_t CSmppProtocol::QueryStatus(std::string_view references, bool wait, 
             code = result::SmppTimedOut;
             break;
         }
-        GetClock().Sleep(kQueryPause);
+        GetClock().Sleep(pause);
+        pause = std::min(2 * pause, kLongestQueryPause);
     }
     const std::string text(references);
     if (code == result::QueryFailed) {
