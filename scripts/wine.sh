@@ -11,9 +11,13 @@ wine_start() {
   flock 9
   if ! wineserver -k0 >/dev/null 2>&1; then
     # A server of its own session: a signal to a server that a program started would make it print all it holds.
-    # The services that the first program brings up must not hold on to the output of a test either.
     setsid wineserver -p </dev/null >/dev/null 2>&1 9>&- || true
     wine wineboot -i </dev/null >/dev/null 2>&1 9>&- || true
+    # Wine's services come with the first program and go with the last; those that a test brought up would hold on
+    # to its output. So one program stays, waiting for input that never comes.
+    rm -f "$WINEPREFIX/.idle"
+    mkfifo "$WINEPREFIX/.idle"
+    setsid sh -c 'exec wine cmd /k <>"$WINEPREFIX/.idle" >/dev/null 2>&1' 9>&- &
   fi
   exec 9>&-
 }

@@ -12,7 +12,7 @@ constexpr std::uint32_t kNever = 0xFFFFFFFF;
 class TcpSocket : public testing::Test {
   protected:
     void Connect() {
-        ASSERT_EQ(socket.Connect("localhost", peer.Port(), 1000), tcp::kSuccess);
+        ASSERT_EQ(socket.Connect("127.0.0.1", peer.Port(), 1000), tcp::kSuccess);
         peer.Accept();
     }
     // Reads until something comes; what the peer has sent may still be on its way.
