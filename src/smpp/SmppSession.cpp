@@ -193,8 +193,15 @@ void CSmppSession::OnBytes(std::string_view octets) {
         rest.remove_prefix(length);
     }
     input_ = std::string(rest);
-    if (answered_ && !held_.empty()) RetryReceipts(false);
-    answered_ = false;
+    RecordAnswers();
+}
+
+// Receipts that waited for one of the answers are tried again.
+void CSmppSession::RecordAnswers() {
+    if (answers_.empty()) return;
+    reports_->RecordAnswers(answers_);
+    answers_.clear();
+    if (!held_.empty()) RetryReceipts(false);
 }
 
 void CSmppSession::Dispatch(std::string_view octets) {
@@ -275,10 +282,10 @@ void CSmppSession::OnSubmitResponse(std::string_view octets) {
 
 void CSmppSession::Finish(const SmppInFlight& submit, std::uint32_t status, const std::string& messageId) {
     if (status == 0) {
-        reports_->RecordAnswer(
-            submit.reference,
-            submit.wantsReport ? sms::asDELIVERYSTATUS_ENROUTE : sms::asDELIVERYSTATUS_SUBMITTED, messageId);
-        answered_ = true;
+        answers_.push_back(
+            {submit.reference,
+             submit.wantsReport ? sms::asDELIVERYSTATUS_ENROUTE : sms::asDELIVERYSTATUS_SUBMITTED,
+             messageId});
         return;
     }
     if (status == kUnansweredStatus) {
@@ -370,6 +377,7 @@ void CSmppSession::OnData(std::string_view octets) {
 // First the receipt in the text, then the one in the optional parameters; what is neither is a message. A
 // receipt whose message is not known yet is held back until the response that names it.
 void CSmppSession::Receive(CSmsMessageX message) {
+    RecordAnswers();  // it may be a receipt for one of them
     const bool marked = (message.ESM & 0x3C) == kReceiptBit;
     if (TakeReceipt(message)) return;
     if (marked && held_.size() < kMostHeldReceipts) {

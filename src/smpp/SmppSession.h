@@ -79,6 +79,7 @@ class CSmppSession {
     void RetryReceipts(bool expireAll);
 
     void Submit();
+    void RecordAnswers();
     void Finish(const SmppInFlight& submit, std::uint32_t status, const std::string& messageId);
     void KeepAlive();
     void Close(const char* reason);
@@ -100,12 +101,12 @@ class CSmppSession {
     std::uint64_t ticks_ = 0;  // ms, not wrapping
     std::uint32_t lastTick_ = 0;
     std::uint32_t dataReference_ = 0;
-    bool answered_ = false;  // a submit response came since receipts were last retried
 
     std::string input_;
     std::string output_;
     SmppSubmitQueue queue_;
     SmppWindow inFlight_;
+    std::vector<SubmitAnswer> answers_;  // of the octets being read, recorded together
     std::deque<HeldReceipt> held_;
 
     CSmppPdu header_;

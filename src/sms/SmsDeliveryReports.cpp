@@ -65,7 +65,7 @@ bool LooselyEqual(std::string_view left, std::string_view right) {
 // --- places and indexes
 
 std::uint32_t CSmsDeliveryReports::HashOf(Key key, std::string_view text) {
-    return key == Key::kLooseProvider ? HashCharacters(LooseId(text)) : HashCharacters(text);
+    return key == Key::kProvider ? HashCharacters(LooseId(text)) : HashCharacters(text);
 }
 
 const std::string& CSmsDeliveryReports::TextOf(Key key, std::uint32_t place) const {
@@ -73,10 +73,10 @@ const std::string& CSmsDeliveryReports::TextOf(Key key, std::uint32_t place) con
     return key == Key::kReference ? report.reference : report.providerReference;
 }
 
-std::optional<std::uint32_t> CSmsDeliveryReports::PlaceOf(Key key, std::string_view text) const {
+std::optional<std::uint32_t> CSmsDeliveryReports::PlaceOf(Key key, std::string_view text, Match match) const {
     return IndexOf(key).Find(HashOf(key, text), [&](std::uint32_t place) {
         const std::string& held = TextOf(key, place);
-        return key == Key::kLooseProvider ? LooselyEqual(held, text) : held == text;
+        return match == Match::kLoose ? LooselyEqual(held, text) : held == text;
     });
 }
 
@@ -112,10 +112,7 @@ std::uint32_t CSmsDeliveryReports::Insert(CSmsDeliveryReport report) {
 }
 
 void CSmsDeliveryReports::Erase(std::uint32_t place) {
-    if (!records_[place].report.providerReference.empty()) {
-        Withdraw(Key::kProvider, place);
-        Withdraw(Key::kLooseProvider, place);
-    }
+    if (!records_[place].report.providerReference.empty()) Withdraw(Key::kProvider, place);
     Withdraw(Key::kReference, place);
     records_[place] = {};
     freePlaces_.push_back(place);
@@ -123,14 +120,9 @@ void CSmsDeliveryReports::Erase(std::uint32_t place) {
 
 void CSmsDeliveryReports::NameProvider(std::uint32_t place, std::string_view providerReference) {
     CSmsDeliveryReport& report = records_[place].report;
-    if (!report.providerReference.empty()) {
-        Withdraw(Key::kProvider, place);
-        Withdraw(Key::kLooseProvider, place);
-    }
+    if (!report.providerReference.empty()) Withdraw(Key::kProvider, place);
     report.providerReference = providerReference;
-    if (providerReference.empty()) return;
-    Enter(Key::kProvider, place);
-    Enter(Key::kLooseProvider, place);
+    if (!providerReference.empty()) Enter(Key::kProvider, place);
 }
 
 void CSmsDeliveryReports::PutStatus(CSmsDeliveryReport& report, std::int32_t status,
@@ -171,15 +163,16 @@ void CSmsDeliveryReports::RecordProviderReference(std::string_view reference,
     NameProvider(*place, providerReference);
 }
 
-void CSmsDeliveryReports::RecordAnswer(std::string_view reference, std::int32_t status,
-                                       std::string_view providerReference) {
+void CSmsDeliveryReports::RecordAnswers(std::span<const SubmitAnswer> answers) {
     const std::scoped_lock guard(lock_);
-    const auto place = PlaceOf(Key::kReference, reference);
-    if (!place) return;
-    PutStatus(records_[*place].report, status, 0);
-    if (providerReference.empty()) return;
-    providerReferenceLength_ = providerReference.size();
-    NameProvider(*place, providerReference);
+    for (const SubmitAnswer& answer : answers) {
+        const auto place = PlaceOf(Key::kReference, answer.reference);
+        if (!place) continue;
+        PutStatus(records_[*place].report, answer.status, 0);
+        if (answer.providerReference.empty()) continue;
+        providerReferenceLength_ = answer.providerReference.size();
+        NameProvider(*place, answer.providerReference);
+    }
 }
 
 void CSmsDeliveryReports::Update(std::string_view reference, std::int32_t status, std::int32_t completedTime,
@@ -215,7 +208,9 @@ CSmsDeliveryReport* CSmsDeliveryReports::FindByProvider(std::string_view id) {
         wanted.insert(0, providerReferenceLength_ - wanted.size(), '0');
     if (const auto exact = PlaceOf(Key::kProvider, wanted)) return &records_[*exact].report;
 
-    const auto loose = [this](std::string_view other) { return PlaceOf(Key::kLooseProvider, other); };
+    const auto loose = [this](std::string_view other) {
+        return PlaceOf(Key::kProvider, other, Match::kLoose);
+    };
     auto place = loose(id);
     if (!place && asDecimal) place = loose(HexText(*asDecimal));
     if (!place) {

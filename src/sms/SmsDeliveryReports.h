@@ -10,6 +10,7 @@
 #include <deque>
 #include <mutex>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,6 +33,13 @@ enum class ReportWanted {
     kSubmitRequested  // "Submit requested": queued, not yet answered
 };
 
+// The answer to a submission: the new status, and the provider's identifier unless it is empty.
+struct SubmitAnswer {
+    std::string reference;
+    std::int32_t status = 0;
+    std::string providerReference;
+};
+
 class CSmsDeliveryReports {
   public:
     explicit CSmsDeliveryReports(Clock& clock = SystemClock()) : clock_(&clock) {}
@@ -42,8 +50,8 @@ class CSmsDeliveryReports {
     // Names the identifier under which the provider's receipts speak of the reference.
     void RecordProviderReference(std::string_view reference, std::string_view providerReference);
 
-    // The answer to a submission: the new status, and the provider's identifier unless it is empty.
-    void RecordAnswer(std::string_view reference, std::int32_t status, std::string_view providerReference);
+    // What several submissions were answered.
+    void RecordAnswers(std::span<const SubmitAnswer> answers);
 
     // Puts a final or intermediate state on the reference's report; makes the report when there is none, so
     // that a status that the network has handed over is not lost. The completed time is kept for final states
@@ -84,9 +92,10 @@ class CSmsDeliveryReports {
     std::string SaveText() const;
 
   private:
-    // What finds a report: its reference, its provider reference, and that without regard to case and leading
-    // zeros.
-    enum class Key { kReference, kProvider, kLooseProvider };
+    // What finds a report. Provider references are hashed without regard to case and leading zeros, so that
+    // one index finds them both as they are and loosely.
+    enum class Key { kReference, kProvider };
+    enum class Match { kExact, kLoose };
     struct Record {
         CSmsDeliveryReport report;
         bool isHeld = false;
@@ -96,7 +105,7 @@ class CSmsDeliveryReports {
     const HashIndex& IndexOf(Key key) const { return indexes_[static_cast<std::size_t>(key)]; }
     static std::uint32_t HashOf(Key key, std::string_view text);
     const std::string& TextOf(Key key, std::uint32_t place) const;
-    std::optional<std::uint32_t> PlaceOf(Key key, std::string_view text) const;
+    std::optional<std::uint32_t> PlaceOf(Key key, std::string_view text, Match match = Match::kExact) const;
     void Enter(Key key, std::uint32_t place);
     void Withdraw(Key key, std::uint32_t place);
 
@@ -111,7 +120,7 @@ class CSmsDeliveryReports {
     mutable std::mutex lock_;
     std::deque<Record> records_;  // in places that stay
     std::vector<std::uint32_t> freePlaces_;
-    std::array<HashIndex, 3> indexes_;  // by Key
+    std::array<HashIndex, 2> indexes_;  // by Key
     std::size_t providerReferenceLength_ = 0;
     std::int32_t oldest_ = INT32_MAX;  // no report was created before
     std::int32_t receiptFormat_ = sms::asSMPPDELIVERYREPORTFORMAT_HEX;
