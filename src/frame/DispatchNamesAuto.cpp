@@ -31,7 +31,9 @@ void DispatchNames::Read(ITypeInfo* info) {
     FUNCDESC* function = nullptr;
     for (UINT i = 0; SUCCEEDED(info->GetFuncDesc(i, &function)); ++i) {
         const DISPID id = function->memid;
+        const bool forScripts = (function->wFuncFlags & FUNCFLAG_FRESTRICTED) == 0;
         info->ReleaseFuncDesc(function);
+        if (!forScripts) continue;  // AddRef and the like
         BSTR name = nullptr;
         if (FAILED(info->GetDocumentation(id, &name, nullptr, nullptr, nullptr)) || name == nullptr) continue;
         std::wstring lower(name, ::SysStringLen(name));
