@@ -1,8 +1,12 @@
 #!/usr/bin/env bash
-# Runs every benchmark: the core natively, the module under Wine (which `build.sh windows` has built and registered).
+# Runs every benchmark: the core natively, the module under Wine.
 set -eu
 cd "$(dirname "$0")/.."
-scripts/build.sh release
+scripts/install.sh full
+scripts/build.sh release windows
+. scripts/wine.sh
+wine_start
+register_dll
 build/release/bench/core_bench "$@"
 scripts/in-wine.sh property_bench.exe
 # The server ends when its input does.

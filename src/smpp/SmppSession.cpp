@@ -165,6 +165,7 @@ void CSmppSession::Close(const char* reason) {
 
 void CSmppSession::OnClosed() {
     state_ = State::kClosed;
+    RecordAnswers();  // of octets whose reading ended in an exception
     const auto fail = [this](std::string_view reference) {
         reports_->SetStatus(reference, sms::asDELIVERYSTATUS_FAILED, result::SmppNotBound);
     };

@@ -80,11 +80,8 @@ std::optional<std::uint32_t> CSmsDeliveryReports::PlaceOf(Key key, std::string_v
     });
 }
 
-// The newest of equal keys is found.
 void CSmsDeliveryReports::Enter(Key key, std::uint32_t place) {
-    const std::string& text = TextOf(key, place);
-    if (const auto older = PlaceOf(key, text)) Withdraw(key, *older);
-    IndexOf(key).Insert(HashOf(key, text), place);
+    IndexOf(key).Insert(HashOf(key, TextOf(key, place)), place);
 }
 
 void CSmsDeliveryReports::Withdraw(Key key, std::uint32_t place) {
@@ -122,7 +119,10 @@ void CSmsDeliveryReports::NameProvider(std::uint32_t place, std::string_view pro
     CSmsDeliveryReport& report = records_[place].report;
     if (!report.providerReference.empty()) Withdraw(Key::kProvider, place);
     report.providerReference = providerReference;
-    if (!providerReference.empty()) Enter(Key::kProvider, place);
+    if (providerReference.empty()) return;
+    // Of messages with the same provider reference the newest is found.
+    if (const auto older = PlaceOf(Key::kProvider, providerReference)) Withdraw(Key::kProvider, *older);
+    Enter(Key::kProvider, place);
 }
 
 void CSmsDeliveryReports::PutStatus(CSmsDeliveryReport& report, std::int32_t status,

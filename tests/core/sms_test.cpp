@@ -419,6 +419,29 @@ TEST(DeliveryReports, ANewUseOfAReferenceForgetsTheOldProviderId) {
     EXPECT_FALSE(reports.Query("1"));
 }
 
+TEST(DeliveryReports, ProviderIdsThatDifferInCaseStayApartAndAReusedOneIsTheNewest) {
+    CSmsDeliveryReports reports;
+    const auto send = [&reports](const char* reference, const char* provider) {
+        reports.RecordSent(reference, ReportWanted::kYes);
+        reports.RecordProviderReference(reference, provider);
+    };
+    const auto receiverOf = [&reports](const char* id) {
+        return reports.ApplyReceipt({id, 2, 0, 0}).value_or("none");
+    };
+    send("1", "0ab");
+    send("2", "0AB");
+    EXPECT_EQ(receiverOf("0ab"), "1");
+    EXPECT_EQ(receiverOf("0AB"), "2");
+    send("3", "0AB");
+    EXPECT_EQ(receiverOf("0AB"), "3");
+    reports.Remove("2");  // its id belongs to another message now
+    EXPECT_EQ(receiverOf("0AB"), "3");
+    reports.Remove("3");
+    EXPECT_EQ(receiverOf("AB"), "1");  // loosely
+    reports.Remove("1");
+    EXPECT_EQ(receiverOf("0AB"), "none");
+}
+
 TEST(TLVRecords, KeepOneRecordATagAndTravelAsText) {
     CTLVRecords records;
     CTLVRecord byte{.tag = 0x20F, .type = TLVType::kByte};
