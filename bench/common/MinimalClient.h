@@ -1,6 +1,6 @@
 // The least that submits messages: the same octets with the same window over a socket, and nothing else.
 #pragma once
-#include "foundation/SocketApi.h"
+#include "foundation/net/SocketApi.h"
 #include "smpp/SmppSubmit.h"
 
 #include <cstdint>

@@ -35,7 +35,7 @@ void FillAndWalk(benchmark::State& state) {
         for (std::uint32_t i = pairs; i-- > 0;) store.Add(Record(1, 2, i % 256, sender(i)));
         CSmsMessageX message;
         std::size_t walked = 0;
-        for (std::int32_t code = store.First(message); code == 0; code = store.Next(message)) ++walked;
+        for (ResultCode code = store.First(message); code == 0; code = store.Next(message)) ++walked;
         if (walked != records - pairs) state.SkipWithError("messages are missing");
         memory = mallinfo2().uordblks - before;
     }

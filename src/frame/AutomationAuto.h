@@ -1,8 +1,9 @@
 // What every automatable class has in common: IUnknown and IDispatch, the access to plain values, the common
 // members and the one boundary that methods work behind.
 #pragma once
+#include "foundation/ErrorTexts.h"
+#include "foundation/Product.h"
 #include "frame/DispatchNamesAuto.h"
-#include "frame/ErrorTexts.h"
 #include "frame/ModuleAuto.h"
 #include "frame/VrmBase.h"
 
@@ -169,18 +170,18 @@ class ObjectAuto : public Automation<Interface> {
   protected:
     virtual CVrmBase& Base() = 0;
 
-    void SetLastError(std::int32_t code) noexcept { lastError_ = code; }
+    void SetLastError(ResultCode code) noexcept { lastError_ = code.Number(); }
 
     // Runs a method: its code, also that of an exception, becomes LastError as the last step. Always S_OK.
     template <class Work>
     HRESULT Method(Work&& work, std::source_location where = std::source_location::current()) noexcept {
-        lastError_ = Guard(work, where);
+        lastError_ = Guard(work, where).Number();
         return S_OK;
     }
 
   private:
     template <class Work>
-    std::int32_t Guard(Work& work, const std::source_location& where) noexcept {
+    ResultCode Guard(Work& work, const std::source_location& where) noexcept {
         try {
             return work();
         } catch (const std::bad_alloc&) {
@@ -202,7 +203,7 @@ class ObjectAuto : public Automation<Interface> {
         }
     }
 
-    std::atomic<std::int32_t> lastError_ = result::Success;  // a worker thread may set it too
+    std::atomic<std::int32_t> lastError_ = 0;  // a worker thread may set it too
 };
 
 // A class with log and activity files, which its engine writes.

@@ -1,15 +1,9 @@
 // The base of every automatable object: its fixed texts and its advanced settings.
 #pragma once
-#include "frame/KorBase.h"
+#include "foundation/KorBase.h"
 
 #include <string>
 #include <string_view>
-
-namespace product {
-inline constexpr const char* kVersion = "5.3 (x64)";
-inline constexpr const char* kBuild = "5.3.10.1123 (x64)";
-inline constexpr const char* kModule = "NeltCtrlx64.dll";
-}  // namespace product
 
 class CVrmBase : public CKorBase {
   public:

@@ -1,10 +1,10 @@
 #include "gsm/GsmCodec.h"
 
+#include "Common/GsmPdu/GsmAlphabet.h"
+#include "Common/GsmPdu/Septets.h"
+#include "foundation/ErrorTexts.h"
 #include "foundation/Hex.h"
 #include "foundation/Text.h"
-#include "frame/ErrorTexts.h"
-#include "gsm/GsmAlphabet.h"
-#include "gsm/Septets.h"
 #include "sms/SmsConstants.h"
 
 #include <algorithm>
@@ -100,7 +100,7 @@ std::uint8_t ValidityOctet(std::int32_t minutes) {
     return static_cast<std::uint8_t>(octet);
 }
 
-std::int32_t CGsmCodec::Encode(const GsmSubmit& submit) {
+ResultCode CGsmCodec::Encode(const GsmSubmit& submit) {
     text_.clear();
     if (!IsGsmNumber(submit.recipient) || (!submit.smsc.empty() && !IsGsmNumber(submit.smsc))) {
         return result::InvalidRecipient;
@@ -109,7 +109,7 @@ std::int32_t CGsmCodec::Encode(const GsmSubmit& submit) {
     plan.format = RowOf(submit.format);
     plan.alphabet = AlphabetOf(plan.format.dcs);
     ReadBody(submit, plan);
-    if (const std::int32_t code = DivideIntoParts(plan); code != result::Success) return code;
+    if (const ResultCode code = DivideIntoParts(plan); code != result::Success) return code;
     text_.reserve(static_cast<std::size_t>(plan.parts) * 2 * (kOctetsPerMessage + 40));
     for (std::int32_t part = 0; part < plan.parts; ++part)
         EncodePart(submit, plan, static_cast<std::size_t>(part));
@@ -148,7 +148,7 @@ void CGsmCodec::ReadBody(const GsmSubmit& submit, Plan& plan) {
         plan.headerOctets += plan.headerOctets == 0 ? kPortOctets + 1 : kPortOctets;
 }
 
-std::int32_t CGsmCodec::DivideIntoParts(Plan& plan) {
+ResultCode CGsmCodec::DivideIntoParts(Plan& plan) {
     const bool gsm = plan.alphabet == Alphabet::kGsm;
     const std::int32_t unitSize = plan.alphabet == Alphabet::kUcs2 ? 2 : 1;
     const auto capacity = [gsm](std::int32_t header) {

@@ -1,5 +1,7 @@
 // The SMS-SUBMIT encoder, 3GPP TS 23.040 section 9.2.2.2: one hexadecimal PDU per part of a message.
 #pragma once
+#include "foundation/ResultCode.h"
+
 #include <array>
 #include <cstdint>
 #include <span>
@@ -23,7 +25,7 @@ class CGsmCodec {
     // 0; 34031 when the recipient or the service centre is no number; 34033 when the message does not fit:
     // format 10 needs more than one part, a caller's header leaves no room, or more than 255 parts would be
     // needed.
-    [[nodiscard]] std::int32_t Encode(const GsmSubmit& submit);
+    ResultCode Encode(const GsmSubmit& submit);
 
     // The PDUs of the last Encode, each as upper-case hexadecimal followed by ";".
     const std::string& Text() const { return text_; }
@@ -35,7 +37,7 @@ class CGsmCodec {
     struct Plan;  // how the body is laid out over the parts
 
     void ReadBody(const GsmSubmit& submit, Plan& plan);
-    [[nodiscard]] std::int32_t DivideIntoParts(Plan& plan);
+    ResultCode DivideIntoParts(Plan& plan);
     void EncodePart(const GsmSubmit& submit, const Plan& plan, std::size_t part);
 
     void Put(std::uint8_t octet) { pdu_[count_++] = octet; }

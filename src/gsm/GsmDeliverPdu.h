@@ -1,7 +1,7 @@
 // The SMS-DELIVER reader, 3GPP TS 23.040 section 9.2.2.1.
 #pragma once
+#include "Common/GsmPdu/UserDataHeader.h"
 #include "gsm/GsmPdu.h"
-#include "gsm/UserDataHeader.h"
 
 class CGsmDeliverPdu : public CGsmPdu {
   public:

@@ -1,9 +1,9 @@
 #include "gsm/GsmModem.h"
 
 #include "foundation/CodePage.h"
+#include "foundation/ErrorTexts.h"
 #include "foundation/Hex.h"
 #include "foundation/Text.h"
-#include "frame/ErrorTexts.h"
 #include "gsm/GsmStatusPdu.h"
 #include "gsm/PDUDecode.h"
 #include "sms/DeviceOptions.h"
@@ -71,11 +71,11 @@ class CGsmModem::OpenDevice {
     OpenDevice(const OpenDevice&) = delete;
     OpenDevice& operator=(const OpenDevice&) = delete;
     ~OpenDevice() { modem_->Close(); }
-    std::int32_t Code() const { return code_; }
+    ResultCode Code() const { return code_; }
 
   private:
     CGsmModem* modem_;
-    std::int32_t code_;
+    ResultCode code_;
 };
 
 CGsmModem::CGsmModem(SerialOpener& opener, Clock& clock)
@@ -103,12 +103,12 @@ void CGsmModem::Clear() {
 
 // --- the device and its initialisation
 
-std::int32_t CGsmModem::Open() {
+ResultCode CGsmModem::Open() {
     SerialSettings serial;
     serial.device = settings.device;
     serial.speed = settings.speed;
     ApplyFlowControl(serial, settings.flowControl);
-    const std::int32_t code = port_.Open(serial);
+    const ResultCode code = port_.Open(serial);
     const std::string text(DescribeError(code));
     if (settings.speed == 0) {
         Log(logmask::kActivity, "Open Device (%s), Result = %s\n", settings.device.c_str(), text.c_str());
@@ -125,17 +125,17 @@ void CGsmModem::Close() {
     Log(logmask::kActivity, "Device Closed (%s)\n", settings.device.c_str());
 }
 
-std::int32_t CGsmModem::Command(std::string_view command, std::string_view expected) {
+ResultCode CGsmModem::Command(std::string_view command, std::string_view expected) {
     return port_.Exchange(command, kCommandTime, expected).outcome.code;
 }
 
-std::int32_t CGsmModem::Command(std::string_view command, std::string_view expected, std::string& reply) {
+ResultCode CGsmModem::Command(std::string_view command, std::string_view expected, std::string& reply) {
     AtExchange exchange = port_.Exchange(command, kCommandTime, expected);
     reply = std::move(exchange.reply);
     return exchange.outcome.code;
 }
 
-std::int32_t CGsmModem::Initialise() {
+ResultCode CGsmModem::Initialise() {
     for (const std::string_view command :
          {std::string_view(settings.initString), std::string_view("ATE0"), std::string_view("AT+CMEE=1")}) {
         if (command.empty()) continue;
@@ -145,7 +145,7 @@ std::int32_t CGsmModem::Initialise() {
         return result::SmscSetFailed;
     }
     std::string reply;
-    if (const std::int32_t code = Command("AT+CPMS=?", "+CPMS:", reply); code != result::Success) return code;
+    if (const ResultCode code = Command("AT+CPMS=?", "+CPMS:", reply); code != result::Success) return code;
     const std::string_view first = std::string_view(reply).substr(0, reply.find("),("));
     offeredStorages_ = 0;
     for (const StorageRow& row : kStorages) {
@@ -154,7 +154,7 @@ std::int32_t CGsmModem::Initialise() {
     return ChooseMode();
 }
 
-std::int32_t CGsmModem::ChooseMode() {
+ResultCode CGsmModem::ChooseMode() {
     struct Keyword {
         const char* name;
         const char* line;
@@ -172,14 +172,14 @@ std::int32_t CGsmModem::ChooseMode() {
         return result::Success;
     }
     std::string reply;
-    if (const std::int32_t code = Command("AT+CMGF=?", "+CMGF:", reply); code != result::Success) return code;
+    if (const ResultCode code = Command("AT+CMGF=?", "+CMGF:", reply); code != result::Success) return code;
     pduMode_ = AfterColon(reply).find('0') != std::string::npos;
     return result::Success;
 }
 
 // --- PIN and raw commands
 
-std::int32_t CGsmModem::EnterPin(std::string_view pin) {
+ResultCode CGsmModem::EnterPin(std::string_view pin) {
     constexpr std::size_t kShortest = 4;
     constexpr std::size_t kLongest = 8;
     if (pin.size() < kShortest || pin.size() > kLongest || !std::ranges::all_of(pin, IsDigit)) {
@@ -200,9 +200,9 @@ std::int32_t CGsmModem::EnterPin(std::string_view pin) {
     return CheckPin(pin);
 }
 
-std::int32_t CGsmModem::CheckPin(std::string_view pin) {
+ResultCode CGsmModem::CheckPin(std::string_view pin) {
     std::string reply;
-    if (const std::int32_t code = Command("AT+CPIN?", "+CPIN:", reply); code != result::Success) {
+    if (const ResultCode code = Command("AT+CPIN?", "+CPIN:", reply); code != result::Success) {
         Log(kEvent, "Either the device is not a GSM device or the SIM card is not inserted !\n");
         return code == result::ModemError ? result::NoSim : code;
     }
@@ -234,11 +234,11 @@ void CGsmModem::WaitForRegistration() {
     Log(kEvent, "Successfully registered with the GSM network.\n");
 }
 
-std::int32_t CGsmModem::SendCommand(std::string_view command, std::uint32_t timeout, std::string& response) {
+ResultCode CGsmModem::SendCommand(std::string_view command, std::uint32_t timeout, std::string& response) {
     response.clear();
     const OpenDevice device(*this);
     if (device.Code() != result::Success) return device.Code();
-    (void)port_.WriteString(command);
+    port_.WriteString(command);
     std::string last;
     const Timer timer(GetClock(), timeout);
     while (response.size() < kLongestResponse) {
@@ -251,32 +251,32 @@ std::int32_t CGsmModem::SendCommand(std::string_view command, std::uint32_t time
         if (upper.find("OK") != std::string::npos || upper.find("ERROR") != std::string::npos) break;
         if (timer.Expired()) break;
     }
-    const std::int32_t code = ClassifyReply(last, {}).code;
+    const ResultCode code = ClassifyReply(last, {}).code;
     if (IsLogging()) {
         std::string shown(command);
         if (ContainsNoCase(shown, "AT+CPIN")) std::ranges::replace_if(shown, IsDigit, '*');
         LogSized(logmask::kLog, shown.size() + response.size() + 2048,
                  "SEND COMMAND: [%s], Response=[%s], Result=[%d (%s)]\n", shown.c_str(), response.c_str(),
-                 code, DescribeError(code).data());
+                 code.Number(), DescribeError(code).data());
     }
     return code;
 }
 
 // --- sending
 
-std::int32_t CGsmModem::Send(const CSmsMessageX& message, std::string& references) {
+ResultCode CGsmModem::Send(const CSmsMessageX& message, std::string& references) {
     references.clear();
-    const std::int32_t checked = CheckRecipient(message.Recipient, PrefixRule::kNoOtherLetter);
+    const ResultCode checked = CheckRecipient(message.Recipient, PrefixRule::kNoOtherLetter);
     if (checked != result::Success) return checked;
     const OpenDevice device(*this);
     if (device.Code() != result::Success) return device.Code();
-    if (const std::int32_t code = Initialise(); code != result::Success) return code;
+    if (const ResultCode code = Initialise(); code != result::Success) return code;
     Log(logmask::kVerbatim, "RECIPIENT ADDRESS : %s\n", message.Recipient.c_str());
     Log(logmask::kVerbatim, "MESSAGE FORMAT    : %s\n", FormatName(message.Format).data());
     if (message.ValidityPeriod != 0) {
         Log(logmask::kVerbatim, "VALIDITY PERIOD   : %d min\n", message.ValidityPeriod);
     }
-    const std::int32_t code = pduMode_ ? SendPdus(message, references) : SendText(message, references);
+    const ResultCode code = pduMode_ ? SendPdus(message, references) : SendText(message, references);
     if (code != result::Success) {
         references.clear();
         return code;
@@ -288,10 +288,10 @@ std::int32_t CGsmModem::Send(const CSmsMessageX& message, std::string& reference
     return result::Success;
 }
 
-std::int32_t CGsmModem::SendPdus(const CSmsMessageX& message, std::string& references) {
-    if (const std::int32_t code = Command("AT+CMGF=0"); code != result::Success) return code;
+ResultCode CGsmModem::SendPdus(const CSmsMessageX& message, std::string& references) {
+    if (const ResultCode code = Command("AT+CMGF=0"); code != result::Success) return code;
     if (message.RequestDeliveryStatus) {
-        if (const std::int32_t code = RequestReports(); code != result::Success) return code;
+        if (const ResultCode code = RequestReports(); code != result::Success) return code;
     }
     GsmSubmit submit;
     submit.smsc = message.SMSC;
@@ -301,14 +301,14 @@ std::int32_t CGsmModem::SendPdus(const CSmsMessageX& message, std::string& refer
     submit.validityPeriod = message.ValidityPeriod;
     submit.requestReport = message.RequestDeliveryStatus;
     submit.destinationPort = static_cast<std::uint16_t>(message.DestinationPort);
-    if (const std::int32_t code = codec_.Encode(submit); code != result::Success) return code;
+    if (const ResultCode code = codec_.Encode(submit); code != result::Success) return code;
 
     std::vector<std::string_view> pdus = Split(codec_.Text(), ";");
     pdus.pop_back();  // every PDU is followed by a separator
     for (std::size_t part = 0; part < pdus.size(); ++part) {
         if (part > 0) GetClock().Sleep(kPartPause);
         std::string reference;
-        if (const std::int32_t code = SendPdu(pdus[part], reference); code != result::Success) return code;
+        if (const ResultCode code = SendPdu(pdus[part], reference); code != result::Success) return code;
         if (part > 0) references += kReferenceSeparator;
         references += reference;
     }
@@ -317,11 +317,11 @@ std::int32_t CGsmModem::SendPdus(const CSmsMessageX& message, std::string& refer
 
 // The length counts the octets behind a service centre part of one octet, also when the part is longer: kept
 // so.
-std::int32_t CGsmModem::SendPdu(std::string_view pdu, std::string& reference) {
+ResultCode CGsmModem::SendPdu(std::string_view pdu, std::string& reference) {
     const std::string announce = "AT+CMGS=" + std::to_string(pdu.size() / 2 - 1);
     const std::string data = std::string(pdu) + CKorComIO::kCtrlZ;
     for (int attempt = 1;; ++attempt) {
-        if (const std::int32_t code = Command(announce, ">"); code != result::Success) return code;
+        if (const ResultCode code = Command(announce, ">"); code != result::Success) return code;
         const AtExchange exchange = port_.Exchange(data, kSubmitTime, "+CMGS:");
         if (exchange.outcome.code == result::Success) {
             reference = OnlyDigits(AfterColon(exchange.reply));
@@ -333,12 +333,12 @@ std::int32_t CGsmModem::SendPdu(std::string_view pdu, std::string& reference) {
     }
 }
 
-std::int32_t CGsmModem::SendText(const CSmsMessageX& message, std::string& references) {
-    if (const std::int32_t code = Command("AT+CMGF=1"); code != result::Success) return code;
+ResultCode CGsmModem::SendText(const CSmsMessageX& message, std::string& references) {
+    if (const ResultCode code = Command("AT+CMGF=1"); code != result::Success) return code;
     std::string recipient = message.Recipient;
     std::erase_if(recipient,
                   [](char c) { return std::string_view("ASNG").find(c) != std::string_view::npos; });
-    if (const std::int32_t code = Command(Quoted("AT+CMGS=", recipient), ">"); code != result::Success)
+    if (const ResultCode code = Command(Quoted("AT+CMGS=", recipient), ">"); code != result::Success)
         return code;
     std::string body = ToAnsi(message.Data).substr(0, CKorComIO::kLongestText - 1) + CKorComIO::kCtrlZ;
     const AtExchange exchange = port_.Exchange(body, kSubmitTime, "+CMGS:");
@@ -363,9 +363,9 @@ unsigned ParseCnmiList(std::string_view list) {
     return values;
 }
 
-std::int32_t CGsmModem::RequestReports() {
+ResultCode CGsmModem::RequestReports() {
     std::string reply;
-    if (const std::int32_t code = Command("AT+CNMI=?", "+CNMI:", reply); code != result::Success) {
+    if (const ResultCode code = Command("AT+CNMI=?", "+CNMI:", reply); code != result::Success) {
         return code == result::ModemNoResponse ? code : result::ReportsUnsupported;
     }
     std::string answer = AfterColon(reply);
@@ -391,7 +391,7 @@ std::int32_t CGsmModem::RequestReports() {
 
 // --- receiving
 
-std::int32_t CGsmModem::Receive() {
+ResultCode CGsmModem::Receive() {
     Log(logmask::kVerbatim, "RETRIEVE MESSAGES FROM STORAGE : [%s]\n",
         StorageName(settings.messageStorage, false));
     received_.Clear();
@@ -399,10 +399,10 @@ std::int32_t CGsmModem::Receive() {
 }
 
 // Messages never lie in the report storage; reports may, when it is chosen or offered.
-std::int32_t CGsmModem::ReadChosenStorages(bool reports) {
+ResultCode CGsmModem::ReadChosenStorages(bool reports) {
     const OpenDevice device(*this);
     if (device.Code() != result::Success) return device.Code();
-    if (const std::int32_t code = Initialise(); code != result::Success) return code;
+    if (const ResultCode code = Initialise(); code != result::Success) return code;
     switch (settings.messageStorage) {
         case sms::asSTORAGE_SIM:
             return ReadStorages(kSim);
@@ -420,42 +420,40 @@ std::int32_t CGsmModem::ReadChosenStorages(bool reports) {
 }
 
 // The report storage alone, else the combined storage alone, else SIM and device.
-std::int32_t CGsmModem::ReadStorages(unsigned storages) {
+ResultCode CGsmModem::ReadStorages(unsigned storages) {
     if ((storages & kReports) != 0) return ReadStorage("SR");
     if ((storages & kCombined) != 0) return ReadStorage("MT");
     if ((storages & kSim) != 0) {
-        if (const std::int32_t code = ReadStorage("SM"); code != result::Success) return code;
+        if (const ResultCode code = ReadStorage("SM"); code != result::Success) return code;
     }
     return (storages & kDevice) != 0 ? ReadStorage("ME") : result::Success;
 }
 
-std::int32_t CGsmModem::SelectStorage(std::string_view storage) {
-    return Command(Quoted("AT+CPMS=", storage));
-}
+ResultCode CGsmModem::SelectStorage(std::string_view storage) { return Command(Quoted("AT+CPMS=", storage)); }
 
-std::int32_t CGsmModem::ReadStorage(const char* storage) {
-    if (const std::int32_t code = Command("AT+CMGF=0"); code != result::Success) return code;
-    if (const std::int32_t code = SelectStorage(storage); code != result::Success) {
+ResultCode CGsmModem::ReadStorage(const char* storage) {
+    if (const ResultCode code = Command("AT+CMGF=0"); code != result::Success) return code;
+    if (const ResultCode code = SelectStorage(storage); code != result::Success) {
         if (code != result::ModemError) return code;
         Log(kEvent, "Invalid message storage specified");
         return result::StorageUnavailable;
     }
     std::string reportKeys;
-    std::int32_t code = ListMessages(storage, 1, reportKeys);
+    ResultCode code = ListMessages(storage, 1, reportKeys);
     if (code != result::ModemNoResponse) {
-        const std::int32_t unread = ListMessages(storage, 0, reportKeys);
+        const ResultCode unread = ListMessages(storage, 0, reportKeys);
         if (code == result::Success) code = unread;
     }
     if (reportKeys.empty()) return code;
     Log(kEvent, "Deleting delivery reports...\n");
-    const std::int32_t deleted = DeleteKeys(reportKeys);
+    const ResultCode deleted = DeleteKeys(reportKeys);
     return code == result::Success ? deleted : code;
 }
 
 // Lines that are neither a listing line nor a PDU (unsolicited results, noise) are passed over, for as long
 // as one command may take.
-std::int32_t CGsmModem::ListMessages(const char* storage, int status, std::string& reportKeys) {
-    (void)port_.WriteString("AT+CMGL=" + std::to_string(status));
+ResultCode CGsmModem::ListMessages(const char* storage, int status, std::string& reportKeys) {
+    port_.WriteString("AT+CMGL=" + std::to_string(status));
     std::optional<std::int32_t> index;
     Timer quiet(GetClock(), kCommandTime);
     for (int listed = 0; listed < kMostListed && !quiet.Expired();) {
@@ -511,7 +509,7 @@ void CGsmModem::TakePdu(const std::string& pdu, const char* storage, std::int32_
 
 // --- deleting
 
-std::int32_t CGsmModem::DeleteMessage(std::int32_t index) {
+ResultCode CGsmModem::DeleteMessage(std::int32_t index) {
     if (received_.Stored() == 0) return result::NoMoreMessages;
     const OpenDevice device(*this);
     if (device.Code() != result::Success) return device.Code();
@@ -519,14 +517,14 @@ std::int32_t CGsmModem::DeleteMessage(std::int32_t index) {
     if (index < 0 || received_.ByIndex(static_cast<std::size_t>(index), message) != result::Success) {
         return result::InvalidReference;
     }
-    const std::int32_t code = DeleteKeys(message.StorageLocation);
+    const ResultCode code = DeleteKeys(message.StorageLocation);
     if (code == result::Success) received_.Remove(static_cast<std::size_t>(index));
     return code;
 }
 
 // Parts of messages that are still incomplete stay on the device, so that nothing is lost that was never
 // read.
-std::int32_t CGsmModem::DeleteAllMessages(bool all) {
+ResultCode CGsmModem::DeleteAllMessages(bool all) {
     if (received_.Stored() == 0) return result::NoMoreMessages;
     std::string keys;
     CSmsMessageX message;
@@ -535,21 +533,21 @@ std::int32_t CGsmModem::DeleteAllMessages(bool all) {
     }
     const OpenDevice device(*this);
     if (device.Code() != result::Success) return device.Code();
-    const std::int32_t code = DeleteKeys(keys);
+    const ResultCode code = DeleteKeys(keys);
     if (code == result::Success) received_.Clear();
     return code;
 }
 
-std::int32_t CGsmModem::DeleteKeys(std::string_view keys) {
+ResultCode CGsmModem::DeleteKeys(std::string_view keys) {
     const std::vector<std::string_view> entries = Split(keys, ";");
-    std::int32_t first = result::Success;
+    ResultCode first = result::Success;
     for (const StorageRow& storage : kStorages) {
         const auto lies = [&](std::string_view key) { return key.starts_with(storage.name); };
         if (std::ranges::none_of(entries, lies)) continue;
-        if (const std::int32_t code = SelectStorage(storage.name); code != result::Success) return code;
+        if (const ResultCode code = SelectStorage(storage.name); code != result::Success) return code;
         for (const std::string_view key : entries) {
             if (!lies(key)) continue;
-            const std::int32_t code = Command("AT+CMGD=" + std::to_string(ToInt(key.substr(2))));
+            const ResultCode code = Command("AT+CMGD=" + std::to_string(ToInt(key.substr(2))));
             if (code == result::ModemNoResponse) return code;
             if (first == result::Success) first = code;
         }
@@ -559,13 +557,13 @@ std::int32_t CGsmModem::DeleteKeys(std::string_view keys) {
 
 // --- delivery reports
 
-std::int32_t CGsmModem::QueryStatus(std::string_view references, CSmsDeliveryReport& report) {
+ResultCode CGsmModem::QueryStatus(std::string_view references, CSmsDeliveryReport& report) {
     if (references.empty()) return result::InvalidReference;
     const std::int64_t now = GetClock().Now();
     if (!reportsReadAt_ || now - *reportsReadAt_ > kReportsMaximumAge || now < *reportsReadAt_) {
         Log(logmask::kVerbatim, "RETRIEVE REPORTS FROM STORAGE : [%s]\n",
             StorageName(settings.messageStorage, true));
-        if (const std::int32_t code = ReadChosenStorages(true); code != result::Success) return code;
+        if (const ResultCode code = ReadChosenStorages(true); code != result::Success) return code;
         reportsReadAt_ = GetClock().Now();
     }
     const auto whole = reports_.QueryWhole(references, kReferenceSeparator);

@@ -1,7 +1,8 @@
 // The GSM modem channel: the AT dialogues of 3GPP TS 27.005 and 27.007 that send, receive, delete and ask.
 // Every operation opens the device, works, and closes it again.
 #pragma once
-#include "foundation/VrmComIO.h"
+#include "foundation/ResultCode.h"
+#include "foundation/serial/VrmComIO.h"
 #include "frame/VrmBase.h"
 #include "gsm/GsmCodec.h"
 #include "sms/SmsDeliveryReports.h"
@@ -39,24 +40,23 @@ class CGsmModem : public CVrmBase {
     void Clear();
 
     // All return a result code; see the class's own page of the reference for the codes of each.
-    [[nodiscard]] std::int32_t EnterPin(std::string_view pin);
-    [[nodiscard]] std::int32_t SendCommand(std::string_view command, std::uint32_t timeout,
-                                           std::string& response);
+    ResultCode EnterPin(std::string_view pin);
+    ResultCode SendCommand(std::string_view command, std::uint32_t timeout, std::string& response);
 
     // `references`: the modem's reference of each part, joined by ";" ("17;18;19").
-    [[nodiscard]] std::int32_t Send(const CSmsMessageX& message, std::string& references);
+    ResultCode Send(const CSmsMessageX& message, std::string& references);
 
     // Reads the chosen storages into the received messages.
-    [[nodiscard]] std::int32_t Receive();
+    ResultCode Receive();
     CSmsMessagesX& Received() { return received_; }
 
-    [[nodiscard]] std::int32_t DeleteMessage(std::int32_t index);
+    ResultCode DeleteMessage(std::int32_t index);
     // MMS notifications stay on the device unless `all`.
-    [[nodiscard]] std::int32_t DeleteAllMessages(bool all);
+    ResultCode DeleteAllMessages(bool all);
 
     // The report of a reference as Send returned it. For several parts: open while one part is; then the
     // first state that is not "Delivered", and the latest time. A final report leaves the store.
-    [[nodiscard]] std::int32_t QueryStatus(std::string_view references, CSmsDeliveryReport& report);
+    ResultCode QueryStatus(std::string_view references, CSmsDeliveryReport& report);
     CSmsDeliveryReports& Reports() { return reports_; }
 
   private:
@@ -64,29 +64,28 @@ class CGsmModem : public CVrmBase {
 
     enum Storage : unsigned { kSim = 1, kDevice = 2, kCombined = 4, kReports = 8 };
 
-    [[nodiscard]] std::int32_t Open();
+    ResultCode Open();
     void Close();
-    [[nodiscard]] std::int32_t Initialise();
-    [[nodiscard]] std::int32_t ChooseMode();
-    [[nodiscard]] std::int32_t Command(std::string_view command, std::string_view expected = {});
-    [[nodiscard]] std::int32_t Command(std::string_view command, std::string_view expected,
-                                       std::string& reply);
+    ResultCode Initialise();
+    ResultCode ChooseMode();
+    ResultCode Command(std::string_view command, std::string_view expected = {});
+    ResultCode Command(std::string_view command, std::string_view expected, std::string& reply);
 
-    [[nodiscard]] std::int32_t CheckPin(std::string_view pin);
+    ResultCode CheckPin(std::string_view pin);
     void WaitForRegistration();
 
-    [[nodiscard]] std::int32_t SendPdus(const CSmsMessageX& message, std::string& references);
-    [[nodiscard]] std::int32_t SendPdu(std::string_view pdu, std::string& reference);
-    [[nodiscard]] std::int32_t SendText(const CSmsMessageX& message, std::string& references);
-    [[nodiscard]] std::int32_t RequestReports();
+    ResultCode SendPdus(const CSmsMessageX& message, std::string& references);
+    ResultCode SendPdu(std::string_view pdu, std::string& reference);
+    ResultCode SendText(const CSmsMessageX& message, std::string& references);
+    ResultCode RequestReports();
 
-    [[nodiscard]] std::int32_t ReadChosenStorages(bool reports);
-    [[nodiscard]] std::int32_t ReadStorages(unsigned storages);
-    [[nodiscard]] std::int32_t ReadStorage(const char* storage);
-    [[nodiscard]] std::int32_t ListMessages(const char* storage, int status, std::string& reportKeys);
+    ResultCode ReadChosenStorages(bool reports);
+    ResultCode ReadStorages(unsigned storages);
+    ResultCode ReadStorage(const char* storage);
+    ResultCode ListMessages(const char* storage, int status, std::string& reportKeys);
     void TakePdu(const std::string& pdu, const char* storage, std::int32_t index, std::string& reportKeys);
-    [[nodiscard]] std::int32_t SelectStorage(std::string_view storage);
-    [[nodiscard]] std::int32_t DeleteKeys(std::string_view keys);
+    ResultCode SelectStorage(std::string_view storage);
+    ResultCode DeleteKeys(std::string_view keys);
 
     CVrmComIO port_;
     CGsmCodec codec_;

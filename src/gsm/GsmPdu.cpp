@@ -1,7 +1,7 @@
 #include "gsm/GsmPdu.h"
 
+#include "Common/GsmPdu/Septets.h"
 #include "foundation/Hex.h"
-#include "gsm/Septets.h"
 
 #include <algorithm>
 

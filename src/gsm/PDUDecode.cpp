@@ -1,8 +1,8 @@
 #include "gsm/PDUDecode.h"
 
-#include "gsm/GsmAlphabet.h"
+#include "Common/GsmPdu/GsmAlphabet.h"
+#include "Common/GsmPdu/Septets.h"
 #include "gsm/GsmDeliverPdu.h"
-#include "gsm/Septets.h"
 #include "sms/SmsConstants.h"
 
 namespace {

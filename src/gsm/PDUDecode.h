@@ -1,7 +1,7 @@
 // A listed SMS-DELIVER as a message: texts, time, header and body.
 #pragma once
+#include "Common/GsmPdu/UserDataHeader.h"
 #include "foundation/Clock.h"
-#include "gsm/UserDataHeader.h"
 
 #include <cstdint>
 #include <string>

@@ -1,7 +1,7 @@
 // The class SmsProtocolGsm over the modem engine.
 #include "NeltCtrl.h"
-#include "foundation/PortWin.h"
-#include "foundation/TelephonyWin.h"
+#include "foundation/serial/PortWin.h"
+#include "foundation/serial/TelephonyWin.h"
 #include "gsm/GsmModem.h"
 #include "sms/SmsChannelAuto.h"
 #include "sms/SmsDeliveryStatusAuto.h"
@@ -50,7 +50,7 @@ class SmsProtocolGsmAuto final : public SmsChannelAuto<ISmsProtocolGsm, CGsmMode
             if (pbstrResponse == nullptr) return result::InvalidParameter;
             *pbstrResponse = nullptr;
             std::string response;
-            const std::int32_t code =
+            const ResultCode code =
                 engine_.SendCommand(AnsiOf(bstrCommand), static_cast<std::uint32_t>(lTimeout), response);
             *pbstrResponse = NewBstr(response);
             return code;
@@ -61,7 +61,7 @@ class SmsProtocolGsmAuto final : public SmsChannelAuto<ISmsProtocolGsm, CGsmMode
         return Method([&] {
             if (pVal == nullptr) return result::InvalidParameter;
             *pVal = 0;
-            const std::int32_t code = engine_.Receive();
+            const ResultCode code = engine_.Receive();
             *pVal = static_cast<LONG>(engine_.Received().Count());
             return code;
         });
@@ -80,7 +80,7 @@ class SmsProtocolGsmAuto final : public SmsChannelAuto<ISmsProtocolGsm, CGsmMode
             if (pVal == nullptr) return result::InvalidParameter;
             GiveObject(pVal, nullptr);
             CSmsDeliveryReport report;
-            const std::int32_t code = engine_.QueryStatus(AnsiOf(bstrReference), report);
+            const ResultCode code = engine_.QueryStatus(AnsiOf(bstrReference), report);
             if (code == result::Success) GiveDeliveryStatus(pVal, report);
             return code;
         });

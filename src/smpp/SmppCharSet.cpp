@@ -1,7 +1,7 @@
 #include "smpp/SmppCharSet.h"
 
+#include "Common/GsmPdu/GsmAlphabet.h"
 #include "foundation/CodePage.h"
-#include "gsm/GsmAlphabet.h"
 #include "sms/SmsConstants.h"
 
 #include <algorithm>

@@ -1,10 +1,11 @@
 #include "smpp/SmppProtocol.h"
 
 #include "foundation/CodePage.h"
+#include "foundation/ErrorTexts.h"
 #include "foundation/Hex.h"
 #include "foundation/IniFile.h"
+#include "foundation/Product.h"
 #include "foundation/Text.h"
-#include "frame/ErrorTexts.h"
 
 #include <array>
 #include <system_error>
@@ -73,7 +74,7 @@ void CSmppProtocol::Clear() {
     received_.Clear();
 }
 
-std::int32_t CSmppProtocol::Connect() {
+ResultCode CSmppProtocol::Connect() {
     if (IsConnected()) return result::Success;
     Disconnect();  // joins the worker of a session that has ended by itself
     if (parameters.serverPort < 1 || parameters.serverPort > 65535) return result::InvalidPort;
@@ -82,7 +83,7 @@ std::int32_t CSmppProtocol::Connect() {
     if (socket_.Connect(parameters.server, static_cast<std::uint16_t>(parameters.serverPort), timeout) != 0) {
         return result::SmppConnectFailed;
     }
-    std::int32_t code = result::Success;
+    ResultCode code = result::Success;
     if (parameters.InterfaceVersion() == 0) {
         code = result::SmppInvalidVersion;
     } else {
@@ -127,7 +128,7 @@ std::int32_t CSmppProtocol::Connect() {
     return code;
 }
 
-std::int32_t CSmppProtocol::Disconnect() {
+void CSmppProtocol::Disconnect() {
     const bool ran = worker_.joinable();
     stop_ = true;
     if (ran) {
@@ -137,13 +138,12 @@ std::int32_t CSmppProtocol::Disconnect() {
     bound_ = false;
     socket_.Disconnect();
     if (ran) Log(logmask::kVerbatim, "Disconnected\n");
-    return result::Success;
 }
 
-std::int32_t CSmppProtocol::Send(const CSmsMessageX& message, std::string& references) {
+ResultCode CSmppProtocol::Send(const CSmsMessageX& message, std::string& references) {
     references.clear();
     if (!IsConnected()) return result::SmppNotBound;
-    if (const std::int32_t code = builder_.Build(active_, message, pdus_); code != result::Success) {
+    if (const ResultCode code = builder_.Build(active_, message, pdus_); code != result::Success) {
         Log(logmask::kVerbatim, "Sending failed (%s)\n", DescribeError(code).data());
         return code;
     }
@@ -162,16 +162,17 @@ std::int32_t CSmppProtocol::Send(const CSmsMessageX& message, std::string& refer
     if (!IsConnected()) {  // the session ended meanwhile: what it did not take gets its result here
         const std::scoped_lock guard(lock_);
         for (; !intake_.IsEmpty(); intake_.Pop()) {
-            reports_.SetStatus(intake_.Front().reference, sms::asDELIVERYSTATUS_FAILED, result::SmppNotBound);
+            reports_.SetStatus(intake_.Front().reference, sms::asDELIVERYSTATUS_FAILED,
+                               result::SmppNotBound.Number());
         }
     }
     return result::Success;
 }
 
-std::int32_t CSmppProtocol::QueryStatus(std::string_view references, bool wait, CSmsDeliveryReport& report) {
+ResultCode CSmppProtocol::QueryStatus(std::string_view references, bool wait, CSmsDeliveryReport& report) {
     if (references.empty()) return result::InvalidReference;
     const Timer timer(GetClock(), static_cast<std::uint32_t>(std::max(parameters.serverTimeout, 0)));
-    std::int32_t code = result::Success;
+    ResultCode code = result::Success;
     std::uint32_t pause = 1;  // answers mostly come at once, receipts take their time
     for (;;) {
         const auto whole = reports_.QueryWhole(references, kReferenceSeparator);
@@ -201,7 +202,7 @@ std::int32_t CSmppProtocol::QueryStatus(std::string_view references, bool wait, 
 
 // --- the worker
 
-void CSmppProtocol::SignalBind(std::int32_t code) {
+void CSmppProtocol::SignalBind(ResultCode code) {
     {
         const std::scoped_lock guard(lock_);
         if (bindAnswered_) return;
@@ -317,20 +318,20 @@ void CSmppProtocol::Work() {
 
 // --- provider files
 
-std::int32_t CSmppProtocol::SaveConfig(const std::string& file) {
+ResultCode CSmppProtocol::SaveConfig(const std::string& file) {
     IniFile ini = IniFile::Load(file);
     for (const TextKey& row : kTextKeys) ini.SetText(kSection, row.key, parameters.*row.field);
     for (const NumberKey& row : kNumberKeys)
         ini.SetText(kSection, row.key, std::to_string(parameters.*row.field));
     ini.SetText(kSection, "AdvancedSettings", AdvancedSettings());
     ini.SetText(kSection, "SystemTLVRecords", ToAnsi(parameters.transmitTlvs.ToText()));
-    const std::int32_t code = !file.empty() && ini.Save(file) ? result::Success : result::ConfigSaveFailed;
-    Log(logmask::kVerbatim, "Saving SMPP settings to file [%s], result: %d : %s\n", file.c_str(), code,
-        DescribeError(code).data());
+    const ResultCode code = !file.empty() && ini.Save(file) ? result::Success : result::ConfigSaveFailed;
+    Log(logmask::kVerbatim, "Saving SMPP settings to file [%s], result: %d : %s\n", file.c_str(),
+        code.Number(), DescribeError(code).data());
     return code;
 }
 
-std::int32_t CSmppProtocol::LoadConfig(const std::string& file) {
+ResultCode CSmppProtocol::LoadConfig(const std::string& file) {
     if (!IniFile::Exists(file)) return result::ConfigNotFound;
     const IniFile ini = IniFile::Load(file);
     if (ini.Lines(kSection).empty()) return result::ConfigCorrupt;

@@ -1,6 +1,7 @@
 // The SMPP channel: one connection, its worker thread, and the calls that a caller's thread makes on it.
 #pragma once
-#include "foundation/KorTcpSocket.h"
+#include "foundation/ResultCode.h"
+#include "foundation/net/KorTcpSocket.h"
 #include "frame/VrmBase.h"
 #include "smpp/SmppParameters.h"
 #include "smpp/SmppSession.h"
@@ -26,29 +27,28 @@ class CSmppProtocol : public CVrmBase {
     CSmppParameters parameters;
 
     // What a session that ends by itself leaves for LastError; called on the worker thread.
-    void SetFailureHandler(std::function<void(std::int32_t)> handler) { onFailure_ = std::move(handler); }
+    void SetFailureHandler(std::function<void(ResultCode)> handler) { onFailure_ = std::move(handler); }
 
     void Clear();
 
     // 0; 1010, 22019, 22021, 33201 to 33206, 33209.
-    [[nodiscard]] std::int32_t Connect();
+    ResultCode Connect();
 
     // Sends what is queued, unbinds and joins the worker; takes ServerTimeout at the most for the messages
     // and 5 s at the most for the unbind. What could not be sent gets the status "Failed".
-    std::int32_t Disconnect();
+    void Disconnect();
     bool IsConnected() const { return bound_; }
 
     // Queues a message and gives its reference; several parts are joined by ";". 33205 when not connected,
     // and the codes of SmppSubmitBuilder.
-    [[nodiscard]] std::int32_t Send(const CSmsMessageX& message, std::string& references);
+    ResultCode Send(const CSmsMessageX& message, std::string& references);
 
     // The report of references as Send gave them. With `wait`, waits until it is final, the session ends or
     // ServerTimeout has passed (33206, the report as it is then). 34050, 33061.
-    [[nodiscard]] std::int32_t QueryStatus(std::string_view references, bool wait,
-                                           CSmsDeliveryReport& report);
+    ResultCode QueryStatus(std::string_view references, bool wait, CSmsDeliveryReport& report);
 
-    [[nodiscard]] std::int32_t LoadConfig(const std::string& file);
-    [[nodiscard]] std::int32_t SaveConfig(const std::string& file);
+    ResultCode LoadConfig(const std::string& file);
+    ResultCode SaveConfig(const std::string& file);
 
     CSmsDeliveryReports& Reports() { return reports_; }
     CSmsMessagesX& Received() { return received_; }
@@ -59,7 +59,7 @@ class CSmppProtocol : public CVrmBase {
     bool Flush(CSmppSession& session);
     bool TakeIntake(CSmppSession& session);
     void WaitForWork(const CSmppSession& session, bool callerIsSending);
-    void SignalBind(std::int32_t code);
+    void SignalBind(ResultCode code);
 
     CKorTcpSocket socket_;
     CSmppParameters active_;  // the settings of the running session
@@ -67,7 +67,7 @@ class CSmppProtocol : public CVrmBase {
     CSmsMessagesX received_;
     SmppSubmitBuilder builder_;
     std::vector<std::string> pdus_;  // of the message being sent; kept for their memory
-    std::function<void(std::int32_t)> onFailure_;
+    std::function<void(ResultCode)> onFailure_;
     std::uint32_t nextReference_;
 
     std::thread worker_;
@@ -81,5 +81,5 @@ class CSmppProtocol : public CVrmBase {
     SmppSubmitQueue intake_;
     bool started_ = false;
     bool bindAnswered_ = false;
-    std::int32_t bindResult_ = 0;
+    ResultCode bindResult_;
 };

@@ -2,8 +2,8 @@
 
 #include "Common/SmppPdu/TLVTags.h"
 #include "foundation/CodePage.h"
+#include "foundation/ErrorTexts.h"
 #include "foundation/Hex.h"
-#include "frame/ErrorTexts.h"
 #include "smpp/SmppCharSet.h"
 
 #include <array>
@@ -26,7 +26,7 @@ constexpr const char* kNoMessageId = "N/A";
 
 struct StatusRow {
     std::uint32_t status;
-    std::int32_t code;
+    ResultCode code;
 };
 
 constexpr auto kSubmitStatuses = std::to_array<StatusRow>({
@@ -54,13 +54,13 @@ std::span<const std::uint8_t> Octets(std::string_view text) {
 
 }  // namespace
 
-std::int32_t SubmitResult(std::uint32_t commandStatus) {
+ResultCode SubmitResult(std::uint32_t commandStatus) {
     if (commandStatus == 0) return result::Success;
     const auto* const row = std::ranges::find(kSubmitStatuses, commandStatus, &StatusRow::status);
     return row != kSubmitStatuses.end() ? row->code : result::SmppSubmitRejected;
 }
 
-std::int32_t BindResultOf(std::uint32_t commandStatus) {
+ResultCode BindResultOf(std::uint32_t commandStatus) {
     switch (commandStatus) {
         case 0x00:
             return result::Success;
@@ -167,7 +167,7 @@ void CSmppSession::OnClosed() {
     state_ = State::kClosed;
     RecordAnswers();  // of octets whose reading ended in an exception
     const auto fail = [this](std::string_view reference) {
-        reports_->SetStatus(reference, sms::asDELIVERYSTATUS_FAILED, result::SmppNotBound);
+        reports_->SetStatus(reference, sms::asDELIVERYSTATUS_FAILED, result::SmppNotBound.Number());
     };
     inFlight_.Expire(clock_->Ticks(), 0, [&](const SmppInFlight& submit) { fail(submit.reference); });
     for (; !queue_.IsEmpty(); queue_.Pop()) fail(queue_.Front().reference);
@@ -294,12 +294,12 @@ void CSmppSession::Finish(const SmppInFlight& submit, std::uint32_t status, cons
         reports_->SetStatus(submit.reference, sms::asDELIVERYSTATUS_FAILED, -1);
         return;
     }
-    const std::int32_t code = SubmitResult(status);
+    const ResultCode code = SubmitResult(status);
     log_->Log(logmask::kVerbatim | logmask::kActivity, "Sending failed (%s)\n", DescribeError(code).data());
     reports_->SetStatus(
         submit.reference,
         code == result::SmppNoCredits ? sms::asDELIVERYSTATUS_NOCREDITS : sms::asDELIVERYSTATUS_REJECTED,
-        code);
+        code.Number());
 }
 
 template <class Body>

@@ -2,7 +2,8 @@
 // events. The worker thread around it (SmppProtocol) reads, ticks and writes.
 #pragma once
 #include "Common/SmppPdu/SmppPdus.h"
-#include "frame/KorBase.h"
+#include "foundation/KorBase.h"
+#include "foundation/ResultCode.h"
 #include "smpp/SmppParameters.h"
 #include "smpp/SmppSubmitQueue.h"
 #include "smpp/SmppWindow.h"
@@ -44,9 +45,9 @@ class CSmppSession {
     State GetState() const { return state_; }
     bool HasWork() const { return !queue_.IsEmpty() || inFlight_.Size() != 0; }
     // The bind's result code, valid once the state is no longer kBinding.
-    std::int32_t BindResult() const { return bindResult_; }
+    ResultCode BindResult() const { return bindResult_; }
     // Why the session closed by itself: 33206 after ten unanswered keep-alives, else 0.
-    std::int32_t CloseCode() const { return closeCode_; }
+    ResultCode CloseCode() const { return closeCode_; }
     std::size_t InFlight() const { return inFlight_.Size(); }
     bool IsWindowFull() const { return inFlight_.Size() >= Window(); }
 
@@ -91,8 +92,8 @@ class CSmppSession {
     Clock* clock_;
 
     State state_ = State::kIdle;
-    std::int32_t bindResult_;
-    std::int32_t closeCode_ = 0;
+    ResultCode bindResult_;
+    ResultCode closeCode_;
     std::uint32_t sequence_ = 1;
     std::uint32_t unansweredKeepAlives_ = 0;
     std::uint32_t lastKeepAlive_ = 0;
@@ -116,6 +117,6 @@ class CSmppSession {
 };
 
 // The result code of a command_status that answers a submit_sm.
-std::int32_t SubmitResult(std::uint32_t commandStatus);
+ResultCode SubmitResult(std::uint32_t commandStatus);
 // And that of one that answers a bind.
-std::int32_t BindResultOf(std::uint32_t commandStatus);
+ResultCode BindResultOf(std::uint32_t commandStatus);

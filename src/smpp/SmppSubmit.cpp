@@ -1,9 +1,9 @@
 #include "smpp/SmppSubmit.h"
 
+#include "Common/GsmPdu/Septets.h"
+#include "foundation/ErrorTexts.h"
 #include "foundation/Hex.h"
 #include "foundation/Text.h"
-#include "frame/ErrorTexts.h"
-#include "gsm/Septets.h"
 #include "smpp/SmppCharSet.h"
 
 #include <array>
@@ -83,8 +83,8 @@ std::string SmppValidity(std::int32_t minutes, bool relative, Clock& clock) {
     return text.data();
 }
 
-std::int32_t SmppSubmitBuilder::Build(const CSmppParameters& parameters, const CSmsMessageX& message,
-                                      std::vector<std::string>& pdus) {
+ResultCode SmppSubmitBuilder::Build(const CSmppParameters& parameters, const CSmsMessageX& message,
+                                    std::vector<std::string>& pdus) {
     if (parameters.systemMode == static_cast<std::int32_t>(BindMode::kReceiver))
         return result::SmppReceiverOnly;
     if (CheckRecipient(message.Recipient, PrefixRule::kNoOtherLetter) == result::InvalidRecipient) {

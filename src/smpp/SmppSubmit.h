@@ -2,6 +2,7 @@
 #pragma once
 #include "Common/SmppPdu/SmppPdus.h"
 #include "foundation/Clock.h"
+#include "foundation/ResultCode.h"
 #include "smpp/SmppParameters.h"
 #include "sms/SmsMessageX.h"
 
@@ -16,8 +17,8 @@ class SmppSubmitBuilder {
     // Makes `pdus` one encoded submit_sm a part, with sequence_number 0; leaves it alone on an error. 0,
     // 33208 when bound as receiver, 34031 recipient, 34033 when a header leaves no room or more than 255
     // parts would be needed.
-    [[nodiscard]] std::int32_t Build(const CSmppParameters& parameters, const CSmsMessageX& message,
-                                     std::vector<std::string>& pdus);
+    ResultCode Build(const CSmppParameters& parameters, const CSmsMessageX& message,
+                     std::vector<std::string>& pdus);
 
   private:
     Clock* clock_;

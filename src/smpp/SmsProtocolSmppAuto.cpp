@@ -80,7 +80,7 @@ void GiveValue(const CTLVRecord& record, VARIANT* out) {
 class SmsProtocolSmppAuto final : public SmsChannelAuto<ISmsProtocolSmpp, CSmppProtocol> {
   public:
     SmsProtocolSmppAuto() {
-        engine_.SetFailureHandler([this](std::int32_t code) { SetLastError(code); });
+        engine_.SetFailureHandler([this](ResultCode code) { SetLastError(code); });
     }
 
     AUTO_TEXT(Server, engine_.parameters.server)
@@ -121,7 +121,10 @@ class SmsProtocolSmppAuto final : public SmsChannelAuto<ISmsProtocolSmpp, CSmppP
         return Method([&] { return engine_.Connect(); });
     }
     STDMETHODIMP Disconnect() noexcept override {
-        return Method([&] { return engine_.Disconnect(); });
+        return Method([&] {
+            engine_.Disconnect();
+            return result::Success;
+        });
     }
 
     STDMETHODIMP SetTLVValue(LONG lType, LONG lTag, VARIANT vtValue) noexcept override {
@@ -154,7 +157,7 @@ class SmsProtocolSmppAuto final : public SmsChannelAuto<ISmsProtocolSmpp, CSmppP
             if (pVal == nullptr) return result::InvalidParameter;
             GiveObject(pVal, nullptr);
             CSmsDeliveryReport report;
-            const std::int32_t code = engine_.QueryStatus(AnsiOf(bstrReference), bWait != 0, report);
+            const ResultCode code = engine_.QueryStatus(AnsiOf(bstrReference), bWait != 0, report);
             if (code == result::Success || code == result::SmppTimedOut) GiveDeliveryStatus(pVal, report);
             return code;
         });
@@ -181,7 +184,7 @@ class SmsProtocolSmppAuto final : public SmsChannelAuto<ISmsProtocolSmpp, CSmppP
     }
 
   private:
-    std::int32_t Prepare(VARIANT* from, CSmsMessageX& message) override {
+    ResultCode Prepare(VARIANT* from, CSmsMessageX& message) override {
         if (CopyFromAutomation(from, message) != result::Success) return result::InvalidSmsMessage;
         message.TlvRecords = engine_.parameters.transmitTlvs;
         return result::Success;

@@ -1,6 +1,6 @@
 // What the serial device constants of the interface mean for a port.
 #pragma once
-#include "foundation/SerialDevice.h"
+#include "foundation/serial/SerialDevice.h"
 
 #include <cstdint>
 

@@ -1,7 +1,7 @@
 // What the channels that send and receive have in common: the walk over received messages, the report files.
 #pragma once
+#include "foundation/ErrorTexts.h"
 #include "frame/AutomationAuto.h"
-#include "frame/ErrorTexts.h"
 #include "sms/SmsMessageAuto.h"
 
 #include <utility>
@@ -28,9 +28,9 @@ class SmsChannelAuto : public ProtocolAuto<Interface> {
             if (pMessage == nullptr || pVal == nullptr) return result::InvalidParameter;
             *pVal = nullptr;
             CSmsMessageX message;
-            if (const std::int32_t code = Prepare(pMessage, message); code != result::Success) return code;
+            if (const ResultCode code = Prepare(pMessage, message); code != result::Success) return code;
             std::string references;
-            const std::int32_t code = engine_.Send(message, references);
+            const ResultCode code = engine_.Send(message, references);
             *pVal = NewBstr(references);
             return code;
         });
@@ -41,7 +41,7 @@ class SmsChannelAuto : public ProtocolAuto<Interface> {
     }
     STDMETHODIMP GetNextMessage(VARIANT* pVal) noexcept override {
         return GiveMessage(pVal, [this](CSmsMessageX& message) {
-            const std::int32_t code = engine_.Received().Next(message);
+            const ResultCode code = engine_.Received().Next(message);
             if (code == result::NoMoreMessages) WalkEnded();
             return code;
         });
@@ -68,7 +68,7 @@ class SmsChannelAuto : public ProtocolAuto<Interface> {
     CVrmBase& Base() override { return engine_; }
 
     // Copies the caller's message for sending.
-    virtual std::int32_t Prepare(VARIANT* from, CSmsMessageX& message) {
+    virtual ResultCode Prepare(VARIANT* from, CSmsMessageX& message) {
         return CopyFromAutomation(from, message);
     }
     // A received message is about to be given to the caller.
@@ -84,7 +84,7 @@ class SmsChannelAuto : public ProtocolAuto<Interface> {
             if (pVal == nullptr) return result::InvalidParameter;
             GiveObject(pVal, nullptr);
             CSmsMessageX message;
-            const std::int32_t code = read(message);
+            const ResultCode code = read(message);
             if (code != result::Success) return code;
             Giving(message);
             GiveSmsMessage(pVal, message);

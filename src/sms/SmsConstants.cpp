@@ -12,13 +12,8 @@ struct Row {
 };
 
 constexpr auto kConstants = std::to_array<Row>({
-#define SMS_GROUP(name, help)
-#define SMS_GROUP_END(name)
 #define SMS_CONSTANT(name, value, dispid, help) {#name, value, help},
 #include "sms/SmsConstants.inc"
-#undef SMS_GROUP
-#undef SMS_GROUP_END
-#undef SMS_CONSTANT
 });
 
 }  // namespace

@@ -5,13 +5,8 @@
 #include <string_view>
 
 namespace sms {
-#define SMS_GROUP(name, help)
-#define SMS_GROUP_END(name)
 #define SMS_CONSTANT(name, value, dispid, help) inline constexpr std::int32_t name = value;
 #include "sms/SmsConstants.inc"
-#undef SMS_GROUP
-#undef SMS_GROUP_END
-#undef SMS_CONSTANT
 }  // namespace sms
 
 // "Delivered", "Enroute" ...; "Unspecified" for a value that is no delivery status.

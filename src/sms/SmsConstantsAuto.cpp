@@ -6,14 +6,9 @@ namespace {
 
 class SmsConstantsAuto final : public Automation<ISmsConstants> {
   public:
-#define SMS_GROUP(name, help)
-#define SMS_GROUP_END(name)
 #define SMS_CONSTANT(name, value, dispid, help) \
     STDMETHODIMP get_##name(LONG* pVal) noexcept override { return Give(pVal, value); }
 #include "sms/SmsConstants.inc"
-#undef SMS_GROUP
-#undef SMS_GROUP_END
-#undef SMS_CONSTANT
 };
 
 }  // namespace

@@ -1,8 +1,8 @@
 #include "sms/SmsDeliveryReports.h"
 
+#include "foundation/ErrorTexts.h"
 #include "foundation/Text.h"
 #include "foundation/TextFile.h"
-#include "frame/ErrorTexts.h"
 
 #include <algorithm>
 #include <array>
@@ -339,11 +339,11 @@ void CSmsDeliveryReports::LoadText(std::string_view text, bool swapped) {
     }
 }
 
-std::int32_t CSmsDeliveryReports::Save(const std::string& file) const {
+ResultCode CSmsDeliveryReports::Save(const std::string& file) const {
     return ReplaceTextFile(file, SaveText()) ? result::Success : result::ReportsSaveFailed;
 }
 
-std::int32_t CSmsDeliveryReports::Load(const std::string& file, bool swapped) {
+ResultCode CSmsDeliveryReports::Load(const std::string& file, bool swapped) {
     const auto text = ReadTextFile(file, kLargestFile);
     if (!text) return result::ReportsLoadFailed;
     LoadText(*text, swapped);

@@ -2,6 +2,7 @@
 #pragma once
 #include "foundation/Clock.h"
 #include "foundation/HashIndex.h"
+#include "foundation/ResultCode.h"
 #include "sms/SmsConstants.h"
 #include "sms/SmsReceipt.h"
 
@@ -82,10 +83,10 @@ class CSmsDeliveryReports {
     void SetReceiptFormat(std::int32_t format);
 
     // 0 or 33070. The old file stays whole until the new one is written.
-    [[nodiscard]] std::int32_t Save(const std::string& file) const;
+    ResultCode Save(const std::string& file) const;
 
     // 0 or 33071. Adds to the reports held. `swapped`: the provider's reference stands first in each record.
-    [[nodiscard]] std::int32_t Load(const std::string& file, bool swapped = false);
+    ResultCode Load(const std::string& file, bool swapped = false);
 
     // Parses and adds the records of a report file's text.
     void LoadText(std::string_view text, bool swapped = false);

@@ -1,7 +1,7 @@
 #include "sms/SmsDeliveryStatusAuto.h"
 
+#include "foundation/ErrorTexts.h"
 #include "frame/AutomationAuto.h"
-#include "frame/ErrorTexts.h"
 
 namespace {
 
@@ -31,7 +31,7 @@ class SmsDeliveryStatusAuto final : public Automation<ISmsDeliveryStatus> {
 
 IUnknown* CreateSmsDeliveryStatus() { return new SmsDeliveryStatusAuto; }
 
-std::int32_t FillStatus(const CSmsDeliveryReport& report, const VARIANT* target) {
+ResultCode FillStatus(const CSmsDeliveryReport& report, const VARIANT* target) {
     const auto status = ComPointer<ISmsDeliveryStatus>::In(target);
     if (!status) return result::InvalidMessageObject;
     BSTR time = NewBstr(TimeText(SystemClock(), report.completedTime));

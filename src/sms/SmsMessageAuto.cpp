@@ -1,7 +1,7 @@
 #include "sms/SmsMessageAuto.h"
 
+#include "foundation/ErrorTexts.h"
 #include "frame/AutomationAuto.h"
-#include "frame/ErrorTexts.h"
 
 namespace {
 
@@ -75,7 +75,7 @@ std::int32_t Read(ISmsMessage* source, NumberGetter getter) {
 
 IUnknown* CreateSmsMessage() { return new SmsMessageAuto; }
 
-std::int32_t CopyFromAutomation(const VARIANT* value, CSmsMessageX& record) {
+ResultCode CopyFromAutomation(const VARIANT* value, CSmsMessageX& record) {
     const auto source = ComPointer<ISmsMessage>::In(value);
     if (!source) return result::InvalidMessageObject;
     ISmsMessage* const from = source.get();
@@ -103,7 +103,7 @@ std::int32_t CopyFromAutomation(const VARIANT* value, CSmsMessageX& record) {
     return result::Success;
 }
 
-std::int32_t CopyToAutomation(const CSmsMessageX& record, ISmsMessage* target) {
+ResultCode CopyToAutomation(const CSmsMessageX& record, ISmsMessage* target) {
     if (target == nullptr) return result::InvalidMessageObject;
     target->put_Sender(Text(record.Sender).get());
     target->put_Recipient(Text(record.Recipient).get());

@@ -1,7 +1,7 @@
 #include "sms/SmsMessageX.h"
 
+#include "foundation/ErrorTexts.h"
 #include "foundation/Text.h"
-#include "frame/ErrorTexts.h"
 
 #include <algorithm>
 #include <array>
@@ -65,7 +65,7 @@ Recipient ParseRecipient(std::string_view text) {
     return {std::string(text.substr(0, colon)), static_cast<std::uint32_t>(ToInt(text.substr(colon + 1)))};
 }
 
-std::int32_t CheckRecipient(std::string_view recipient, PrefixRule rule) {
+ResultCode CheckRecipient(std::string_view recipient, PrefixRule rule) {
     constexpr std::size_t kShortest = 4;
     constexpr std::size_t kLongest = 64;
     if (recipient.find("dl:") != std::string_view::npos) return result::Success;

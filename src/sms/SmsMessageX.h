@@ -1,7 +1,8 @@
 // The form in which every protocol handles one SMS.
 #pragma once
+#include "Common/GsmPdu/UserDataHeader.h"
 #include "Common/SmppPdu/TLVRecords.h"
-#include "gsm/UserDataHeader.h"
+#include "foundation/ResultCode.h"
 #include "sms/SmsConstants.h"
 
 #include <cstdint>
@@ -86,4 +87,4 @@ enum class PrefixRule {
 };
 
 // 0, or 34031 (shape) or 34032 (prefix). A text with "dl:" in it passes.
-[[nodiscard]] std::int32_t CheckRecipient(std::string_view recipient, PrefixRule rule);
+ResultCode CheckRecipient(std::string_view recipient, PrefixRule rule);

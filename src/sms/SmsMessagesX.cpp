@@ -1,6 +1,6 @@
 #include "sms/SmsMessagesX.h"
 
-#include "frame/ErrorTexts.h"
+#include "foundation/ErrorTexts.h"
 
 #include <algorithm>
 #include <array>
@@ -196,7 +196,7 @@ void CSmsMessagesX::Process() {
     Pass();
 }
 
-std::int32_t CSmsMessagesX::First(CSmsMessageX& message) {
+ResultCode CSmsMessagesX::First(CSmsMessageX& message) {
     const std::scoped_lock guard(lock_);
     Pass();
     next_ = 0;
@@ -205,7 +205,7 @@ std::int32_t CSmsMessagesX::First(CSmsMessageX& message) {
     return result::Success;
 }
 
-std::int32_t CSmsMessagesX::Next(CSmsMessageX& message) {
+ResultCode CSmsMessagesX::Next(CSmsMessageX& message) {
     const std::scoped_lock guard(lock_);
     Pass();
     if (next_ >= complete_.size()) return result::NoMoreMessages;
@@ -213,7 +213,7 @@ std::int32_t CSmsMessagesX::Next(CSmsMessageX& message) {
     return result::Success;
 }
 
-std::int32_t CSmsMessagesX::ByIndex(std::size_t index, CSmsMessageX& message) const {
+ResultCode CSmsMessagesX::ByIndex(std::size_t index, CSmsMessageX& message) const {
     const std::scoped_lock guard(lock_);
     if (index >= complete_.size()) return result::NoMoreMessages;
     message = CSmsMessageX(complete_[index]);

@@ -3,6 +3,7 @@
 #pragma once
 #include "foundation/Clock.h"
 #include "foundation/MachineSettings.h"
+#include "foundation/ResultCode.h"
 #include "sms/MmsNotificationDecoder.h"
 #include "sms/SmsMessageX.h"
 
@@ -31,11 +32,11 @@ class CSmsMessagesX {
     void Process();
 
     // 0 and a copy of the message, or 33060.
-    [[nodiscard]] std::int32_t First(CSmsMessageX& message);
-    [[nodiscard]] std::int32_t Next(CSmsMessageX& message);
+    ResultCode First(CSmsMessageX& message);
+    ResultCode Next(CSmsMessageX& message);
 
     // The index-th complete message, from 0, as of the last pass; 33060 when there is none.
-    [[nodiscard]] std::int32_t ByIndex(std::size_t index, CSmsMessageX& message) const;
+    ResultCode ByIndex(std::size_t index, CSmsMessageX& message) const;
 
     std::size_t Count();         // complete messages, after a pass
     std::size_t Stored() const;  // complete messages and waiting parts

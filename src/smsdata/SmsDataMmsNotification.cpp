@@ -1,7 +1,7 @@
 #include "smsdata/SmsDataMmsNotification.h"
 
+#include "Common/Wsp/PushHeader.h"
 #include "foundation/Hex.h"
-#include "smsdata/PushHeader.h"
 
 namespace {
 

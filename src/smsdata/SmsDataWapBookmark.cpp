@@ -1,8 +1,8 @@
 #include "smsdata/SmsDataWapBookmark.h"
 
+#include "Common/Wsp/PushHeader.h"
+#include "Common/Wsp/Wbxml.h"
 #include "foundation/Hex.h"
-#include "smsdata/PushHeader.h"
-#include "smsdata/Wbxml.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 #include "smsdata/SmsDataWapPush.h"
 
+#include "Common/Wsp/PushHeader.h"
+#include "Common/Wsp/Wbxml.h"
 #include "foundation/Hex.h"
 #include "foundation/Text.h"
-#include "smsdata/PushHeader.h"
-#include "smsdata/Wbxml.h"
 
 #include <array>
 

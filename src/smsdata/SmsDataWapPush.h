@@ -1,9 +1,9 @@
 // WAP push content: a service indication (a text and a link that the phone shows) or a service load (a link
 // that it fetches). WAP-167, WAP-168.
 #pragma once
+#include "foundation/OctetWriter.h"
 #include "frame/VrmBase.h"
 #include "sms/SmsConstants.h"
-#include "smsdata/OctetWriter.h"
 
 #include <cstdint>
 #include <string>

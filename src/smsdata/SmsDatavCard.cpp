@@ -1,8 +1,8 @@
 #include "smsdata/SmsDatavCard.h"
 
+#include "Common/Wsp/PushHeader.h"
 #include "foundation/CodePage.h"
 #include "foundation/Hex.h"
-#include "smsdata/PushHeader.h"
 
 #include <array>
 

@@ -1,7 +1,7 @@
 // Result codes, log and activity files, advanced settings.
 #include "foundation/Assertion.h"
+#include "foundation/ErrorTexts.h"
 #include "foundation/IniFile.h"
-#include "frame/ErrorTexts.h"
 #include "frame/VrmBase.h"
 #include "sms/SmsConstants.h"
 #include "support/TemporaryFolder.h"

@@ -1,10 +1,10 @@
 // The GSM alphabet, septets, user data headers and PDUs, octet by octet.
+#include "Common/GsmPdu/GsmAlphabet.h"
+#include "Common/GsmPdu/Septets.h"
 #include "foundation/Hex.h"
-#include "gsm/GsmAlphabet.h"
 #include "gsm/GsmCodec.h"
 #include "gsm/GsmStatusPdu.h"
 #include "gsm/PDUDecode.h"
-#include "gsm/Septets.h"
 #include "support/VirtualClock.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // Serial texts and lines, AT replies, and the modem dialogues, against a scripted modem in virtual time.
-#include "foundation/VrmComIO.h"
-#include "frame/ErrorTexts.h"
+#include "foundation/ErrorTexts.h"
+#include "foundation/serial/VrmComIO.h"
 #include "gsm/GsmModem.h"
 #include "sms/DeviceOptions.h"
 #include "support/ScriptedModem.h"
@@ -37,7 +37,7 @@ TEST_F(Serial, ChoosesPortOrTelephonyByName) {
     }
     EXPECT_EQ(port.Open({.device = "COM3", .speed = 1}), 30113);
     EXPECT_EQ(port.Open({.device = ""}), 30201);
-    modem.openResult = 30104;
+    modem.openResult = ResultCode(30104);
     EXPECT_EQ(port.Open({.device = "COM3"}), 30104);
     EXPECT_FALSE(port.IsOpen());
 }
@@ -45,7 +45,7 @@ TEST_F(Serial, ChoosesPortOrTelephonyByName) {
 TEST_F(Serial, AnUnknownOpenErrorIsLogged) {
     const TemporaryFolder folder;
     port.SetLogFile(folder.File("log"));
-    modem.openResult = 30104;
+    modem.openResult = ResultCode(30104);
     for (const auto& [error, logged] : {std::pair{2U, false}, {5U, false}, {31U, true}}) {
         std::remove(folder.File("log").c_str());
         modem.systemError = error;
@@ -62,7 +62,7 @@ TEST_F(Serial, AnUnknownOpenErrorIsLogged) {
 }
 
 TEST_F(Serial, WritesTextsWithTheirTerminator) {
-    EXPECT_EQ(port.WriteString("AT"), 0);  // not open: still 0
+    port.WriteString("AT");  // not open: nothing happens
     EXPECT_EQ(port.WriteBytes("x"), 30114);
     std::string line;
     EXPECT_EQ(port.ReadString(line, 10, 100), 30114);
@@ -229,7 +229,7 @@ class Gsm : public testing::Test {
         message.Data = std::move(text);
         return message;
     }
-    std::int32_t Send(const CSmsMessageX& message) { return gsm.Send(message, references); }
+    ResultCode Send(const CSmsMessageX& message) { return gsm.Send(message, references); }
     bool Sent(const std::string& command) const {
         return std::ranges::find(modem.commands, command) != modem.commands.end();
     }
@@ -291,7 +291,7 @@ TEST_F(Gsm, TheOpeningDialogueHasItsExits) {
         EXPECT_EQ(fresh.Send(Message(), references), row.code) << row.command << row.reply;
         EXPECT_EQ(other.openings, other.closings);
     }
-    modem.openResult = 30104;
+    modem.openResult = ResultCode(30104);
     EXPECT_EQ(Send(Message()), 30104);
 }
 

@@ -1,13 +1,13 @@
 // SMPP PDUs octet by octet, the optional parameters, and dumps.
-#include <gtest/gtest.h>
-
 #include "Common/SmppPdu/SmppPdus.h"
 #include "Common/SmppPdu/TLVTags.h"
+#include "foundation/ErrorTexts.h"
 #include "foundation/Hex.h"
-#include "frame/ErrorTexts.h"
 #include "smpp/SmppCharSet.h"
 #include "smpp/SmppSubmit.h"
 #include "support/VirtualClock.h"
+
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -43,7 +43,8 @@ TEST(SmppPdu, HeadersEncodeAsTheStandardHasThem) {
 // SMPP 3.4 section 3.2.3 gives this bind_transmitter as its worked example.
 TEST(SmppPdu, TheStandardsBindIsReadAndWritten) {
     const char* text =
-        "0000002F 00000002 00000000 00000001 534D50503354455354 00 7365637265743038 00 5355424D495431 00 00 01 01 00";
+        "0000002F 00000002 00000000 00000001 534D50503354455354 00 7365637265743038 00 5355424D495431 00 00 "
+        "01 01 00";
     CSmppBindTransmitter bind;
     bind.SetData(FromHex(text));
     bind.Decode();
@@ -127,7 +128,11 @@ TEST(SmppPdu, TlvsAreWrittenByTheirType) {
     pdu.tlvs.AddOrReplace({.tag = 0x1400, .type = TLVType::kUnicode, .text = u"\u4E2D"});
     pdu.tlvs.AddOrReplace({.tag = 0x0424, .type = TLVType::kOctet, .text = u"\u00FF"});
     pdu.Encode();
-    EXPECT_EQ(HexOf(pdu.Data().subspan(17)), "020400022345" "001E0003414200" "140000024E2D" "04240001FF");
+    EXPECT_EQ(HexOf(pdu.Data().subspan(17)),
+              "020400022345"
+              "001E0003414200"
+              "140000024E2D"
+              "04240001FF");
 }
 
 TEST(SmppPdu, AnOverlongPduIsCutButCounted) {
@@ -155,9 +160,14 @@ TEST(SmppPdu, DumpsItsFields) {
     std::string text;
     pdu.Dump(text);
     for (const char* line : {
-             "PDU Length             : 0x00000033\n", "PDU Type               : SUBMIT_SM\n",
-             "PDU Result Code        : ESME_ROK\n", "Source Address         : 1234\n", "ESM Flag               : 0x40\n",
-             "Schedule Delivery Time : \n", "Short Message Length   : 8\n", "User Data Header Len   : 5\n",
+             "PDU Length             : 0x00000033\n",
+             "PDU Type               : SUBMIT_SM\n",
+             "PDU Result Code        : ESME_ROK\n",
+             "Source Address         : 1234\n",
+             "ESM Flag               : 0x40\n",
+             "Schedule Delivery Time : \n",
+             "Short Message Length   : 8\n",
+             "User Data Header Len   : 5\n",
              "User Data Header       : 00 03 2A 02 01 \n",
              "Short Message Data     :\n\n0000  48 69                                             Hi\n",
              "Optional Parameter     : 0x020B (destination_port              ), 2-Byte  Value: 0x0B84\n",
@@ -171,7 +181,6 @@ TEST(SmppPdu, DumpsItsFields) {
 }
 
 // --- from a message to submit_sm
-
 
 class Submit : public testing::Test {
   protected:
@@ -196,7 +205,7 @@ class Submit : public testing::Test {
     SmppSubmitBuilder builder{clock};
     CSmppParameters parameters;
     CSmsMessageX message;
-    std::int32_t code = 0;
+    ResultCode code;
 };
 
 TEST_F(Submit, AddressesTakeTheirDefaults) {
@@ -233,8 +242,14 @@ TEST_F(Submit, LongMessagesAreSplit) {
         std::vector<std::size_t> sizes;  // of short_message, header included
     };
     for (const Row& row : {
-             Row{0, 160, 0, {160}}, Row{0, 161, 0, {159, 14}}, Row{2, 307, 0, {159, 159, 7}}, Row{22, 70, 0, {140}},
-             Row{22, 71, 0, {140, 14}}, Row{10, 140, 0, {140}}, Row{10, 141, 0, {140, 13}}, Row{0, 152, 2948, {159}},
+             Row{0, 160, 0, {160}},
+             Row{0, 161, 0, {159, 14}},
+             Row{2, 307, 0, {159, 159, 7}},
+             Row{22, 70, 0, {140}},
+             Row{22, 71, 0, {140, 14}},
+             Row{10, 140, 0, {140}},
+             Row{10, 141, 0, {140, 13}},
+             Row{0, 152, 2948, {159}},
              Row{0, 153, 2948, {158, 19}},
          }) {
         message.Format = row.format;
@@ -251,7 +266,8 @@ TEST_F(Submit, LongMessagesAreSplit) {
     message.Format = 0;
     message.Data = std::u16string(161, u'x');
     const auto pdus = Build();
-    EXPECT_EQ(HexOf(FromHex("050003")), HexOf({reinterpret_cast<const std::uint8_t*>(pdus[1]->short_message.data()), 3}));
+    EXPECT_EQ(HexOf(FromHex("050003")),
+              HexOf({reinterpret_cast<const std::uint8_t*>(pdus[1]->short_message.data()), 3}));
     EXPECT_EQ(pdus[1]->short_message.substr(4, 2), std::string("\x02\x02"));
 }
 
@@ -263,10 +279,17 @@ TEST_F(Submit, CodingComesFromFormatOrCharacterSet) {
         const char* octets;
     };
     for (const Row& row : {
-             Row{0, 0, u"\u20AC", 0x00, "80"}, Row{0, 1, u"@\u20AC", 0x00, "001B65"}, Row{0, 3, u"\u00E9", 0x03, "E9"},
-             Row{0, 5, u"\u0416", 0x06, "B6"}, Row{0, 6, u"\u05D0", 0x07, "E0"}, Row{0, 99, u"a", 0x00, "61"},
-             Row{20, 1, u"\u4E2D", 0x08, "4E2D"}, Row{21, 0, u"a", 0x18, "0061"}, Row{1, 0, u"a", 0x10, "61"},
-             Row{10, 0, u"00ff", 0xF5, "00FF"}, Row{11, 0, u"0605040B8423F0AB", 0xF5, "0605040B8423F0AB"},
+             Row{0, 0, u"\u20AC", 0x00, "80"},
+             Row{0, 1, u"@\u20AC", 0x00, "001B65"},
+             Row{0, 3, u"\u00E9", 0x03, "E9"},
+             Row{0, 5, u"\u0416", 0x06, "B6"},
+             Row{0, 6, u"\u05D0", 0x07, "E0"},
+             Row{0, 99, u"a", 0x00, "61"},
+             Row{20, 1, u"\u4E2D", 0x08, "4E2D"},
+             Row{21, 0, u"a", 0x18, "0061"},
+             Row{1, 0, u"a", 0x10, "61"},
+             Row{10, 0, u"00ff", 0xF5, "00FF"},
+             Row{11, 0, u"0605040B8423F0AB", 0xF5, "0605040B8423F0AB"},
          }) {
         message.Format = row.format;
         parameters.charSet = row.charSet;
@@ -309,7 +332,8 @@ TEST(SmppCharSets, TextGoesOutAndComesBackInEverySet) {
         EXPECT_EQ(smppcharset::Decode(octets, row.coding, row.charSet), row.back);
     }
     EXPECT_EQ(smppcharset::Decode(u"\u00a1\u00fb", 0x07, 0), u"??");  // unassigned in Hebrew
-    EXPECT_EQ(smppcharset::Decode(u"\u00e9", 0x03, sms::asSMPPCHARSET_GSM), u"\u00e9");  // Latin-1 whatever is set
+    EXPECT_EQ(smppcharset::Decode(u"\u00e9", 0x03, sms::asSMPPCHARSET_GSM),
+              u"\u00e9");  // Latin-1 whatever is set
     EXPECT_EQ(smppcharset::KindOf(0xF5), smppcharset::Coding::kData);
     EXPECT_EQ(smppcharset::KindOf(0x04), smppcharset::Coding::kData);
     EXPECT_EQ(smppcharset::KindOf(0x18), smppcharset::Coding::kUcs2);

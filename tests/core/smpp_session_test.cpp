@@ -1,17 +1,19 @@
-// The session as a machine: scripted octets in, octets and events out, in virtual time. And the protocol with its
-// worker thread over a socket that only answers.
-#include <gtest/gtest.h>
-
-#include "frame/ErrorTexts.h"
+// The session as a machine: scripted octets in, octets and events out, in virtual time. And the protocol with
+// its worker thread over a socket that only answers.
+#include "foundation/ErrorTexts.h"
 #include "smpp/SmppProtocol.h"
 #include "smpp/SmppSession.h"
 #include "support/VirtualClock.h"
 
+#include <gtest/gtest.h>
+
 namespace {
 
-std::string Pdu(std::uint32_t command, std::uint32_t status, std::uint32_t sequence, const std::string& body = {}) {
+std::string Pdu(std::uint32_t command, std::uint32_t status, std::uint32_t sequence,
+                const std::string& body = {}) {
     std::string octets;
-    for (const std::uint32_t word : {static_cast<std::uint32_t>(16 + body.size()), command, status, sequence}) {
+    for (const std::uint32_t word :
+         {static_cast<std::uint32_t>(16 + body.size()), command, status, sequence}) {
         for (int shift = 24; shift >= 0; shift -= 8) octets.push_back(static_cast<char>(word >> shift));
     }
     return octets + body;
@@ -20,7 +22,10 @@ std::string Pdu(std::uint32_t command, std::uint32_t status, std::uint32_t seque
 std::string Deliver(std::uint32_t sequence, const std::string& text, char esm = 0) {
     using namespace std::string_literals;
     return Pdu(5, 0, sequence,
-               "\0\x01\x01""31611111111\0\x01\x01""1234\0"s + esm + "\0\0\0\0\0\0\0\0"s + static_cast<char>(text.size()) + text);
+               "\0\x01\x01"
+               "31611111111\0\x01\x01"
+               "1234\0"s +
+                   esm + "\0\0\0\0\0\0\0\0"s + static_cast<char>(text.size()) + text);
 }
 
 struct Sent {
@@ -38,7 +43,8 @@ class Session : public testing::Test {
             for (std::size_t i = 0; i < 4; ++i) value = value << 8 | static_cast<std::uint8_t>(out[at + i]);
             return value;
         };
-        for (std::size_t at = 0; at < out.size(); at += word(at)) sent.push_back({word(at + 4), word(at + 8), word(at + 12)});
+        for (std::size_t at = 0; at < out.size(); at += word(at))
+            sent.push_back({word(at + 4), word(at + 8), word(at + 12)});
         out.clear();
         return sent;
     }
@@ -66,7 +72,8 @@ class Session : public testing::Test {
 };
 
 TEST_F(Session, BindResponsesHaveTheirCodes) {
-    for (const auto& [status, code] : {std::pair{0x0DU, 33202}, {0x0EU, 33204}, {0x0FU, 33203}, {0x99U, 33202}}) {
+    for (const auto& [status, code] :
+         {std::pair{0x0DU, 33202}, {0x0EU, 33204}, {0x0FU, 33203}, {0x99U, 33202}}) {
         CSmppSession other(log, parameters, reports, received, clock);
         other.StartBind();
         other.OnBytes(Pdu(0x80000009, status, 1));
@@ -84,10 +91,13 @@ TEST_F(Session, BindResponsesHaveTheirCodes) {
 TEST_F(Session, AnswersTheServerAlsoBeforeTheBindAndOctetByOctet) {
     session.StartBind();
     TakeOutput();
-    const std::string all = Pdu(0x15, 0, 77) + Pdu(0x80000009, 0, 1, std::string("x\0", 2)) + Deliver(5, "Hello") +
-                            Pdu(0x12345, 0, 6) + Pdu(0x103, 0, 8, std::string(10, '\0'));
+    const std::string all = Pdu(0x15, 0, 77) + Pdu(0x80000009, 0, 1, std::string("x\0", 2)) +
+                            Deliver(5, "Hello") + Pdu(0x12345, 0, 6) +
+                            Pdu(0x103, 0, 8, std::string(10, '\0'));
     for (const char octet : all) session.OnBytes({&octet, 1});
-    EXPECT_EQ(TakeOutput(), (std::vector<Sent>{{0x80000015, 0, 77}, {0x80000005, 0, 5}, {0x80000000, 0, 0}, {0x80000103, 0, 8}}));
+    EXPECT_EQ(
+        TakeOutput(),
+        (std::vector<Sent>{{0x80000015, 0, 77}, {0x80000005, 0, 5}, {0x80000000, 0, 0}, {0x80000103, 0, 8}}));
     CSmsMessageX message;
     ASSERT_EQ(received.First(message), 0);
     EXPECT_EQ(message.Data, u"Hello");
@@ -127,8 +137,9 @@ TEST_F(Session, SubmitStatusesBecomeResults) {
         std::int32_t status, code;
     };
     std::uint32_t sequence = 2;
-    for (const Row& row : {Row{0, false, 11, 0}, Row{0, true, 1, 0}, Row{0x58, true, 8, 33217}, Row{0x14, true, 8, 33217},
-                           Row{0x0B, true, 8, 33216}, Row{0x401, true, 13, 33225}, Row{0x45, true, 8, 33215}}) {
+    for (const Row& row :
+         {Row{0, false, 11, 0}, Row{0, true, 1, 0}, Row{0x58, true, 8, 33217}, Row{0x14, true, 8, 33217},
+          Row{0x0B, true, 8, 33216}, Row{0x401, true, 13, 33225}, Row{0x45, true, 8, 33215}}) {
         Queue("r", row.report);
         session.OnTick();
         Response(sequence++, "id", row.answer);

@@ -1,7 +1,7 @@
 // The SMS record, the recipient syntax, the received-message store, delivery reports and receipts.
 #include "Common/SmppPdu/SmppTime.h"
 #include "Common/SmppPdu/TLVRecords.h"
-#include "frame/ErrorTexts.h"
+#include "foundation/ErrorTexts.h"
 #include "sms/SmsDeliveryReports.h"
 #include "sms/SmsMessageX.h"
 #include "sms/SmsMessagesX.h"
@@ -109,7 +109,7 @@ class Store : public testing::Test {
     std::vector<std::u16string> Texts() {
         std::vector<std::u16string> texts;
         CSmsMessageX message;
-        for (std::int32_t code = store.First(message); code == 0; code = store.Next(message)) {
+        for (ResultCode code = store.First(message); code == 0; code = store.Next(message)) {
             texts.push_back(message.Data);
         }
         return texts;

@@ -1,5 +1,6 @@
-// The TCP client over the machine's loopback; its time-outs run in virtual time, which only its own pauses advance.
-#include "foundation/KorTcpSocket.h"
+// The TCP client over the machine's loopback; its time-outs run in virtual time, which only its own pauses
+// advance.
+#include "foundation/net/KorTcpSocket.h"
 #include "support/TcpPeer.h"
 #include "support/VirtualClock.h"
 
@@ -41,7 +42,8 @@ TEST_F(TcpSocket, GivesLinesAndWhatLiesBehindThem) {
     EXPECT_EQ(socket.ConnectionState(), CKorTcpSocket::State::kConnected);
     const std::string longLine(5000, 'x');
     peer.Write("one\r\ntwo\r\n\r\r\n" + longLine + "\r\nrest");
-    for (const std::string& expected : {std::string("one"), std::string("two"), std::string("\r"), longLine}) {
+    for (const std::string& expected :
+         {std::string("one"), std::string("two"), std::string("\r"), longLine}) {
         EXPECT_EQ(socket.ReceiveLine(line, kNever, kNever), tcp::kSuccess);
         EXPECT_EQ(line, expected);
     }

@@ -1,7 +1,7 @@
 // The frame through real COM: creation, unloading, both kinds of binding, bad input, the interface listing.
 #include "Com.h"
+#include "Common/GsmPdu/UserDataHeader.h"
 #include "TypeLibraryListing.h"
-#include "gsm/UserDataHeader.h"
 
 #include <cstdlib>
 #include <cwctype>

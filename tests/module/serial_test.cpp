@@ -1,6 +1,6 @@
 // What only the Windows edge does: line settings, and telephony through a table of the test's own.
-#include "foundation/PortWin.h"
-#include "foundation/TelephonyWin.h"
+#include "foundation/serial/PortWin.h"
+#include "foundation/serial/TelephonyWin.h"
 
 #include <gtest/gtest.h>
 

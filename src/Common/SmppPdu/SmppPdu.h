@@ -1,9 +1,9 @@
 // An SMPP protocol data unit: the header, the buffer and the optional parameters that all have in common.
 // A class lists its body fields once (`Fields`); encoder, decoder and dump are three visitors of that list.
 #pragma once
+#include "Common/GsmPdu/UserDataHeader.h"
 #include "Common/SmppPdu/SmppNames.h"
 #include "Common/SmppPdu/TLVRecords.h"
-#include "gsm/UserDataHeader.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // A modem in virtual time: answers written octets by rules, and lets every time-out cost nothing.
 #pragma once
-#include "foundation/SerialDevice.h"
-#include "frame/ErrorTexts.h"
+#include "foundation/ErrorTexts.h"
+#include "foundation/serial/SerialDevice.h"
 #include "support/VirtualClock.h"
 
 #include <deque>
@@ -31,18 +31,18 @@ class ScriptedModem : public SerialOpener {
     int openings = 0;
     int closings = 0;
     bool viaTelephony = false;
-    std::int32_t openResult = result::Success;
+    ResultCode openResult = result::Success;
     std::uint32_t systemError = 2;
     bool dead = false;     // reads and writes fail
     bool endless = false;  // gives `flood` without end
     std::string flood;
 
-    std::int32_t OpenPort(const SerialSettings& wanted, std::unique_ptr<SerialDevice>& device,
-                          std::uint32_t& error) override {
+    ResultCode OpenPort(const SerialSettings& wanted, std::unique_ptr<SerialDevice>& device,
+                        std::uint32_t& error) override {
         error = systemError;
         return Open(wanted, device, false);
     }
-    std::int32_t OpenTelephony(const SerialSettings& wanted, std::unique_ptr<SerialDevice>& device) override {
+    ResultCode OpenTelephony(const SerialSettings& wanted, std::unique_ptr<SerialDevice>& device) override {
         return Open(wanted, device, true);
     }
 
@@ -63,7 +63,7 @@ class ScriptedModem : public SerialOpener {
         ScriptedModem* modem_;
     };
 
-    std::int32_t Open(const SerialSettings& wanted, std::unique_ptr<SerialDevice>& device, bool telephony) {
+    ResultCode Open(const SerialSettings& wanted, std::unique_ptr<SerialDevice>& device, bool telephony) {
         ++openings;
         settings = wanted;
         viaTelephony = telephony;

@@ -1,4 +1,4 @@
-#include "gsm/UserDataHeader.h"
+#include "Common/GsmPdu/UserDataHeader.h"
 
 #include "foundation/Assertion.h"
 

@@ -1,6 +1,6 @@
 // What stands before the content of a message that goes to an application of the phone.
 #pragma once
-#include "smsdata/OctetWriter.h"
+#include "foundation/OctetWriter.h"
 
 #include <cstdint>
 

@@ -1,7 +1,7 @@
-#include "foundation/TelephonyWin.h"
+#include "foundation/serial/TelephonyWin.h"
 
-#include "foundation/PortWin.h"
-#include "frame/ErrorTexts.h"
+#include "foundation/ErrorTexts.h"
+#include "foundation/serial/PortWin.h"
 
 #include <cstring>
 
@@ -119,7 +119,7 @@ bool Telephony::FindLine(const std::string& name) {
     return false;
 }
 
-std::int32_t Telephony::Connect(const std::string& name, HANDLE& port) {
+ResultCode Telephony::Connect(const std::string& name, HANDLE& port) {
     if (!FindLine(name)) {
         Stop();
         if (!FindLine(name)) {
@@ -127,13 +127,13 @@ std::int32_t Telephony::Connect(const std::string& name, HANDLE& port) {
             return result::TelephonyDeviceNotFound;
         }
     }
-    std::int32_t code = MakeCall();
+    ResultCode code = MakeCall();
     if (code == result::Success) code = PortOfCall(port);
     if (code != result::Success) Stop();
     return code;
 }
 
-std::int32_t Telephony::MakeCall() {
+ResultCode Telephony::MakeCall() {
     if (api_->open(application_, lineNumber_, &line_, version_, 0, 0, LINECALLPRIVILEGE_NONE,
                    LINEMEDIAMODE_DATAMODEM, nullptr) != 0) {
         line_ = 0;
@@ -162,7 +162,7 @@ std::int32_t Telephony::MakeCall() {
     return result::TelephonyNoResponse;
 }
 
-std::int32_t Telephony::PortOfCall(HANDLE& port) {
+ResultCode Telephony::PortOfCall(HANDLE& port) {
     struct PortId {
         VARSTRING header;
         char space[256];
@@ -199,13 +199,13 @@ class TelephonyPort final : public PortWin {
 
 }  // namespace
 
-std::int32_t OpenTelephonyPort(const TelephonyApi& api, const SerialSettings& settings,
-                               std::unique_ptr<SerialDevice>& device) {
+ResultCode OpenTelephonyPort(const TelephonyApi& api, const SerialSettings& settings,
+                             std::unique_ptr<SerialDevice>& device) {
     auto call = std::make_unique<Telephony>(api);
     HANDLE port = nullptr;
-    if (const std::int32_t code = call->Connect(settings.device, port); code != result::Success) return code;
+    if (const ResultCode code = call->Connect(settings.device, port); code != result::Success) return code;
     auto opened = std::make_unique<TelephonyPort>(Handle(port), std::move(call));
-    if (const std::int32_t code = opened->Prepare(settings); code != result::Success) return code;
+    if (const ResultCode code = opened->Prepare(settings); code != result::Success) return code;
     device = std::move(opened);
     return result::Success;
 }

@@ -1,4 +1,4 @@
-#include "frame/KorBase.h"
+#include "foundation/KorBase.h"
 
 #include "foundation/Assertion.h"
 #include "foundation/IniFile.h"

@@ -1,4 +1,4 @@
-#include "gsm/GsmAlphabet.h"
+#include "Common/GsmPdu/GsmAlphabet.h"
 
 #include <array>
 

@@ -1,4 +1,4 @@
-#include "foundation/KorTcpSocket.h"
+#include "foundation/net/KorTcpSocket.h"
 
 #include <algorithm>
 

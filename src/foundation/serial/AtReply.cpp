@@ -1,7 +1,7 @@
-#include "foundation/AtReply.h"
+#include "foundation/serial/AtReply.h"
 
+#include "foundation/ErrorTexts.h"
 #include "foundation/Text.h"
-#include "frame/ErrorTexts.h"
 
 #include <algorithm>
 #include <array>
@@ -13,7 +13,7 @@ namespace {
 struct FinalResult {
     std::string_view text;
     AtStatus status;
-    std::int32_t code;
+    ResultCode code;
 };
 
 // In the order in which they are looked for. "+CMS ERROR" and "+CME ERROR" get their code from the number.
@@ -29,7 +29,7 @@ constexpr auto kFinalResults = std::to_array<FinalResult>({
 
 struct ErrorNumber {
     std::int32_t number;
-    std::int32_t code;
+    ResultCode code;
 };
 
 // +CMS ERROR, 3GPP TS 27.005 section 3.2.5 and TS 24.011 annex E.
@@ -61,7 +61,7 @@ struct ErrorFamily {
 constexpr auto kErrorFamilies =
     std::to_array<ErrorFamily>({{"+CMS ERROR", kCmsErrors}, {"+CME ERROR", kCmeErrors}});
 
-std::int32_t ErrorCode(std::string_view upper) {
+ResultCode ErrorCode(std::string_view upper) {
     for (const ErrorFamily& family : kErrorFamilies) {
         const std::size_t at = upper.find(family.text);
         if (at == std::string_view::npos) continue;

@@ -3,7 +3,8 @@
 #include <windows.h>
 
 #define TAPI_CURRENT_VERSION 0x00010004
-#include "foundation/SerialDevice.h"
+#include "foundation/ResultCode.h"
+#include "foundation/serial/SerialDevice.h"
 
 #include <cstdint>
 #include <memory>
@@ -44,15 +45,15 @@ class Telephony {
 
     // Calls the named line's modem and gives the port of the call, which this object keeps up; 0, 30201 to
     // 30204.
-    [[nodiscard]] std::int32_t Connect(const std::string& name, HANDLE& port);
+    ResultCode Connect(const std::string& name, HANDLE& port);
 
   private:
     bool Start();
     void Stop();
     bool FindLine(const std::string& name);
     std::string LineName(DWORD line);
-    [[nodiscard]] std::int32_t MakeCall();
-    [[nodiscard]] std::int32_t PortOfCall(HANDLE& port);
+    ResultCode MakeCall();
+    ResultCode PortOfCall(HANDLE& port);
 
     const TelephonyApi* api_;
     HLINEAPP application_ = 0;
@@ -67,5 +68,5 @@ class Telephony {
 std::vector<std::string> TelephonyLines(const TelephonyApi& api = SystemTelephonyApi());
 
 // Opens the line of that name as a serial device. 0, or a code of Telephony::Connect or PortWin::Prepare.
-[[nodiscard]] std::int32_t OpenTelephonyPort(const TelephonyApi& api, const SerialSettings& settings,
-                                             std::unique_ptr<SerialDevice>& device);
+ResultCode OpenTelephonyPort(const TelephonyApi& api, const SerialSettings& settings,
+                             std::unique_ptr<SerialDevice>& device);

@@ -1,6 +1,8 @@
 // What a modem's reply to an AT command means: the final results of 3GPP TS 27.005 and 27.007 and ITU-T
 // V.250.
 #pragma once
+#include "foundation/ResultCode.h"
+
 #include <cstdint>
 #include <string_view>
 
@@ -19,7 +21,7 @@ enum class AtStatus {
 
 struct AtOutcome {
     AtStatus status = AtStatus::kNone;
-    std::int32_t code = 0;  // the result code that goes with it
+    ResultCode code;  // the result code that goes with it
 };
 
 // True when the line ends the reply: it holds a final result or the expected text.

@@ -1,8 +1,8 @@
-#include "foundation/VrmComIO.h"
+#include "foundation/serial/VrmComIO.h"
 
+#include "foundation/ErrorTexts.h"
+#include "foundation/Product.h"
 #include "foundation/Text.h"
-#include "frame/ErrorTexts.h"
-#include "frame/VrmBase.h"
 
 #include <algorithm>
 
@@ -21,10 +21,10 @@ std::string MaskPin(std::string_view command) {
 
 CVrmComIO::CVrmComIO(SerialOpener& opener, Clock& clock) : CKorComIO("CVrmComIO", opener, clock) {}
 
-std::int32_t CVrmComIO::Open(SerialSettings settings) {
+ResultCode CVrmComIO::Open(SerialSettings settings) {
     const bool port = ContainsNoCase(std::string_view(settings.device).substr(0, 3), "COM");
     if (port && settings.speed == 0) settings.speed = kDefaultSpeed;
-    const std::int32_t code = port ? OpenPort(settings) : OpenTelephony(settings);
+    const ResultCode code = port ? OpenPort(settings) : OpenTelephony(settings);
     Log(logmask::kVerbatim, "OPEN DEVICE   [Velqar Build %s], device=[%s], baudrate=[%d], result=[%s]\n",
         product::kBuild, settings.device.c_str(), static_cast<int>(settings.speed),
         DescribeError(code).data());
@@ -37,25 +37,25 @@ void CVrmComIO::Close() {
     Log(logmask::kVerbatim, "CLOSE DEVICE\n");
 }
 
-std::int32_t CVrmComIO::WriteString(std::string_view text) {
+void CVrmComIO::WriteString(std::string_view text) {
     if (IsLogging()) Log(logmask::kVerbatim, "WRITE STRING, string=[%s]\n", MaskPin(text).c_str());
-    return CKorComIO::WriteString(text, kCarriageReturn);
+    CKorComIO::WriteString(text, kCarriageReturn);
 }
 
-std::int32_t CVrmComIO::ReadString(std::string& line, std::size_t maximum, std::uint32_t timeout,
-                                   std::string_view prompt) {
-    const std::int32_t code = CKorComIO::ReadString(line, maximum, timeout, kCarriageReturn, prompt);
+ResultCode CVrmComIO::ReadString(std::string& line, std::size_t maximum, std::uint32_t timeout,
+                                 std::string_view prompt) {
+    const ResultCode code = CKorComIO::ReadString(line, maximum, timeout, kCarriageReturn, prompt);
     if (code == result::Success) Log(logmask::kVerbatim, "READ STRING,  string=[%s]\n", line.c_str());
     return code;
 }
 
-std::int32_t CVrmComIO::WriteBytes(std::string_view octets) {
+ResultCode CVrmComIO::WriteBytes(std::string_view octets) {
     Log(logmask::kVerbatim, "WRITE BYTES, #bytes=[%d]\n", static_cast<int>(octets.size()));
     return CKorComIO::WriteBytes(octets);
 }
 
-std::int32_t CVrmComIO::ReadBytes(std::string& octets, std::size_t count, std::uint32_t timeout) {
-    const std::int32_t code = CKorComIO::ReadBytes(octets, count, timeout);
+ResultCode CVrmComIO::ReadBytes(std::string& octets, std::size_t count, std::uint32_t timeout) {
+    const ResultCode code = CKorComIO::ReadBytes(octets, count, timeout);
     if (code != result::Success) {
         Log(logmask::kVerbatim, "READ BYTES, #bytes=[%d]\n", static_cast<int>(octets.size()));
     }
@@ -65,7 +65,7 @@ std::int32_t CVrmComIO::ReadBytes(std::string& octets, std::size_t count, std::u
 AtExchange CVrmComIO::Exchange(std::string_view command, std::uint32_t timeout, std::string_view expected) {
     if (!command.empty()) {
         if (IsLogging()) Log(logmask::kActivity, "Sending command [%s]...\n", MaskPin(command).c_str());
-        (void)WriteString(command);
+        WriteString(command);
     }
     AtExchange exchange;
     bool whole = true;  // a line that stalls half-way is taken up again by the next read
@@ -89,7 +89,7 @@ AtExchange CVrmComIO::Exchange(std::string_view command, std::uint32_t timeout, 
     return exchange;
 }
 
-std::int32_t CVrmComIO::RunCommandList(std::string_view list) {
+ResultCode CVrmComIO::RunCommandList(std::string_view list) {
     for (const std::string_view command : Split(list, ";")) {
         if (Trim(command).empty()) continue;
         const AtExchange exchange = Exchange(command, kListCommandTime);

@@ -1,4 +1,4 @@
-#include "foundation/SocketApi.h"
+#include "foundation/net/SocketApi.h"
 
 #include <arpa/inet.h>
 #include <array>

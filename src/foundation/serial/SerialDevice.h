@@ -1,6 +1,8 @@
 // One open line to a modem, octets in and out. The edge implements it over a COM port or a telephony line;
 // tests over a scripted modem in virtual time.
 #pragma once
+#include "foundation/ResultCode.h"
+
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -43,9 +45,8 @@ class SerialOpener {
   public:
     virtual ~SerialOpener() = default;
     // `systemError` receives the system's own number when the port cannot be opened (30104).
-    [[nodiscard]] virtual std::int32_t OpenPort(const SerialSettings& settings,
-                                                std::unique_ptr<SerialDevice>& device,
-                                                std::uint32_t& systemError) = 0;
-    [[nodiscard]] virtual std::int32_t OpenTelephony(const SerialSettings& settings,
-                                                     std::unique_ptr<SerialDevice>& device) = 0;
+    virtual ResultCode OpenPort(const SerialSettings& settings, std::unique_ptr<SerialDevice>& device,
+                                std::uint32_t& systemError) = 0;
+    virtual ResultCode OpenTelephony(const SerialSettings& settings,
+                                     std::unique_ptr<SerialDevice>& device) = 0;
 };

@@ -1,8 +1,9 @@
 // One serial connection: opening, writing texts, reading octets and lines with time-outs.
 #pragma once
 #include "foundation/Clock.h"
-#include "foundation/SerialDevice.h"
-#include "frame/KorBase.h"
+#include "foundation/KorBase.h"
+#include "foundation/ResultCode.h"
+#include "foundation/serial/SerialDevice.h"
 
 #include <array>
 #include <cstdint>
@@ -22,25 +23,24 @@ class CKorComIO : public CKorBase {
 
     // 0, 30103 already open, 30104 cannot open, 30113 speed refused, 30109/30110 line state, 30201 to 30204
     // telephony.
-    [[nodiscard]] std::int32_t OpenPort(const SerialSettings& settings);
-    [[nodiscard]] std::int32_t OpenTelephony(const SerialSettings& settings);
+    ResultCode OpenPort(const SerialSettings& settings);
+    ResultCode OpenTelephony(const SerialSettings& settings);
     void Close();
 
-    // Writes at most 4096 characters, and the terminator unless the text is empty or ends in Ctrl-Z. Always
-    // 0.
-    std::int32_t WriteString(std::string_view text, char terminator);
+    // Writes at most 4096 characters, and the terminator unless the text is empty or ends in Ctrl-Z.
+    void WriteString(std::string_view text, char terminator);
 
     // 0, or 30114 when not open.
-    [[nodiscard]] std::int32_t WriteBytes(std::string_view octets);
+    ResultCode WriteBytes(std::string_view octets);
 
     // Reads until `count` octets are there or the time-out (ms) passes; 30114, or 30115 when nothing came.
-    [[nodiscard]] std::int32_t ReadBytes(std::string& octets, std::size_t count, std::uint32_t timeout);
+    ResultCode ReadBytes(std::string& octets, std::size_t count, std::uint32_t timeout);
 
     // Reads one line, trimmed; empty lines are skipped. A line ends at the terminator, at `maximum`
     // characters, or when it consists of `prompt` (not empty) alone, after which no terminator comes. 30114,
     // or 30115 when nothing came.
-    [[nodiscard]] std::int32_t ReadString(std::string& line, std::size_t maximum, std::uint32_t timeout,
-                                          char terminator, std::string_view prompt = {});
+    ResultCode ReadString(std::string& line, std::size_t maximum, std::uint32_t timeout, char terminator,
+                          std::string_view prompt = {});
 
     // Whether the line that ReadString gave last was whole: ended by its terminator, or a prompt.
     bool LineEnded() const { return lineEnded_; }
@@ -50,8 +50,7 @@ class CKorComIO : public CKorBase {
     void SetRts(bool on);
 
   private:
-    [[nodiscard]] std::int32_t Opened(std::int32_t code, const SerialSettings& settings,
-                                      std::unique_ptr<SerialDevice> device);
+    ResultCode Opened(ResultCode code, const SerialSettings& settings, std::unique_ptr<SerialDevice> device);
     bool Fill(std::uint32_t wait);
 
     SerialOpener* opener_;

@@ -1,7 +1,7 @@
-#include "foundation/KorComIO.h"
+#include "foundation/serial/KorComIO.h"
 
+#include "foundation/ErrorTexts.h"
 #include "foundation/Text.h"
-#include "frame/ErrorTexts.h"
 
 #include <algorithm>
 
@@ -17,18 +17,18 @@ constexpr std::uint32_t kSlowWriteLimit = 5000;  // plus the delay of each chara
 CKorComIO::CKorComIO(std::string className, SerialOpener& opener, Clock& clock)
     : CKorBase(std::move(className), clock), opener_(&opener) {}
 
-std::int32_t CKorComIO::OpenPort(const SerialSettings& settings) {
+ResultCode CKorComIO::OpenPort(const SerialSettings& settings) {
     if (IsOpen()) return result::PortAlreadyOpen;
     if (settings.speed == 1) return result::PortInvalidSpeed;
     std::unique_ptr<SerialDevice> device;
     std::uint32_t systemError = 0;
-    const std::int32_t code = opener_->OpenPort(settings, device, systemError);
+    const ResultCode code = opener_->OpenPort(settings, device, systemError);
     if (code == result::PortOpenFailed && systemError != kFileNotFound && systemError != kAccessDenied) {
         Log(logmask::kLog | logmask::kActivity,
             "Unknown error occured while opening serial port  : [0x%08X]\n",
             static_cast<unsigned>(systemError));
     }
-    if (const std::int32_t opened = Opened(code, settings, std::move(device)); opened != result::Success)
+    if (const ResultCode opened = Opened(code, settings, std::move(device)); opened != result::Success)
         return opened;
     GetClock().Sleep(kSettleTime);
     Purge();
@@ -37,20 +37,20 @@ std::int32_t CKorComIO::OpenPort(const SerialSettings& settings) {
     return result::Success;
 }
 
-std::int32_t CKorComIO::OpenTelephony(const SerialSettings& settings) {
+ResultCode CKorComIO::OpenTelephony(const SerialSettings& settings) {
     if (IsOpen()) return result::PortAlreadyOpen;
     if (settings.device.empty()) return result::TelephonyDeviceNotFound;
     std::unique_ptr<SerialDevice> device;
-    const std::int32_t code = opener_->OpenTelephony(settings, device);
-    if (const std::int32_t opened = Opened(code, settings, std::move(device)); opened != result::Success)
+    const ResultCode code = opener_->OpenTelephony(settings, device);
+    if (const ResultCode opened = Opened(code, settings, std::move(device)); opened != result::Success)
         return opened;
     SetDtr(true);
     SetRts(true);
     return result::Success;
 }
 
-std::int32_t CKorComIO::Opened(std::int32_t code, const SerialSettings& settings,
-                               std::unique_ptr<SerialDevice> device) {
+ResultCode CKorComIO::Opened(ResultCode code, const SerialSettings& settings,
+                             std::unique_ptr<SerialDevice> device) {
     if (code != result::Success) return code;
     device_ = std::move(device);
     receivedAt_ = receivedEnd_ = 0;
@@ -67,14 +67,14 @@ void CKorComIO::Close() {
     device_.reset();
 }
 
-std::int32_t CKorComIO::WriteString(std::string_view text, char terminator) {
-    if (!IsOpen()) return result::Success;
+void CKorComIO::WriteString(std::string_view text, char terminator) {
+    if (!IsOpen()) return;
     std::string line(text.substr(0, kLongestText));
     if (!line.empty() && line.back() != kCtrlZ) line.push_back(terminator);
     if (writeDelay_ != 0) GetClock().Sleep(writeDelay_);
     if (characterDelay_ == 0) {
         (void)device_->Write(line);
-        return result::Success;
+        return;
     }
     const Timer timer(GetClock(),
                       kSlowWriteLimit + static_cast<std::uint32_t>(line.size()) * characterDelay_);
@@ -82,10 +82,9 @@ std::int32_t CKorComIO::WriteString(std::string_view text, char terminator) {
         if (device_->Write(std::span(line).subspan(i, 1))) ++i;
         GetClock().Sleep(characterDelay_);
     }
-    return result::Success;
 }
 
-std::int32_t CKorComIO::WriteBytes(std::string_view octets) {
+ResultCode CKorComIO::WriteBytes(std::string_view octets) {
     if (!IsOpen()) return result::PortNotOpen;
     (void)device_->Write(octets);
     return result::Success;
@@ -100,7 +99,7 @@ bool CKorComIO::Fill(std::uint32_t wait) {
     return size > 0;
 }
 
-std::int32_t CKorComIO::ReadBytes(std::string& octets, std::size_t count, std::uint32_t timeout) {
+ResultCode CKorComIO::ReadBytes(std::string& octets, std::size_t count, std::uint32_t timeout) {
     octets.clear();
     if (!IsOpen()) return result::PortNotOpen;
     const Timer timer(GetClock(), timeout);
@@ -117,8 +116,8 @@ std::int32_t CKorComIO::ReadBytes(std::string& octets, std::size_t count, std::u
     return octets.empty() && count != 0 ? result::PortNothingReceived : result::Success;
 }
 
-std::int32_t CKorComIO::ReadString(std::string& line, std::size_t maximum, std::uint32_t timeout,
-                                   char terminator, std::string_view prompt) {
+ResultCode CKorComIO::ReadString(std::string& line, std::size_t maximum, std::uint32_t timeout,
+                                 char terminator, std::string_view prompt) {
     line.clear();
     lineEnded_ = false;
     if (!IsOpen()) return result::PortNotOpen;

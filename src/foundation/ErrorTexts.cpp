@@ -1,4 +1,4 @@
-#include "frame/ErrorTexts.h"
+#include "foundation/ErrorTexts.h"
 
 #include <algorithm>
 #include <array>
@@ -13,12 +13,8 @@ struct Row {
 
 constexpr auto kRows = std::to_array<Row>({
 #define RESULT(code, name, text) {code, text},
-#define CODE(code, name)
 #define TEXT_ONLY(code, text) {code, text},
-#include "frame/ErrorTexts.inc"
-#undef RESULT
-#undef CODE
-#undef TEXT_ONLY
+#include "foundation/ErrorTexts.inc"
 });
 
 static_assert(std::ranges::adjacent_find(kRows, std::ranges::greater_equal{}, &Row::code) == kRows.end(),

@@ -2,7 +2,7 @@
 // lines.
 #pragma once
 #include "foundation/Clock.h"
-#include "foundation/SocketApi.h"
+#include "foundation/net/SocketApi.h"
 
 #include <cstdint>
 #include <string>

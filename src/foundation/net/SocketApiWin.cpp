@@ -1,4 +1,4 @@
-#include "foundation/SocketApi.h"
+#include "foundation/net/SocketApi.h"
 
 #include <winsock2.h>
 #include <ws2tcpip.h>

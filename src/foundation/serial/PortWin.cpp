@@ -1,8 +1,8 @@
-#include "foundation/PortWin.h"
+#include "foundation/serial/PortWin.h"
 
-#include "foundation/TelephonyWin.h"
+#include "foundation/ErrorTexts.h"
 #include "foundation/Text.h"
-#include "frame/ErrorTexts.h"
+#include "foundation/serial/TelephonyWin.h"
 
 #include <algorithm>
 #include <string>
@@ -59,7 +59,7 @@ PortWin::PortWin(Handle port)
       readEvent_(::CreateEventW(nullptr, TRUE, FALSE, nullptr)),
       writeEvent_(::CreateEventW(nullptr, TRUE, FALSE, nullptr)) {}
 
-std::int32_t PortWin::Prepare(const SerialSettings& settings) {
+ResultCode PortWin::Prepare(const SerialSettings& settings) {
     ::SetupComm(port_.get(), kBuffer, kBuffer);
     DCB state{};
     state.DCBlength = sizeof state;
@@ -129,8 +129,8 @@ namespace {
 
 class MachineOpener final : public SerialOpener {
   public:
-    std::int32_t OpenPort(const SerialSettings& settings, std::unique_ptr<SerialDevice>& device,
-                          std::uint32_t& systemError) override {
+    ResultCode OpenPort(const SerialSettings& settings, std::unique_ptr<SerialDevice>& device,
+                        std::uint32_t& systemError) override {
         const std::string path = "\\\\.\\" + std::string(Trim(settings.device));
         Handle handle(::CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
                                     FILE_FLAG_OVERLAPPED, nullptr));
@@ -139,13 +139,12 @@ class MachineOpener final : public SerialOpener {
             return result::PortOpenFailed;
         }
         auto port = std::make_unique<PortWin>(std::move(handle));
-        if (const std::int32_t code = port->Prepare(settings); code != result::Success) return code;
+        if (const ResultCode code = port->Prepare(settings); code != result::Success) return code;
         device = std::move(port);
         return result::Success;
     }
 
-    std::int32_t OpenTelephony(const SerialSettings& settings,
-                               std::unique_ptr<SerialDevice>& device) override {
+    ResultCode OpenTelephony(const SerialSettings& settings, std::unique_ptr<SerialDevice>& device) override {
         return OpenTelephonyPort(SystemTelephonyApi(), settings, device);
     }
 };

@@ -1,7 +1,8 @@
 // A modem on a COM port or a telephony line: logged reads and writes, and the AT command exchange.
 #pragma once
-#include "foundation/AtReply.h"
-#include "foundation/KorComIO.h"
+#include "foundation/ResultCode.h"
+#include "foundation/serial/AtReply.h"
+#include "foundation/serial/KorComIO.h"
 
 #include <string>
 #include <string_view>
@@ -19,20 +20,20 @@ class CVrmComIO : public CKorComIO {
     explicit CVrmComIO(SerialOpener& opener, Clock& clock = SystemClock());
 
     // A device named "COM..." is a port (speed 0 = 115200), any other a telephony line.
-    [[nodiscard]] std::int32_t Open(SerialSettings settings);
+    ResultCode Open(SerialSettings settings);
     void Close();
 
     // As the base's, with carriage return as the terminator, and logged.
-    std::int32_t WriteString(std::string_view text);
-    [[nodiscard]] std::int32_t ReadString(std::string& line, std::size_t maximum, std::uint32_t timeout,
-                                          std::string_view prompt = {});
-    [[nodiscard]] std::int32_t WriteBytes(std::string_view octets);
-    [[nodiscard]] std::int32_t ReadBytes(std::string& octets, std::size_t count, std::uint32_t timeout);
+    void WriteString(std::string_view text);
+    ResultCode ReadString(std::string& line, std::size_t maximum, std::uint32_t timeout,
+                          std::string_view prompt = {});
+    ResultCode WriteBytes(std::string_view octets);
+    ResultCode ReadBytes(std::string& octets, std::size_t count, std::uint32_t timeout);
 
     // Sends a command (unless empty) and reads lines until a final result, the expected text or the time-out
     // (ms). Digits of a PIN command are masked in the log.
     AtExchange Exchange(std::string_view command, std::uint32_t timeout, std::string_view expected = {});
 
     // Exchanges each command of a list separated by ";", 2000 ms each; the first failure ends it.
-    [[nodiscard]] std::int32_t RunCommandList(std::string_view list);
+    ResultCode RunCommandList(std::string_view list);
 };

@@ -1,6 +1,6 @@
 // The tokens that all binary XML documents share (WAP-192).
 #pragma once
-#include "smsdata/OctetWriter.h"
+#include "foundation/OctetWriter.h"
 
 namespace wbxml {
 

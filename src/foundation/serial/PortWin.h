@@ -1,7 +1,8 @@
 // A Windows communications port, by name or as the handle of a telephony call.
 #pragma once
-#include "foundation/HandleWin.h"
-#include "foundation/SerialDevice.h"
+#include "foundation/ResultCode.h"
+#include "foundation/serial/HandleWin.h"
+#include "foundation/serial/SerialDevice.h"
 
 #include <windows.h>
 
@@ -14,7 +15,7 @@ class PortWin : public SerialDevice {
     ~PortWin() override = default;
 
     // Buffers, line settings, purge and immediate-return time-outs; 0, 30105, 30109 or 30110.
-    [[nodiscard]] std::int32_t Prepare(const SerialSettings& settings);
+    ResultCode Prepare(const SerialSettings& settings);
 
     bool Write(std::span<const char> octets) override;
     int Read(std::span<char> buffer, std::uint32_t wait) override;

@@ -1,4 +1,4 @@
-#include "gsm/Septets.h"
+#include "Common/GsmPdu/Septets.h"
 
 #include <bit>
 #include <cstring>
