@@ -1,9 +1,9 @@
 // The session as a whole: arbitrary octets from the server, in any pieces, between ticks and messages.
-#include <cstdlib>
-
 #include "Fuzz.h"
 #include "smpp/SmppSession.h"
 #include "support/VirtualClock.h"
+
+#include <cstdlib>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 2) return 0;
