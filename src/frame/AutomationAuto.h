@@ -48,7 +48,7 @@ class Automation : public Interface {
     STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
         if (object == nullptr) return E_POINTER;
         const bool known = IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IDispatch) ||
-                           IsEqualIID(iid, __uuidof(Interface));
+                           IsEqualIID(iid, __uuidof(Interface)) || IsOwnIid(iid);
         *object = known ? static_cast<Interface*>(this) : nullptr;
         if (!known) return E_NOINTERFACE;
         AddRef();
@@ -97,6 +97,9 @@ class Automation : public Interface {
 
   protected:
     virtual ~Automation() = default;
+
+    // Whether the IID is the one by which our own objects know this class (frame/OwnObjectAuto.h).
+    virtual bool IsOwnIid(REFIID /*iid*/) const { return false; }
 
   private:
     static ITypeInfo* Info() {

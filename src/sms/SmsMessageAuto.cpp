@@ -3,6 +3,7 @@
 #include "NeltCtrl.h"
 #include "foundation/ErrorTexts.h"
 #include "frame/AutomationAuto.h"
+#include "frame/OwnObjectAuto.h"
 
 namespace {
 
@@ -37,6 +38,8 @@ class SmsMessageAuto final : public Automation<ISmsMessage> {
     SmsMessageAuto() = default;
     explicit SmsMessageAuto(const CSmsMessageX& record) { CopyFields(record, record_); }
 
+    const CSmsMessageX& Record() const { return record_; }
+
     STDMETHODIMP Clear() noexcept override {
         record_.Clear();
         return S_OK;
@@ -60,6 +63,8 @@ class SmsMessageAuto final : public Automation<ISmsMessage> {
     AUTO_FLAG(RequestDeliveryStatus, record_.RequestDeliveryStatus)
 
   private:
+    bool IsOwnIid(REFIID iid) const override { return IsEqualIID(iid, OwnIid<SmsMessageAuto>()); }
+
     CSmsMessageX record_;
 };
 
@@ -78,6 +83,10 @@ void Read(ISmsMessage* source, HRESULT (STDMETHODCALLTYPE ISmsMessage::*getter)(
 }
 
 ResultCode ReadFields(IUnknown* object, CSmsMessageX& record) {
+    if (const auto own = OwnObject<SmsMessageAuto>(object)) {
+        CopyFields(own->Record(), record);
+        return result::Success;
+    }
     const auto foreign = InterfaceOf<ISmsMessage>(object);
     if (!foreign) return result::InvalidMessageObject;
     EachField([&](auto field, auto getter) { Read(foreign.Get(), getter, record.*field); });
