@@ -42,6 +42,7 @@ class VariantOwner {
     ~VariantOwner() { ::VariantClear(&value_); }
 
     const VARIANT& Get() const { return value_; }
+    VARIANT Detach() { return std::exchange(value_, VARIANT{}); }
     // Where a call may put its value; what was there before is freed.
     VARIANT* Receive() {
         ::VariantClear(&value_);
@@ -123,7 +124,7 @@ template <std::integral Number>
 void Put(LONG* out, Number value) {
     *out = static_cast<LONG>(value);
 }
-inline void Put(VARIANT* out, const VARIANT& value) { *out = value; }
+inline void Put(VARIANT* out, VariantOwner& value) { *out = value.Detach(); }
 // Null is "Nothing".
 inline void Put(VARIANT* out, ComPointer<IDispatch>& object) {
     ::VariantInit(out);

@@ -95,11 +95,11 @@ class SmsProtocolSmppAuto final : public ProviderAuto<SmsChannelAuto<ISmsProtoco
         });
     }
     STDMETHODIMP GetTLVValue(LONG lTag, VARIANT* pVal) noexcept override {
-        return Output(pVal, [&](VARIANT& value) {
+        return Output(pVal, [&](VariantOwner& value) {
             if (lTag < 1 || lTag > 0xFFFF) return result::TlvInvalidTag;
             const CTLVRecord* record = engine_.parameters.receiveTlvs.Find(static_cast<std::uint32_t>(lTag));
             if (record == nullptr) return result::TlvNotFound;
-            value = ValueOf(*record);
+            *value.Receive() = ValueOf(*record);
             return result::Success;
         });
     }

@@ -192,10 +192,10 @@ TEST(OctetsInArrays, OtherArraysAreRefused) {
 
 TEST(OctetsInArrays, AreMadeAsBytes) {
     for (const Octets& octets : {EveryOctet(), Octets{}, Octets{std::string(1 << 20, '\x8C')}}) {
-        VARIANT made = NewByteArray(octets);
-        EXPECT_EQ(made.vt, VT_ARRAY | VT_UI1);
-        EXPECT_EQ(OctetsIn(&made), octets);
-        EXPECT_EQ(::VariantClear(&made), S_OK);
+        VariantOwner made;
+        *made.Receive() = NewByteArray(octets);
+        EXPECT_EQ(made.Get().vt, VT_ARRAY | VT_UI1);
+        EXPECT_EQ(OctetsIn(&made.Get()), octets);
     }
 }
 
