@@ -153,25 +153,11 @@ TEST_F(Gsm, ReportsAreRequestedWithTheLowestSupportedValues) {
     EXPECT_EQ(gsm.Reports().Query("17")->status, 1);
     for (const char* answer :
          {"\r\n+CNMI: (1,2),(0-3),(0,2),(0,1),(1)\r\n\r\nOK\r\n", "\r\n+CNMI: (1,2)\r\n\r\nOK\r\n",
-          "\r\nERROR\r\n", "\r\n+CNMI: ,,,\r\n\r\nOK\r\n"}) {
+          "\r\n+CNMI: (1),(0),2,(2),(1)\r\n\r\nOK\r\n", "\r\nERROR\r\n", "\r\n+CNMI: ,,,\r\n\r\nOK\r\n"}) {
         modem.On("AT+CNMI=?", {answer});
         modem.commands.clear();
         EXPECT_EQ(Send(message), 33151) << answer;
         EXPECT_FALSE(Sent("AT+CMGS=14"));
-    }
-}
-
-TEST(Cnmi, ListsAreRangesOrValues) {
-    for (const auto& [list, values] : {std::pair{"(0-2)", 7U},
-                                       {"0,2", 5U},
-                                       {"(3)", 8U},
-                                       {"2-9", 12U},
-                                       {"", 0U},
-                                       {"7", 0U},
-                                       {"1-0", 0U},
-                                       {"x", 0U},
-                                       {"-", 1U}}) {
-        EXPECT_EQ(ParseCnmiList(list), values) << list;
     }
 }
 
@@ -202,67 +188,6 @@ TEST_F(Gsm, KeywordsChooseTheMode) {
     message.Recipient = "S12345";
     EXPECT_EQ(Send(message), 0);
     EXPECT_TRUE(Sent("AT+CMGS=\"12345\""));
-}
-
-TEST_F(Gsm, PinsAreEnteredOnceAndMasked) {
-    const TemporaryFolder folder;
-    gsm.SetLogFile(folder.File("log"));
-    gsm.SetActivityFile(folder.File("activity"));
-    for (const char* pin : {"123", "123456789", "", "12a4", "12\"\r"})
-        EXPECT_EQ(gsm.EnterPin(pin), 33142) << pin;
-    EXPECT_EQ(modem.openings, 0);
-
-    modem.On("AT+CPIN?", {"\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n"});
-    modem.On("AT+CPIN=\"1111\"", {"\r\n+CME ERROR: 16\r\n"});
-    EXPECT_EQ(gsm.EnterPin("1111"), 33142);
-    const std::size_t before = modem.commands.size();
-    EXPECT_EQ(gsm.EnterPin("1111"), 33142);
-    EXPECT_EQ(modem.commands.size(), before);
-
-    modem.On("AT+CREG?", {"\r\n+CREG: 0,2\r\n\r\nOK\r\n", "\r\n+CREG: 0,1\r\n\r\nOK\r\n"});
-    EXPECT_EQ(gsm.EnterPin("2222"), 0);
-    EXPECT_EQ(Count("AT+CREG?"), 2);
-    EXPECT_EQ(modem.openings, modem.closings);
-    const std::string log = TemporaryFolder::Read(folder.File("log"));
-    EXPECT_EQ(log.find("2222"), std::string::npos);
-    EXPECT_NE(log.find("AT+CPIN=\"****\""), std::string::npos);
-    EXPECT_EQ(log.find("Successfully registered"), std::string::npos);
-
-    modem.On("AT+CREG?", {"\r\n+CREG: 0,2\r\n\r\nOK\r\n"});
-    EXPECT_EQ(gsm.EnterPin("3333"), 0);
-    EXPECT_EQ(Count("AT+CREG?"), 12);
-    EXPECT_NE(TemporaryFolder::Read(folder.File("log")).find("Successfully registered"), std::string::npos);
-}
-
-TEST_F(Gsm, PinStatesHaveTheirCodes) {
-    for (const auto& [reply, code] : {std::pair{"\r\n+CPIN: READY\r\n\r\nOK\r\n", 0},
-                                      {"\r\nERROR\r\n", 33140},
-                                      {"\r\n+CME ERROR: 10\r\n", 33140},
-                                      {"", 30350}}) {
-        modem.On("AT+CPIN?", {reply});
-        EXPECT_EQ(gsm.EnterPin("1234"), code) << reply;
-        EXPECT_FALSE(Sent("AT+CPIN=\"1234\""));
-    }
-}
-
-TEST_F(Gsm, RawCommandsGiveTheWholeReply) {
-    std::string response;
-    modem.On("ATI", {"\r\nMaker\r\nModel\r\n\r\nOK\r\n"});
-    EXPECT_EQ(gsm.SendCommand("ATI", 2000, response), 0);
-    EXPECT_EQ(response, "Maker\r\nModel\r\nOK");
-    modem.On("ATQ", {"\r\n+CME ERROR: 11\r\n"});
-    EXPECT_EQ(gsm.SendCommand("ATQ", 2000, response), 33141);
-    modem.On("ATS", {""});
-    const auto before = clock.Slept();
-    EXPECT_EQ(gsm.SendCommand("ATS", 2000, response), 30350);
-    EXPECT_EQ(clock.Slept() - before, 2500U);
-    modem.On("ATW", {"\r\nhm\r\n"});
-    EXPECT_EQ(gsm.SendCommand("ATW", 2000, response), 30351);
-    modem.endless = true;
-    modem.flood = std::string(1000, 'x') + "\r\n";
-    modem.On("ATF", {""});
-    EXPECT_EQ(gsm.SendCommand("ATF", 100'000, response), 30351);
-    EXPECT_LE(response.size(), 70'000U);
 }
 
 constexpr const char* kHello = "00040B911316111111F10000621112406180000AE8329BFD4697D9EC37";
@@ -325,12 +250,6 @@ TEST_F(Gsm, AListingThatBreaksOffHasACodeAndAnEnd) {
         EXPECT_EQ(gsm.Receive(), row.code) << row.reply;
         EXPECT_EQ(gsm.Received().Count(), row.received);
     }
-    modem.endless = true;
-    for (const char* flood : {"RING\r\n", "\r\n", "+CMGL: 1,1,,2\r\n"}) {
-        modem.On("AT+CMGL=1", {""});
-        modem.flood = flood;
-        EXPECT_EQ(gsm.Receive(), 30350) << flood;
-    }
 }
 
 TEST_F(Gsm, AMissingStorageIsNamed) {
@@ -357,6 +276,53 @@ TEST_F(Gsm, DeletesByStorageAndKey) {
     EXPECT_EQ(gsm.Received().Count(), 1U);
     EXPECT_EQ(gsm.DeleteAllMessages(false), 0);
     EXPECT_EQ(gsm.Received().Count(), 0U);
+}
+
+TEST_F(Gsm, DeletionGoesOnAfterAnErrorButNotAfterSilence) {
+    modem.On("AT+CPMS=?", {"\r\n+CPMS: (\"SM\")\r\n\r\nOK\r\n"});
+    modem.On("AT+CMGL=1", {Listed(3, kHello) + Listed(4, kHello) + "\r\nOK\r\n"});
+    for (const auto& [reply, code, second] : {std::tuple{"\r\nERROR\r\n", 30352, 1}, {"", 30350, 0}}) {
+        ASSERT_EQ(gsm.Receive(), 0);
+        ASSERT_EQ(gsm.Received().Count(), 2U);
+        modem.On("AT+CMGD=3", {reply});
+        modem.commands.clear();
+        EXPECT_EQ(gsm.DeleteAllMessages(true), code);
+        EXPECT_EQ(Count("AT+CMGD=4"), second) << code;
+    }
+}
+
+TEST_F(Gsm, MmsNotificationsStayUnlessAllAreDeleted) {
+    modem.On("AT+CPMS=?", {"\r\n+CPMS: (\"SM\")\r\n\r\nOK\r\n"});
+    modem.On("AT+CMGL=1", {Listed(3, kHello) + "\r\nOK\r\n"});
+    for (const auto& [all, deleted] : {std::pair{false, 0}, {true, 1}}) {
+        ASSERT_EQ(gsm.Receive(), 0);
+        CSmsMessageX notification;
+        notification.Format = sms::asMESSAGEFORMAT_NOTIFICATION_MMS;
+        notification.StorageLocation = "SM0007;";
+        notification.SetSinglePart();
+        gsm.Received().Add(notification);
+        ASSERT_EQ(gsm.Received().Count(), 2U);
+        modem.commands.clear();
+        EXPECT_EQ(gsm.DeleteAllMessages(all), 0);
+        EXPECT_EQ(Count("AT+CMGD=3"), 1);
+        EXPECT_EQ(Count("AT+CMGD=7"), deleted);
+    }
+}
+
+TEST_F(Gsm, FilesAreThoseOfTheWholeChannel) {
+    const TemporaryFolder folder;
+    gsm.SetLogFile(folder.File("log"));
+    gsm.SetActivityFile(folder.File("activity"));
+    ASSERT_EQ(Send(Message()), 0);
+    const std::string log = TemporaryFolder::Read(folder.File("log"));
+    const std::string activity = TemporaryFolder::Read(folder.File("activity"));
+    for (const char* line :
+         {"OPEN DEVICE ", "WRITE STRING, string=[AT+CMGS=14]", "RECIPIENT ADDRESS : +31612345678",
+          "MESSAGE FORMAT    : TEXT\n", "CLOSE DEVICE"})
+        EXPECT_NE(log.find(line), std::string::npos) << line;
+    for (const char* line : {"Open Device (COM3), Result = ", "Sending command [AT+CMGS=14]...", "Reply: [>]",
+                             "Device Closed (COM3)"})
+        EXPECT_NE(activity.find(line), std::string::npos) << line;
 }
 
 TEST_F(Gsm, IncompletePartsAreNotDeleted) {
