@@ -22,13 +22,13 @@ constexpr std::uint32_t kLongestQueryPause = 20;
 // The provider file: one row a setting.
 struct TextKey {
     const char* key;
-    std::string CSmppParameters::*field;
+    std::string SmppSettings::*field;
 };
 struct NumberKey {
     const char* key;
-    std::int32_t CSmppParameters::*field;
+    std::int32_t SmppSettings::*field;
 };
-using P = CSmppParameters;
+using P = SmppSettings;
 constexpr auto kTextKeys = std::to_array<TextKey>({
     {"Server", &P::server},
     {"SystemID", &P::systemId},
@@ -66,7 +66,7 @@ CSmppProtocol::~CSmppProtocol() { Disconnect(); }
 
 void CSmppProtocol::Clear() {
     Disconnect();
-    parameters = {};
+    settings = {};
     SetAdvancedSettings({});
     SetLogFile({});
     SetActivityFile({});
@@ -77,21 +77,21 @@ void CSmppProtocol::Clear() {
 ResultCode CSmppProtocol::Connect() {
     if (IsConnected()) return result::Success;
     Disconnect();  // joins the worker of a session that has ended by itself
-    if (parameters.serverPort < 1 || parameters.serverPort > 65535) return result::InvalidPort;
-    if (parameters.server.empty()) return result::InvalidHost;
-    const auto timeout = static_cast<std::uint32_t>(std::max(parameters.serverTimeout, 0));
-    if (socket_.Connect(parameters.server, static_cast<std::uint16_t>(parameters.serverPort), timeout) != 0) {
+    if (settings.serverPort < 1 || settings.serverPort > 65535) return result::InvalidPort;
+    if (settings.server.empty()) return result::InvalidHost;
+    const auto timeout = static_cast<std::uint32_t>(std::max(settings.serverTimeout, 0));
+    if (socket_.Connect(settings.server, static_cast<std::uint16_t>(settings.serverPort), timeout) != 0) {
         return result::SmppConnectFailed;
     }
     ResultCode code = result::Success;
-    if (parameters.InterfaceVersion() == 0) {
+    if (settings.InterfaceVersion() == 0) {
         code = result::SmppInvalidVersion;
     } else {
-        active_ = parameters;
+        active_ = settings;
         active_.windowSize = AdvancedSetting("SmppWindowSize", 10);
         active_.relativeValidity = AdvancedSetting("ValidityPeriodRelative", 0) != 0;
         active_.dumpFlags = static_cast<std::uint32_t>(AdvancedSetting("Debug", 255));
-        reports_.SetReceiptFormat(parameters.reportFormat);
+        reports_.SetReceiptFormat(settings.reportFormat);
         stop_ = false;
         started_ = bindAnswered_ = false;
         try {
@@ -116,12 +116,12 @@ ResultCode CSmppProtocol::Connect() {
         "CONNECT [Velqar Build %s], Server=[%s:%d] , SystemID=[%s], SourceTON=[%d], SourceNPI=[%d], "
         "AddressRange=[%s], "
         "Result = [%s]\n\n",
-        product::kBuild, parameters.server.c_str(), parameters.serverPort, parameters.systemId.c_str(),
-        parameters.sourceTon, parameters.sourceNpi, parameters.addressRange.c_str(), text.c_str());
+        product::kBuild, settings.server.c_str(), settings.serverPort, settings.systemId.c_str(),
+        settings.sourceTon, settings.sourceNpi, settings.addressRange.c_str(), text.c_str());
     if (code == result::Success) {
-        Log(logmask::kVerbatim, "Connected to server %s\n", parameters.server.c_str());
+        Log(logmask::kVerbatim, "Connected to server %s\n", settings.server.c_str());
     } else {
-        Log(logmask::kVerbatim, "Failed to connect server %s ( %s )\n", parameters.server.c_str(),
+        Log(logmask::kVerbatim, "Failed to connect server %s ( %s )\n", settings.server.c_str(),
             text.c_str());
         Disconnect();
     }
@@ -171,7 +171,7 @@ ResultCode CSmppProtocol::Send(const CSmsMessageX& message, std::string& referen
 
 ResultCode CSmppProtocol::QueryStatus(std::string_view references, bool wait, CSmsDeliveryReport& report) {
     if (references.empty()) return result::InvalidReference;
-    const Timer timer(GetClock(), static_cast<std::uint32_t>(std::max(parameters.serverTimeout, 0)));
+    const Timer timer(GetClock(), static_cast<std::uint32_t>(std::max(settings.serverTimeout, 0)));
     ResultCode code = result::Success;
     std::uint32_t pause = 1;  // answers mostly come at once, receipts take their time
     for (;;) {
@@ -320,11 +320,11 @@ void CSmppProtocol::Work() {
 
 ResultCode CSmppProtocol::SaveConfig(const std::string& file) {
     IniFile ini = IniFile::Load(file);
-    for (const TextKey& row : kTextKeys) ini.SetText(kSection, row.key, parameters.*row.field);
+    for (const TextKey& row : kTextKeys) ini.SetText(kSection, row.key, settings.*row.field);
     for (const NumberKey& row : kNumberKeys)
-        ini.SetText(kSection, row.key, std::to_string(parameters.*row.field));
+        ini.SetText(kSection, row.key, std::to_string(settings.*row.field));
     ini.SetText(kSection, "AdvancedSettings", AdvancedSettings());
-    ini.SetText(kSection, "SystemTLVRecords", ToAnsi(parameters.transmitTlvs.ToText()));
+    ini.SetText(kSection, "SystemTLVRecords", ToAnsi(settings.transmitTlvs.ToText()));
     const ResultCode code = !file.empty() && ini.Save(file) ? result::Success : result::ConfigSaveFailed;
     Log(logmask::kVerbatim, "Saving SMPP settings to file [%s], result: %d : %s\n", file.c_str(),
         code.Number(), DescribeError(code).data());
@@ -336,12 +336,12 @@ ResultCode CSmppProtocol::LoadConfig(const std::string& file) {
     const IniFile ini = IniFile::Load(file);
     if (ini.Lines(kSection).empty()) return result::ConfigCorrupt;
     for (const TextKey& row : kTextKeys)
-        parameters.*row.field = ini.Text(kSection, row.key, parameters.*row.field);
+        settings.*row.field = ini.Text(kSection, row.key, settings.*row.field);
     for (const NumberKey& row : kNumberKeys) {
         const std::string text = ini.Text(kSection, row.key);
-        if (!text.empty()) parameters.*row.field = ToInt(text);
+        if (!text.empty()) settings.*row.field = ToInt(text);
     }
     SetAdvancedSettings(ini.Text(kSection, "AdvancedSettings", AdvancedSettings()));
-    parameters.transmitTlvs.FromText(FromAnsi(ini.Text(kSection, "SystemTLVRecords")));
+    settings.transmitTlvs.FromText(FromAnsi(ini.Text(kSection, "SystemTLVRecords")));
     return result::Success;
 }

@@ -3,8 +3,8 @@
 #include "foundation/ResultCode.h"
 #include "foundation/net/KorTcpSocket.h"
 #include "frame/VrmBase.h"
-#include "smpp/SmppParameters.h"
 #include "smpp/SmppSession.h"
+#include "smpp/SmppSettings.h"
 #include "smpp/SmppSubmit.h"
 
 #include <atomic>
@@ -24,7 +24,7 @@ class CSmppProtocol : public CVrmBase {
     explicit CSmppProtocol(Clock& clock = SystemClock());
     ~CSmppProtocol() override;
 
-    CSmppParameters parameters;
+    SmppSettings settings;
 
     // What a session that ends by itself leaves for LastError; called on the worker thread.
     void SetFailureHandler(std::function<void(ResultCode)> handler) { onFailure_ = std::move(handler); }
@@ -62,7 +62,7 @@ class CSmppProtocol : public CVrmBase {
     void SignalBind(ResultCode code);
 
     CKorTcpSocket socket_;
-    CSmppParameters active_;  // the settings of the running session
+    SmppSettings active_;  // the settings of the running session
     CSmsDeliveryReports reports_;
     CSmsMessagesX received_;
     SmppSubmitBuilder builder_;

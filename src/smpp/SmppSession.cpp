@@ -73,10 +73,10 @@ ResultCode BindResultOf(std::uint32_t commandStatus) {
     }
 }
 
-CSmppSession::CSmppSession(CKorBase& log, const CSmppParameters& parameters, CSmsDeliveryReports& reports,
+CSmppSession::CSmppSession(CKorBase& log, const SmppSettings& settings, CSmsDeliveryReports& reports,
                            CSmsMessagesX& received, Clock& clock)
     : log_(&log),
-      parameters_(&parameters),
+      settings_(&settings),
       reports_(&reports),
       received_(&received),
       clock_(&clock),
@@ -94,9 +94,9 @@ std::uint32_t CSmppSession::NextSequence() {
 
 template <class Pdu>
 void CSmppSession::Trace(Pdu& pdu) {
-    if (!log_->IsLogging() || parameters_->dumpFlags == 0) return;
+    if (!log_->IsLogging() || settings_->dumpFlags == 0) return;
     std::string text;
-    pdu.SetDumpFlags(parameters_->dumpFlags);
+    pdu.SetDumpFlags(settings_->dumpFlags);
     pdu.Dump(text);
     log_->LogSized(logmask::kVerbatim, text.size() + 2048, "%s\n", text.c_str());
 }
@@ -126,17 +126,17 @@ void CSmppSession::StartBind() {
     sequence_ = 1;
     const auto bind = [this](auto pdu, const char* name) {
         pdu->sequence_number = NextSequence();
-        pdu->system_id = parameters_->systemId;
-        pdu->password = parameters_->systemPassword;
-        pdu->system_type = parameters_->systemType;
-        pdu->interface_version = parameters_->InterfaceVersion();
-        pdu->addr_ton = static_cast<std::uint8_t>(parameters_->sourceTon);
-        pdu->addr_npi = static_cast<std::uint8_t>(parameters_->sourceNpi);
-        pdu->address_range = parameters_->addressRange;
-        pdu->tlvs = parameters_->transmitTlvs;
+        pdu->system_id = settings_->systemId;
+        pdu->password = settings_->systemPassword;
+        pdu->system_type = settings_->systemType;
+        pdu->interface_version = settings_->InterfaceVersion();
+        pdu->addr_ton = static_cast<std::uint8_t>(settings_->sourceTon);
+        pdu->addr_npi = static_cast<std::uint8_t>(settings_->sourceNpi);
+        pdu->address_range = settings_->addressRange;
+        pdu->tlvs = settings_->transmitTlvs;
         Send(*pdu, name);
     };
-    switch (static_cast<BindMode>(parameters_->systemMode)) {
+    switch (static_cast<BindMode>(settings_->systemMode)) {
         case BindMode::kTransmitter:
             bind(std::make_unique<CSmppBindTransmitter>(), "bind_transmitter");
             break;
@@ -324,7 +324,7 @@ CSmsMessageX CSmppSession::MessageOf(const Body& body, const std::u16string& tex
                      : coding == Coding::kData ? sms::asMESSAGEFORMAT_DATA
                                                : sms::asMESSAGEFORMAT_TEXT;
     message.Data =
-        coding == Coding::kText ? smppcharset::Decode(text, body.data_coding, parameters_->charSet) : text;
+        coding == Coding::kText ? smppcharset::Decode(text, body.data_coding, settings_->charSet) : text;
     message.ReceivedTime = static_cast<std::int32_t>(clock_->Now());
     message.TimeSecs = message.ReceivedTime;
     message.Time = TimeText(*clock_, message.TimeSecs);
@@ -446,7 +446,7 @@ void CSmppSession::OnTick() {
     if (state_ != State::kBound) return;
     inFlight_.Expire(now, kResponseTime,
                      [this](const SmppInFlight& submit) { Finish(submit, kUnansweredStatus, kNoMessageId); });
-    const auto interval = static_cast<std::uint32_t>(std::max(parameters_->serverKeepAlive, 0)) * 1000U;
+    const auto interval = static_cast<std::uint32_t>(std::max(settings_->serverKeepAlive, 0)) * 1000U;
     if (interval != 0 && now - lastKeepAlive_ >= interval) KeepAlive();
     if (state_ != State::kBound) return;
     if (now - lastService_ >= kServiceInterval) {
@@ -458,13 +458,13 @@ void CSmppSession::OnTick() {
 }
 
 std::uint32_t CSmppSession::NextTick() const {
-    if (state_ == State::kBound && !queue_.IsEmpty() && parameters_->throughput > 0 && !IsWindowFull()) {
+    if (state_ == State::kBound && !queue_.IsEmpty() && settings_->throughput > 0 && !IsWindowFull()) {
         const std::uint64_t now = ticks_ * 1000;
         return pace_ > now
                    ? static_cast<std::uint32_t>(std::min<std::uint64_t>((pace_ - now) / 1000 + 1, kIdleTick))
                    : 1;
     }
-    const auto interval = static_cast<std::uint32_t>(std::max(parameters_->serverKeepAlive, 0)) * 1000U;
+    const auto interval = static_cast<std::uint32_t>(std::max(settings_->serverKeepAlive, 0)) * 1000U;
     return interval != 0 ? std::min(interval, kIdleTick) : kIdleTick;
 }
 
@@ -488,7 +488,7 @@ void CSmppSession::Submit() {
     const std::uint64_t now = ticks_ * 1000;
     const std::uint32_t submitted = clock_->Ticks();
     const std::uint64_t spacing =
-        parameters_->throughput > 0 ? 1'000'000ULL / static_cast<std::uint64_t>(parameters_->throughput) : 0;
+        settings_->throughput > 0 ? 1'000'000ULL / static_cast<std::uint64_t>(settings_->throughput) : 0;
     const bool logging = log_->IsLogging();
     while (!queue_.IsEmpty() && inFlight_.Size() < window && output_.size() < kOutputMark) {
         if (spacing != 0) {

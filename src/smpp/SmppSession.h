@@ -4,7 +4,7 @@
 #include "Common/SmppPdu/SmppPdus.h"
 #include "foundation/KorBase.h"
 #include "foundation/ResultCode.h"
-#include "smpp/SmppParameters.h"
+#include "smpp/SmppSettings.h"
 #include "smpp/SmppSubmitQueue.h"
 #include "smpp/SmppWindow.h"
 #include "sms/SmsDeliveryReports.h"
@@ -19,7 +19,7 @@ class CSmppSession {
   public:
     enum class State { kIdle, kBinding, kBound, kUnbinding, kClosed };
 
-    CSmppSession(CKorBase& log, const CSmppParameters& parameters, CSmsDeliveryReports& reports,
+    CSmppSession(CKorBase& log, const SmppSettings& settings, CSmsDeliveryReports& reports,
                  CSmsMessagesX& received, Clock& clock);
 
     void StartBind();
@@ -52,7 +52,7 @@ class CSmppSession {
     bool IsWindowFull() const { return inFlight_.Size() >= Window(); }
 
   private:
-    std::size_t Window() const { return static_cast<std::size_t>(std::max(parameters_->windowSize, 1)); }
+    std::size_t Window() const { return static_cast<std::size_t>(std::max(settings_->windowSize, 1)); }
 
     struct HeldReceipt {  // came before the response that names its message
         SmsReceipt receipt;
@@ -86,7 +86,7 @@ class CSmppSession {
     void Close(const char* reason);
 
     CKorBase* log_;
-    const CSmppParameters* parameters_;
+    const SmppSettings* settings_;
     CSmsDeliveryReports* reports_;
     CSmsMessagesX* received_;
     Clock* clock_;

@@ -83,19 +83,19 @@ std::string SmppValidity(std::int32_t minutes, bool relative, Clock& clock) {
     return text.data();
 }
 
-ResultCode SmppSubmitBuilder::Build(const CSmppParameters& parameters, const CSmsMessageX& message,
+ResultCode SmppSubmitBuilder::Build(const SmppSettings& settings, const CSmsMessageX& message,
                                     std::vector<std::string>& pdus) {
-    if (parameters.systemMode == static_cast<std::int32_t>(BindMode::kReceiver))
+    if (settings.systemMode == static_cast<std::int32_t>(BindMode::kReceiver))
         return result::SmppReceiverOnly;
     if (CheckRecipient(message.Recipient, PrefixRule::kNoOtherLetter) == result::InvalidRecipient) {
         return result::InvalidRecipient;
     }
-    const std::uint8_t coding = CodingOf(message, parameters.charSet);
+    const std::uint8_t coding = CodingOf(message, settings.charSet);
     const bool data = IsDataFormat(message.Format);
     const bool ucs2 = !data && (coding & kUcs2) != 0;
     std::string body = data   ? HexOctets(message.Data)
                        : ucs2 ? Ucs2Octets(message.Data)
-                              : smppcharset::Encode(message.Data, parameters.charSet);
+                              : smppcharset::Encode(message.Data, settings.charSet);
     std::string callerHeader;
     if (message.Format == sms::asMESSAGEFORMAT_DATA_UDH && !body.empty()) {
         const std::size_t size = std::min<std::size_t>(static_cast<std::uint8_t>(body[0]), body.size() - 1);
@@ -135,11 +135,11 @@ ResultCode SmppSubmitBuilder::Build(const CSmppParameters& parameters, const CSm
     }
 
     pdus.resize(static_cast<std::size_t>(parts));
-    const std::string& senderText = message.Sender.empty() ? parameters.sourceAddress : message.Sender;
-    const Address source = AddressOf(senderText, message.SourceTON, message.SourceNPI, parameters.sourceTon,
-                                     parameters.sourceNpi);
+    const std::string& senderText = message.Sender.empty() ? settings.sourceAddress : message.Sender;
+    const Address source =
+        AddressOf(senderText, message.SourceTON, message.SourceNPI, settings.sourceTon, settings.sourceNpi);
     const Address target = AddressOf(message.Recipient, message.DestinationTON, message.DestinationNPI,
-                                     parameters.destinationTon, parameters.destinationNpi);
+                                     settings.destinationTon, settings.destinationNpi);
     pdu_.service_type = message.ServiceType;
     pdu_.source_addr_ton = source.ton;
     pdu_.source_addr_npi = source.npi;
@@ -151,7 +151,7 @@ ResultCode SmppSubmitBuilder::Build(const CSmppParameters& parameters, const CSm
         message.ESM == CSmsMessageX::kNotSet ? std::uint8_t{0} : static_cast<std::uint8_t>(message.ESM);
     pdu_.protocol_id =
         message.PID == CSmsMessageX::kNotSet ? std::uint8_t{0} : static_cast<std::uint8_t>(message.PID);
-    pdu_.validity_period = SmppValidity(message.ValidityPeriod, parameters.relativeValidity, *clock_);
+    pdu_.validity_period = SmppValidity(message.ValidityPeriod, settings.relativeValidity, *clock_);
     pdu_.registered_delivery = message.RequestDeliveryStatus ? 1 : 0;
     pdu_.data_coding = coding;
     pdu_.tlvs = message.TlvRecords;

@@ -3,7 +3,7 @@
 #include "Common/SmppPdu/SmppPdus.h"
 #include "foundation/Clock.h"
 #include "foundation/ResultCode.h"
-#include "smpp/SmppParameters.h"
+#include "smpp/SmppSettings.h"
 #include "sms/SmsMessageX.h"
 
 #include <cstdint>
@@ -17,7 +17,7 @@ class SmppSubmitBuilder {
     // Makes `pdus` one encoded submit_sm a part, with sequence_number 0; leaves it alone on an error. 0,
     // 33208 when bound as receiver, 34031 recipient, 34033 when a header leaves no room or more than 255
     // parts would be needed.
-    ResultCode Build(const CSmppParameters& parameters, const CSmsMessageX& message,
+    ResultCode Build(const SmppSettings& settings, const CSmsMessageX& message,
                      std::vector<std::string>& pdus);
 
   private:

@@ -186,7 +186,7 @@ class Submit : public testing::Test {
   protected:
     std::vector<std::unique_ptr<CSmppSubmitSm>> Build() {
         std::vector<std::string> octets;
-        code = builder.Build(parameters, message, octets);
+        code = builder.Build(settings, message, octets);
         std::vector<std::unique_ptr<CSmppSubmitSm>> pdus;
         for (const std::string& one : octets) {
             auto pdu = std::make_unique<CSmppSubmitSm>();
@@ -203,15 +203,15 @@ class Submit : public testing::Test {
 
     VirtualClock clock;
     SmppSubmitBuilder builder{clock};
-    CSmppParameters parameters;
+    SmppSettings settings;
     CSmsMessageX message;
     ResultCode code;
 };
 
 TEST_F(Submit, AddressesTakeTheirDefaults) {
-    parameters.sourceAddress = "1234";
-    parameters.sourceTon = 3;
-    parameters.destinationTon = 5;
+    settings.sourceAddress = "1234";
+    settings.sourceTon = 3;
+    settings.destinationTon = 5;
     auto pdus = Build();
     EXPECT_EQ(pdus[0]->source_addr, "1234");
     EXPECT_EQ(pdus[0]->source_addr_ton, 3);
@@ -229,7 +229,7 @@ TEST_F(Submit, AddressesTakeTheirDefaults) {
     message.Recipient = "12x";
     Build();
     EXPECT_EQ(code, 34031);
-    parameters.systemMode = 2;
+    settings.systemMode = 2;
     Build();
     EXPECT_EQ(code, 33208);
 }
@@ -292,7 +292,7 @@ TEST_F(Submit, CodingComesFromFormatOrCharacterSet) {
              Row{11, 0, u"0605040B8423F0AB", 0xF5, "0605040B8423F0AB"},
          }) {
         message.Format = row.format;
-        parameters.charSet = row.charSet;
+        settings.charSet = row.charSet;
         message.Data = row.text;
         const auto pdus = Build();
         ASSERT_EQ(pdus.size(), 1U);

@@ -65,24 +65,24 @@ class Session : public testing::Test {
 
     VirtualClock clock;
     CKorBase log{"Test", clock};
-    CSmppParameters parameters;
+    SmppSettings settings;
     CSmsDeliveryReports reports{clock};
     CSmsMessagesX received{clock, 3600};
-    CSmppSession session{log, parameters, reports, received, clock};
+    CSmppSession session{log, settings, reports, received, clock};
 };
 
 TEST_F(Session, BindResponsesHaveTheirCodes) {
     for (const auto& [status, code] :
          {std::pair{0x0DU, 33202}, {0x0EU, 33204}, {0x0FU, 33203}, {0x99U, 33202}}) {
-        CSmppSession other(log, parameters, reports, received, clock);
+        CSmppSession other(log, settings, reports, received, clock);
         other.StartBind();
         other.OnBytes(Pdu(0x80000009, status, 1));
         EXPECT_EQ(other.GetState(), CSmppSession::State::kClosed);
         EXPECT_EQ(other.BindResult(), code);
     }
     for (const auto& [mode, command] : {std::pair{1, '\x02'}, {2, '\x01'}, {0, '\x09'}, {7, '\x09'}}) {
-        parameters.systemMode = mode;
-        CSmppSession other(log, parameters, reports, received, clock);
+        settings.systemMode = mode;
+        CSmppSession other(log, settings, reports, received, clock);
         other.StartBind();
         EXPECT_EQ(other.Output()[7], command);
     }
@@ -106,7 +106,7 @@ TEST_F(Session, AnswersTheServerAlsoBeforeTheBindAndOctetByOctet) {
 
 TEST_F(Session, LengthsOutOfRangeEndTheSession) {
     for (const char* octets : {"\x00\x00\x00\x0F", "\x00\x01\x00\x01", "\xFF\xFF\xFF\xFF", "HTTP"}) {
-        CSmppSession other(log, parameters, reports, received, clock);
+        CSmppSession other(log, settings, reports, received, clock);
         other.StartBind();
         other.OnBytes({octets, 4});
         EXPECT_EQ(other.GetState(), CSmppSession::State::kClosed);
@@ -114,7 +114,7 @@ TEST_F(Session, LengthsOutOfRangeEndTheSession) {
 }
 
 TEST_F(Session, TheWindowBoundsWhatIsUnanswered) {
-    parameters.windowSize = 3;
+    settings.windowSize = 3;
     Bind();
     for (int i = 0; i < 5; ++i) Queue(std::to_string(i));
     session.OnTick();
@@ -154,7 +154,7 @@ TEST_F(Session, SubmitStatusesBecomeResults) {
 
 TEST_F(Session, UnansweredSubmitsExpireAfterTwentySeconds) {
     Bind();
-    parameters.serverKeepAlive = 0;
+    settings.serverKeepAlive = 0;
     Queue("a");
     session.OnTick();
     clock.Sleep(19'999);
@@ -170,7 +170,7 @@ TEST_F(Session, UnansweredSubmitsExpireAfterTwentySeconds) {
 TEST_F(Session, TenUnansweredKeepAlivesEndTheSession) {
     Bind();
     Queue("waiting");
-    parameters.windowSize = 1;
+    settings.windowSize = 1;
     for (int i = 0; i < 10; ++i) {
         clock.Sleep(30'000);
         session.OnTick();
@@ -233,7 +233,7 @@ TEST_F(Session, ReceiptsByTlv) {
 }
 
 TEST_F(Session, NothingVanishesWhenTheSessionDies) {
-    parameters.windowSize = 1;
+    settings.windowSize = 1;
     Bind();
     Queue("sent");
     Queue("queued");
@@ -244,9 +244,9 @@ TEST_F(Session, NothingVanishesWhenTheSessionDies) {
 }
 
 TEST_F(Session, ThroughputSpacesTheMessages) {
-    parameters.throughput = 10;
-    parameters.windowSize = 1000;
-    parameters.serverKeepAlive = 0;
+    settings.throughput = 10;
+    settings.windowSize = 1000;
+    settings.serverKeepAlive = 0;
     Bind();
     for (int i = 0; i < 100; ++i) Queue(std::to_string(i));
     for (int ms = 0; ms < 3000; ++ms) {
@@ -263,13 +263,13 @@ TEST_F(Session, ThroughputSpacesTheMessages) {
 TEST(SmppProtocol, RefusesWhatCannotBeConnected) {
     CSmppProtocol smpp;
     for (const std::int32_t port : {0, -1, 65536}) {
-        smpp.parameters.serverPort = port;
+        smpp.settings.serverPort = port;
         EXPECT_EQ(smpp.Connect(), 22019);
     }
-    smpp.parameters.serverPort = 1;
+    smpp.settings.serverPort = 1;
     EXPECT_EQ(smpp.Connect(), 22021);
-    smpp.parameters.server = "127.0.0.1";  // nothing listens there
-    smpp.parameters.serverTimeout = 2000;
+    smpp.settings.server = "127.0.0.1";  // nothing listens there
+    smpp.settings.serverTimeout = 2000;
     EXPECT_EQ(smpp.Connect(), 33201);
     EXPECT_FALSE(smpp.IsConnected());
     std::string references;
