@@ -42,4 +42,23 @@ inline std::string Of(std::string_view octets) {
     return text;
 }
 
+// The octets that hexadecimal text stands for, written to `octets`, which has room for half its length; an
+// odd last character is left out. Returns their number.
+template <class Character>
+std::size_t Read(std::basic_string_view<Character> text, std::uint8_t* __restrict octets) {
+    const std::size_t count = text.size() / 2;
+    const Character* __restrict in = text.data();
+    for (std::size_t i = 0; i < count; ++i) {
+        octets[i] = static_cast<std::uint8_t>(Value(in[2 * i]) << 4 | Value(in[2 * i + 1]));
+    }
+    return count;
+}
+
+template <class Character>
+std::string OctetsOf(std::basic_string_view<Character> text) {
+    std::string octets(text.size() / 2, '\0');
+    Read(text, reinterpret_cast<std::uint8_t*>(octets.data()));
+    return octets;
+}
+
 }  // namespace hex

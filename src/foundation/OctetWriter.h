@@ -2,6 +2,7 @@
 #pragma once
 #include <cstdint>
 #include <initializer_list>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,9 @@ class OctetWriter {
     void Octet(std::uint8_t value) { octets_.push_back(static_cast<char>(value)); }
     void Octets(std::initializer_list<std::uint8_t> values) {
         for (const std::uint8_t value : values) Octet(value);
+    }
+    void Octets(std::span<const std::uint8_t> values) {
+        octets_.append(reinterpret_cast<const char*>(values.data()), values.size());
     }
     // Four octets, the most significant first.
     void Long(std::uint32_t value) {

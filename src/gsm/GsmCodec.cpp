@@ -1,48 +1,18 @@
 #include "gsm/GsmCodec.h"
 
 #include "Common/GsmPdu/GsmAlphabet.h"
+#include "Common/GsmPdu/HeaderElements.h"
 #include "Common/GsmPdu/Septets.h"
+#include "foundation/Addresses.h"
 #include "foundation/ErrorTexts.h"
 #include "foundation/Hex.h"
-#include "foundation/Text.h"
+#include "sms/MessageFormats.h"
 #include "sms/SmsConstants.h"
 
 #include <algorithm>
 #include <span>
 
 namespace {
-
-enum class Alphabet { kGsm, kOctets, kUcs2 };
-
-struct FormatRow {
-    std::int32_t format;
-    std::uint8_t dcs;
-    bool multipart;
-};
-
-constexpr auto kFormats = std::to_array<FormatRow>({
-    {sms::asMESSAGEFORMAT_TEXT, 0x00, false},
-    {sms::asMESSAGEFORMAT_TEXT_FLASH, 0x10, false},
-    {sms::asMESSAGEFORMAT_TEXT_MULTIPART, 0x00, true},
-    {sms::asMESSAGEFORMAT_TEXT_MULTIPART_FLASH, 0x10, true},
-    {sms::asMESSAGEFORMAT_DATA, 0xF5, false},
-    {sms::asMESSAGEFORMAT_DATA_UDH, 0xF5, true},
-    {sms::asMESSAGEFORMAT_UNICODE, 0x08, false},
-    {sms::asMESSAGEFORMAT_UNICODE_FLASH, 0x18, false},
-    {sms::asMESSAGEFORMAT_UNICODE_MULTIPART, 0x08, true},
-    {sms::asMESSAGEFORMAT_UNICODE_MULTIPART_FLASH, 0x18, true},
-});
-constexpr FormatRow kOtherFormat{0, 0x00, false};
-
-const FormatRow& RowOf(std::int32_t format) {
-    const auto* const row = std::ranges::find(kFormats, format, &FormatRow::format);
-    return row != kFormats.end() ? *row : kOtherFormat;
-}
-
-constexpr Alphabet AlphabetOf(std::uint8_t dcs) {
-    if ((dcs & 0x04) != 0) return Alphabet::kOctets;
-    return (dcs & 0x0F) == 0x08 ? Alphabet::kUcs2 : Alphabet::kGsm;
-}
 
 struct PrefixRow {
     char prefix;
@@ -59,15 +29,13 @@ constexpr std::uint8_t kHeaderIndicator = 0x40;
 
 constexpr std::int32_t kSeptetsPerMessage = 160;
 constexpr std::int32_t kOctetsPerMessage = 140;
-constexpr std::int32_t kConcatenationOctets = 5;  // and the UDHL octet when it stands alone
-constexpr std::int32_t kPortOctets = 6;
-constexpr std::int32_t kMostParts = 255;
+constexpr auto kConcatenationOctets = static_cast<std::int32_t>(udh::kConcatenationSize);
+constexpr auto kPortOctets = static_cast<std::int32_t>(udh::kPortsSize);
 
 }  // namespace
 
 struct CGsmCodec::Plan {
-    FormatRow format{};
-    Alphabet alphabet = Alphabet::kGsm;
+    MessageFormat format;
     std::u16string_view ucs2;
     std::span<const std::uint8_t> callerHeader;
     std::span<const std::uint8_t> units;
@@ -76,13 +44,6 @@ struct CGsmCodec::Plan {
     std::int32_t unitsPerPart = 0;
     std::int32_t parts = 1;
 };
-
-bool IsGsmNumber(std::string_view number) {
-    if (number.size() < 3 || number.size() > 20 || number.starts_with("00")) return false;
-    return (IsDigit(number.front()) ||
-            std::ranges::find(kPrefixes, number.front(), &PrefixRow::prefix) != kPrefixes.end()) &&
-           std::ranges::all_of(number.substr(1), IsDigit);
-}
 
 std::uint8_t ValidityOctet(std::int32_t minutes) {
     std::int32_t octet = 0;
@@ -102,12 +63,11 @@ std::uint8_t ValidityOctet(std::int32_t minutes) {
 
 ResultCode CGsmCodec::Encode(const GsmSubmit& submit) {
     text_.clear();
-    if (!IsGsmNumber(submit.recipient) || (!submit.smsc.empty() && !IsGsmNumber(submit.smsc))) {
+    if (!address::IsPduNumber(submit.recipient) ||
+        (!submit.smsc.empty() && !address::IsPduNumber(submit.smsc))) {
         return result::InvalidRecipient;
     }
-    Plan plan;
-    plan.format = RowOf(submit.format);
-    plan.alphabet = AlphabetOf(plan.format.dcs);
+    Plan plan{.format = FormatOf(submit.format)};
     ReadBody(submit, plan);
     if (const ResultCode code = DivideIntoParts(plan); code != result::Success) return code;
     text_.reserve(static_cast<std::size_t>(plan.parts) * 2 * (kOctetsPerMessage + 40));
@@ -118,7 +78,7 @@ ResultCode CGsmCodec::Encode(const GsmSubmit& submit) {
 
 void CGsmCodec::ReadBody(const GsmSubmit& submit, Plan& plan) {
     const std::u16string_view body = submit.body;
-    switch (plan.alphabet) {
+    switch (plan.format.alphabet) {
         case Alphabet::kUcs2:
             plan.ucs2 = body;
             plan.length = static_cast<std::int32_t>(body.size());
@@ -130,11 +90,7 @@ void CGsmCodec::ReadBody(const GsmSubmit& submit, Plan& plan) {
             break;
         case Alphabet::kOctets:
             units_.resize(std::max(units_.size(), body.size() / 2));
-            for (std::size_t i = 0; i < body.size() / 2; ++i) {
-                units_[i] =
-                    static_cast<std::uint8_t>(hex::Value(body[2 * i]) << 4 | hex::Value(body[2 * i + 1]));
-            }
-            plan.units = {units_.data(), body.size() / 2};
+            plan.units = {units_.data(), hex::Read(body, units_.data())};
             plan.length = static_cast<std::int32_t>(plan.units.size());
             break;
     }
@@ -149,8 +105,8 @@ void CGsmCodec::ReadBody(const GsmSubmit& submit, Plan& plan) {
 }
 
 ResultCode CGsmCodec::DivideIntoParts(Plan& plan) {
-    const bool gsm = plan.alphabet == Alphabet::kGsm;
-    const std::int32_t unitSize = plan.alphabet == Alphabet::kUcs2 ? 2 : 1;
+    const bool gsm = plan.format.alphabet == Alphabet::kGsm;
+    const std::int32_t unitSize = plan.format.alphabet == Alphabet::kUcs2 ? 2 : 1;
     const auto capacity = [gsm](std::int32_t header) {
         return gsm ? kSeptetsPerMessage -
                          static_cast<std::int32_t>(septets::HeaderSeptets(static_cast<std::size_t>(header)))
@@ -167,9 +123,9 @@ ResultCode CGsmCodec::DivideIntoParts(Plan& plan) {
     if (parts > 1) ++reference_;
     if (parts > 1 && !plan.format.multipart) {
         // Cut to one part without a word, save for plain data.
-        return plan.alphabet == Alphabet::kOctets ? result::MessageTooLong : result::Success;
+        return plan.format.alphabet == Alphabet::kOctets ? result::MessageTooLong : result::Success;
     }
-    if (parts > kMostParts) return result::MessageTooLong;
+    if (parts > udh::kMostParts) return result::MessageTooLong;
     plan.headerOctets = header;
     plan.unitsPerPart = room / unitSize;
     plan.parts = static_cast<std::int32_t>(parts);
@@ -193,21 +149,11 @@ void CGsmCodec::PutAddress(std::string_view number, bool countDigits) {
 // The elements behind the UDHL octet's place, in their fixed order: concatenation, the caller's own, port.
 void CGsmCodec::PutHeader(const GsmSubmit& submit, const Plan& plan, std::size_t part) {
     if (plan.parts > 1) {
-        Put(0x00);
-        Put(0x03);
-        Put(static_cast<std::uint8_t>(reference_));
-        Put(static_cast<std::uint8_t>(plan.parts));
-        Put(static_cast<std::uint8_t>(part + 1));
+        Put(udh::Concatenation(static_cast<std::uint8_t>(reference_), static_cast<std::uint8_t>(plan.parts),
+                               static_cast<std::uint8_t>(part + 1)));
     }
-    for (const std::uint8_t octet : plan.callerHeader) Put(octet);
-    if (submit.destinationPort != 0) {
-        Put(0x05);
-        Put(0x04);
-        Put(static_cast<std::uint8_t>(submit.destinationPort >> 8));
-        Put(static_cast<std::uint8_t>(submit.destinationPort));
-        Put(0x00);
-        Put(0x00);
-    }
+    Put(plan.callerHeader);
+    if (submit.destinationPort != 0) Put(udh::Ports(submit.destinationPort, 0));
 }
 
 // The data of one part; returns its length as TP-UDL counts it.
@@ -217,7 +163,7 @@ std::size_t CGsmCodec::PutUserData(const Plan& plan, std::size_t part, std::size
         const std::size_t from = std::min(part * perPart, units.size());
         return units.subspan(from, std::min(perPart, units.size() - from));
     };
-    if (plan.alphabet == Alphabet::kUcs2) {
+    if (plan.format.alphabet == Alphabet::kUcs2) {
         const auto units = cut(std::span(plan.ucs2));
         for (const char16_t unit : units) {
             Put(static_cast<std::uint8_t>(unit >> 8));
@@ -226,12 +172,11 @@ std::size_t CGsmCodec::PutUserData(const Plan& plan, std::size_t part, std::size
         return headerOctets + units.size() * 2;
     }
     const auto units = cut(plan.units);
-    if (plan.alphabet == Alphabet::kGsm) {
+    if (plan.format.alphabet == Alphabet::kGsm) {
         count_ += septets::Pack(units, headerOctets, &pdu_[count_]);
         return septets::HeaderSeptets(headerOctets) + units.size();
     }
-    std::ranges::copy(units, &pdu_[count_]);
-    count_ += units.size();
+    Put(units);
     return headerOctets + units.size();
 }
 
@@ -248,7 +193,7 @@ void CGsmCodec::EncodePart(const GsmSubmit& submit, const Plan& plan, std::size_
     Put(0x00);  // TP-MR, assigned by the modem
     PutAddress(submit.recipient, true);
     Put(0x00);  // TP-PID
-    Put(plan.format.dcs);
+    Put(plan.format.Dcs());
     if (submit.validityPeriod != 0) Put(ValidityOctet(submit.validityPeriod));
     const std::size_t lengthAt = count_;
     Put(0x00);

@@ -2,6 +2,7 @@
 #pragma once
 #include "foundation/ResultCode.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <span>
@@ -41,6 +42,10 @@ class CGsmCodec {
     void EncodePart(const GsmSubmit& submit, const Plan& plan, std::size_t part);
 
     void Put(std::uint8_t octet) { pdu_[count_++] = octet; }
+    void Put(std::span<const std::uint8_t> octets) {
+        std::ranges::copy(octets, &pdu_[count_]);
+        count_ += octets.size();
+    }
     void PutAddress(std::string_view number, bool countDigits);
     void PutHeader(const GsmSubmit& submit, const Plan& plan, std::size_t part);
     std::size_t PutUserData(const Plan& plan, std::size_t part, std::size_t headerOctets);
@@ -51,9 +56,6 @@ class CGsmCodec {
     std::size_t count_ = 0;
     std::string text_;
 };
-
-// 3 to 20 characters: a digit or one of + N G S A U first, then digits, not beginning with "00".
-bool IsGsmNumber(std::string_view number);
 
 // The relative validity period octet of a number of minutes that is not 0.
 std::uint8_t ValidityOctet(std::int32_t minutes);

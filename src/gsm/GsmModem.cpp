@@ -1,5 +1,6 @@
 #include "gsm/GsmModem.h"
 
+#include "foundation/Addresses.h"
 #include "foundation/CodePage.h"
 #include "foundation/ErrorTexts.h"
 #include "foundation/Hex.h"
@@ -7,6 +8,7 @@
 #include "gsm/GsmStatusPdu.h"
 #include "gsm/PDUDecode.h"
 #include "sms/DeviceOptions.h"
+#include "sms/MessageFormats.h"
 
 #include <algorithm>
 #include <array>
@@ -266,13 +268,12 @@ ResultCode CGsmModem::SendCommand(std::string_view command, std::uint32_t timeou
 
 ResultCode CGsmModem::Send(const CSmsMessageX& message, std::string& references) {
     references.clear();
-    const ResultCode checked = CheckRecipient(message.Recipient, PrefixRule::kNoOtherLetter);
-    if (checked != result::Success) return checked;
+    if (const ResultCode code = address::CheckNumber(message.Recipient); code != result::Success) return code;
     const OpenDevice device(*this);
     if (device.Code() != result::Success) return device.Code();
     if (const ResultCode code = Initialise(); code != result::Success) return code;
     Log(logmask::kVerbatim, "RECIPIENT ADDRESS : %s\n", message.Recipient.c_str());
-    Log(logmask::kVerbatim, "MESSAGE FORMAT    : %s\n", FormatName(message.Format).data());
+    Log(logmask::kVerbatim, "MESSAGE FORMAT    : %s\n", std::string(FormatOf(message.Format).name).c_str());
     if (message.ValidityPeriod != 0) {
         Log(logmask::kVerbatim, "VALIDITY PERIOD   : %d min\n", message.ValidityPeriod);
     }

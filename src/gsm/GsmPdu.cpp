@@ -16,12 +16,7 @@ std::uint8_t CGsmPdu::Octet() {
 }
 
 void CGsmPdu::Octets(std::span<std::uint8_t> octets) {
-    const std::size_t whole = std::min(octets.size(), (text_.size() - cursor_) / 2);
-    const char* __restrict text = text_.data() + cursor_;
-    std::uint8_t* __restrict out = octets.data();
-    for (std::size_t i = 0; i < whole; ++i) {
-        out[i] = static_cast<std::uint8_t>(hex::Value(text[2 * i]) << 4 | hex::Value(text[2 * i + 1]));
-    }
+    const std::size_t whole = hex::Read(text_.substr(cursor_, 2 * octets.size()), octets.data());
     cursor_ += 2 * whole;
     for (std::uint8_t& missing : octets.subspan(whole)) missing = Octet();
 }

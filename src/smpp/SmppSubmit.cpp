@@ -1,6 +1,7 @@
 #include "smpp/SmppSubmit.h"
 
 #include "Common/GsmPdu/Septets.h"
+#include "foundation/Addresses.h"
 #include "foundation/ErrorTexts.h"
 #include "foundation/Hex.h"
 #include "foundation/Text.h"
@@ -87,9 +88,7 @@ ResultCode SmppSubmitBuilder::Build(const SmppSettings& settings, const CSmsMess
                                     std::vector<std::string>& pdus) {
     if (settings.systemMode == static_cast<std::int32_t>(BindMode::kReceiver))
         return result::SmppReceiverOnly;
-    if (CheckRecipient(message.Recipient, PrefixRule::kNoOtherLetter) == result::InvalidRecipient) {
-        return result::InvalidRecipient;
-    }
+    if (!address::IsNumber(message.Recipient)) return result::InvalidRecipient;
     const std::uint8_t coding = CodingOf(message, settings.charSet);
     const bool data = IsDataFormat(message.Format);
     const bool ucs2 = !data && (coding & kUcs2) != 0;

@@ -1,5 +1,6 @@
 #include "sms/SmsMessageAuto.h"
 
+#include "foundation/Addresses.h"
 #include "foundation/ErrorTexts.h"
 #include "frame/AutomationAuto.h"
 

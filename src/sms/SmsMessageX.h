@@ -2,12 +2,10 @@
 #pragma once
 #include "Common/GsmPdu/UserDataHeader.h"
 #include "Common/SmppPdu/TLVRecords.h"
-#include "foundation/ResultCode.h"
 #include "sms/SmsConstants.h"
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 
 enum class MessageState : std::uint32_t {
     kPending = 1,   // freshly built, or a part that waits for its siblings
@@ -67,24 +65,3 @@ struct CSmsMessageX {
     // Takes the ports and the concatenation of the user data header.
     void TakeUserDataHeader();
 };
-
-// The name of a format in log lines; "UNKNOWN" for 3 and for every number without a name.
-std::string_view FormatName(std::int32_t format);
-
-// A recipient as users write it: "+31612345678:2948" is the number and an application port.
-struct Recipient {
-    std::string address;
-    std::uint32_t port = 0;
-};
-
-// Splits at the first ":"; a text whose third character is ":" ("dl:...") is kept whole.
-Recipient ParseRecipient(std::string_view text);
-
-// Which first characters the second level of the recipient check refuses.
-enum class PrefixRule {
-    kNoDigit,       // a number must carry a prefix
-    kNoOtherLetter  // a letter other than N, G, S, A, U
-};
-
-// 0, or 34031 (shape) or 34032 (prefix). A text with "dl:" in it passes.
-ResultCode CheckRecipient(std::string_view recipient, PrefixRule rule);

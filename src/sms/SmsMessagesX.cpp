@@ -1,5 +1,7 @@
 #include "sms/SmsMessagesX.h"
 
+#include "Common/Wsp/MmsNumbers.h"
+#include "Common/Wsp/PushHeader.h"
 #include "foundation/ErrorTexts.h"
 
 #include <algorithm>
@@ -10,12 +12,6 @@
 namespace {
 
 constexpr std::u16string_view kMissingPart = u"* Missing Part *";
-constexpr std::uint32_t kWapPushPort = 2948;
-constexpr std::uint32_t kWapSourcePort = 9200;
-constexpr std::uint8_t kMmsContentType = 0xBE;
-constexpr std::string_view kMmsContentTypeText = "application/vnd.wap.mms-message";
-constexpr std::uint8_t kNotificationInd = 130;
-constexpr std::uint8_t kDeliveryInd = 134;
 constexpr std::size_t kContentTypeAt = 3;
 
 std::string LowOctets(std::u16string_view text) {
@@ -24,16 +20,16 @@ std::string LowOctets(std::u16string_view text) {
     return octets;
 }
 
-std::string NotificationText(const MmsNotification& mms) {
-    if (mms.messageType == kNotificationInd) {
-        return "M-NOTIFICATION-IND URL=" + mms.contentLocation + " ID=" + mms.transactionId +
-               " FROM=" + mms.from + " SIZE=" + std::to_string(mms.messageSize) +
-               " EXPIRATION=" + std::to_string(mms.expiry);
+std::string NotificationText(const MmsNotification& unit) {
+    if (unit.messageType == mms::type::kNotificationInd) {
+        return "M-NOTIFICATION-IND URL=" + unit.contentLocation + " ID=" + unit.transactionId +
+               " FROM=" + unit.from + " SIZE=" + std::to_string(unit.messageSize) +
+               " EXPIRATION=" + std::to_string(unit.expiry);
     }
-    if (mms.messageType == kDeliveryInd) {
+    if (unit.messageType == mms::type::kDeliveryInd) {
         std::array<char, 4> status{};
-        std::snprintf(status.data(), status.size(), "%02X", mms.status);
-        return "M-DELIVERY-IND ID=" + mms.messageId + " TO=" + mms.to + " DATE=" + mms.date +
+        std::snprintf(status.data(), status.size(), "%02X", unit.status);
+        return "M-DELIVERY-IND ID=" + unit.messageId + " TO=" + unit.to + " DATE=" + unit.date +
                " STATUS=" + status.data();
     }
     return "WAP/WSP message";
@@ -89,8 +85,8 @@ bool CSmsMessagesX::HasAllParts(const Group& group, std::uint32_t count) const {
 
 void CSmsMessagesX::Complete(CSmsMessageX record) {
     record.State = MessageState::kComplete;
-    if (record.DestinationPort == kWapPushPort &&
-        (record.SourcePort == kWapSourcePort || record.SourcePort == 0)) {
+    if (record.DestinationPort == wapport::kPush &&
+        (record.SourcePort == wapport::kConnectionlessWsp || record.SourcePort == 0)) {
         RecogniseNotification(record);
     }
     complete_.push_back(std::move(record));
@@ -176,15 +172,15 @@ void CSmsMessagesX::RecogniseNotification(CSmsMessageX& record) {
     const std::string octets = LowOctets(record.Data);
     if (octets.size() <= kContentTypeAt) return;
     const std::string_view content = std::string_view(octets).substr(kContentTypeAt);
-    if (content.find(kMmsContentTypeText) == std::string_view::npos &&
-        static_cast<std::uint8_t>(content.front()) != kMmsContentType) {
+    if (content.find(mms::kContentType) == std::string_view::npos &&
+        static_cast<std::uint8_t>(content.front()) != mms::kContentTypeCode) {
         return;
     }
     const std::size_t pduAt = static_cast<std::uint8_t>(octets[2]) + kContentTypeAt;
-    std::optional<MmsNotification> mms;
+    std::optional<MmsNotification> unit;
     if (decoder_ != nullptr && pduAt < octets.size())
-        mms = decoder_->Decode(std::string_view(octets).substr(pduAt));
-    const std::string text = NotificationText(mms.value_or(MmsNotification{}));
+        unit = decoder_->Decode(std::string_view(octets).substr(pduAt));
+    const std::string text = NotificationText(unit.value_or(MmsNotification{}));
     record.Data.assign(text.begin(), text.end());
     record.SourcePort = 0;
     record.DestinationPort = 0;

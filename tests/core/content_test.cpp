@@ -5,34 +5,15 @@
 #include "smsdata/SmsDataWapBookmark.h"
 #include "smsdata/SmsDataWapPush.h"
 #include "smsdata/SmsDatavCard.h"
+#include "support/Octets.h"
 #include "support/VirtualClock.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-std::string Octets(std::string_view text) {
-    std::string octets(text.size() / 2, '\0');
-    for (std::size_t i = 0; i < octets.size(); ++i)
-        octets[i] = static_cast<char>(hex::Value(text[2 * i]) << 4 | hex::Value(text[2 * i + 1]));
-    return octets;
-}
-
-// Hexadecimal with blanks between, and texts in single quotes.
-std::string Expected(std::string_view pattern) {
-    std::string text;
-    bool quoted = false;
-    for (const char c : pattern) {
-        if (c == '\'') {
-            quoted = !quoted;
-        } else if (quoted) {
-            hex::Append(text, static_cast<std::uint8_t>(c));
-        } else if (c != ' ') {
-            text += c;
-        }
-    }
-    return text;
-}
+// What the builders give: hexadecimal without blanks.
+std::string Expected(std::string_view pattern) { return HexOf(OctetText(pattern)); }
 
 std::string EveryOctet() {
     std::string all;
@@ -96,7 +77,7 @@ TEST(WapPush, ClearKeepsResultAndTransactionCounter) {
     push.URL = "http://x";
     for (int i = 1; i < 300; ++i) {
         push.Encode();
-        EXPECT_EQ(push.EncodedMessage.substr(14, 2), hex::Of(std::string(1, static_cast<char>(i))));
+        EXPECT_EQ(push.EncodedMessage.substr(14, 2), HexOf(std::string(1, static_cast<char>(i))));
     }
     const std::string last = push.EncodedMessage;
     push.ConnectionType = push.ExecuteAction = 1;
@@ -201,21 +182,21 @@ TEST(Contents, TakeAnyTextByteForByte) {
         CSmsDataWapPush push;
         push.URL = push.Description = push.SignalReference = text;
         push.Encode();
-        EXPECT_EQ(Octets(push.EncodedMessage),
-                  Octets(Expected(std::string(kPushPorts) + "01 06 01 AE 02 05 6A 00 45 C6 0B 03")) + text +
+        EXPECT_EQ(OctetText(push.EncodedMessage),
+                  OctetText((std::string(kPushPorts) + "01 06 01 AE 02 05 6A 00 45 C6 0B 03")) + text +
                       std::string("\0\x11\x03", 3) + text + std::string("\0\x07\x01\x03", 4) + text +
                       std::string("\0\x01\x01", 3));
         CSmsDataWapBookmark bookmark;
         bookmark.URL = bookmark.Description = text;
         bookmark.Encode();
-        EXPECT_EQ(Octets(bookmark.EncodedMessage).substr(63), "\x87\x15\x11\x03" + text +
-                                                                  std::string("\0\x01\x87\x17\x11\x03", 6) +
-                                                                  text + std::string("\0\x01\x01\x01", 4));
+        EXPECT_EQ(OctetText(bookmark.EncodedMessage).substr(63),
+                  "\x87\x15\x11\x03" + text + std::string("\0\x01\x87\x17\x11\x03", 6) + text +
+                      std::string("\0\x01\x01\x01", 4));
         CSmsDataMmsNotification notification;
         notification.From = notification.Subject = notification.ContentLocation = notification.TransactionId =
             text;
         notification.Encode();
-        const std::string octets = Octets(notification.EncodedMessage);
+        const std::string octets = OctetText(notification.EncodedMessage);
         EXPECT_EQ(octets.size(), 74 + 4 * text.size());
         EXPECT_TRUE(octets.ends_with('\x83' + text + '\0'));
         EXPECT_NE(octets.find("\x98" + text + '\0'), std::string::npos);

@@ -5,13 +5,14 @@
 #include "gsm/GsmCodec.h"
 #include "gsm/GsmStatusPdu.h"
 #include "gsm/PDUDecode.h"
+#include "support/Octets.h"
 #include "support/VirtualClock.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using Codes = std::vector<std::uint8_t>;
+using Codes = Octets;
 
 Codes Encode(std::u16string_view text) {
     Codes codes(text.size() * 2);
@@ -70,20 +71,6 @@ TEST(GsmAlphabet, DecodesWithItsPeculiarities) {
         const Codes one{static_cast<std::uint8_t>(code)};
         EXPECT_EQ(Encode(Decode(one)), one) << code;
     }
-}
-
-std::string HexOf(const Codes& octets) {
-    std::string text;
-    for (const std::uint8_t octet : octets) hex::Append(text, octet);
-    return text;
-}
-
-Codes FromHex(std::string_view text) {
-    Codes octets;
-    for (std::size_t i = 0; i + 1 < text.size(); i += 2) {
-        octets.push_back(static_cast<std::uint8_t>(hex::Value(text[i]) << 4 | hex::Value(text[i + 1])));
-    }
-    return octets;
 }
 
 TEST(Septets, PackTheWorkedExamples) {

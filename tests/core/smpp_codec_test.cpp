@@ -2,31 +2,14 @@
 #include "Common/SmppPdu/SmppPdus.h"
 #include "Common/SmppPdu/TLVTags.h"
 #include "foundation/ErrorTexts.h"
-#include "foundation/Hex.h"
 #include "smpp/SmppCharSet.h"
 #include "smpp/SmppSubmit.h"
+#include "support/Octets.h"
 #include "support/VirtualClock.h"
 
 #include <gtest/gtest.h>
 
 namespace {
-
-using Octets = std::vector<std::uint8_t>;
-
-Octets FromHex(std::string text) {
-    std::erase(text, ' ');
-    Octets octets;
-    for (std::size_t i = 0; i + 1 < text.size(); i += 2) {
-        octets.push_back(static_cast<std::uint8_t>(hex::Value(text[i]) << 4 | hex::Value(text[i + 1])));
-    }
-    return octets;
-}
-
-std::string HexOf(std::span<const std::uint8_t> octets) {
-    std::string text;
-    for (const std::uint8_t octet : octets) hex::Append(text, octet);
-    return text;
-}
 
 TEST(SmppPdu, HeadersEncodeAsTheStandardHasThem) {
     CSmppEnquireLink link;
@@ -180,6 +163,25 @@ TEST(SmppPdu, DumpsItsFields) {
     EXPECT_EQ(CommandName(0x99), "UNKNOWN PDU");
 }
 
+TEST(TLVRecords, KeepOneRecordATagAndTravelAsText) {
+    CTLVRecords records;
+    CTLVRecord byte{.tag = 0x20F, .type = TLVType::kByte};
+    byte.SetInteger(0x12345);
+    EXPECT_EQ(byte.Integer(), 0x45U);
+    records.AddOrReplace(byte);
+    records.AddOrReplace({.tag = 5, .type = TLVType::kOctet, .text = u"abc"});
+    records.AddOrReplace({.tag = 6, .type = TLVType::kUnicode, .text = u"left out"});
+    byte.type = TLVType::kLong;
+    records.AddOrReplace(byte);
+    EXPECT_EQ(records.ToText(), u"527;;3;;74565||5;;5;;abc||");
+    CTLVRecords read;
+    read.FromText(u"527;;3;;74565||5;;5;;abc||7;;6;;x|| ||||8;;1;;1||");
+    ASSERT_EQ(read.size(), 4U);
+    EXPECT_EQ(read.Find(527)->Integer(), 74565U);
+    EXPECT_EQ(read.Find(7)->text, u"x");
+    EXPECT_EQ(read.Find(8), nullptr);
+}
+
 // --- from a message to submit_sm
 
 class Submit : public testing::Test {
@@ -266,8 +268,7 @@ TEST_F(Submit, LongMessagesAreSplit) {
     message.Format = 0;
     message.Data = std::u16string(161, u'x');
     const auto pdus = Build();
-    EXPECT_EQ(HexOf(FromHex("050003")),
-              HexOf({reinterpret_cast<const std::uint8_t*>(pdus[1]->short_message.data()), 3}));
+    EXPECT_EQ(HexOf(FromHex("050003")), HexOf(pdus[1]->short_message.substr(0, 3)));
     EXPECT_EQ(pdus[1]->short_message.substr(4, 2), std::string("\x02\x02"));
 }
 
@@ -298,7 +299,7 @@ TEST_F(Submit, CodingComesFromFormatOrCharacterSet) {
         ASSERT_EQ(pdus.size(), 1U);
         EXPECT_EQ(pdus[0]->data_coding, row.coding) << row.format << " " << row.charSet;
         const std::string& sm = pdus[0]->short_message;
-        EXPECT_EQ(HexOf({reinterpret_cast<const std::uint8_t*>(sm.data()), sm.size()}), row.octets);
+        EXPECT_EQ(HexOf(sm), row.octets);
     }
 }
 

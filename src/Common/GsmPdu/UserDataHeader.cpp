@@ -1,5 +1,6 @@
 #include "Common/GsmPdu/UserDataHeader.h"
 
+#include "Common/GsmPdu/HeaderElements.h"
 #include "foundation/Assertion.h"
 
 #include <algorithm>
@@ -32,54 +33,48 @@ void CUserDataHeader::AddOctet(std::uint8_t octet) {
 // known elements move the cursor by their usual length whatever length they state, and unknown elements are
 // not skipped.
 void CUserDataHeader::Parse() {
-    std::size_t cursor = 0;
-    const auto next = [&]() -> std::uint32_t {
-        return cursor < octets_.size() ? octets_[cursor++] : (++cursor, 0U);
-    };
-    const auto word = [&] {
-        const std::uint32_t high = next();
-        return high << 8 | next();
-    };
-    while (cursor < octets_.size()) {
-        const std::uint32_t identifier = next();
-        const std::uint32_t length = next();
-        const std::size_t data = cursor;
+    OctetReader in({reinterpret_cast<const char*>(octets_.data()), octets_.size()});
+    while (!in.AtEnd()) {
+        const std::uint8_t identifier = in.Octet();
+        const std::uint8_t length = in.Octet();
         switch (identifier) {
-            case 0x00:
-                if (length == 3) {
-                    At(Value::kReference) = next();
-                    At(Value::kTotal) = next();
-                    At(Value::kSequence) = next();
-                }
-                cursor = data + 3;
+            case udh::kConcatenation8:
+                TakeConcatenation(in, 1, length == 3);
                 break;
-            case 0x08:
-                if (length == 4) {
-                    At(Value::kReference) = word() & 0xFF;
-                    At(Value::kTotal) = next();
-                    At(Value::kSequence) = next();
-                }
-                cursor = data + 4;
+            case udh::kConcatenation16:
+                TakeConcatenation(in, 2, length == 4);
                 break;
-            case 0x05:
-                if (length == 4) {
-                    At(Value::kDestinationPort16) += word();
-                    At(Value::kSourcePort16) += word();
-                }
-                cursor = data + 4;
+            case udh::kPorts16: {
+                const std::uint32_t destination = in.Number(2);
+                const std::uint32_t source = in.Number(2);
+                if (length != 4) break;
+                At(Value::kDestinationPort16) += destination;
+                At(Value::kSourcePort16) += source;
                 break;
-            case 0x04:
-                if (length == 2) {
-                    At(Value::kDestinationPort8) = next();
-                    At(Value::kSourcePort8) = next();
-                }
-                cursor = data + 2;
+            }
+            case udh::kPorts8: {
+                const std::uint32_t destination = in.Octet();
+                const std::uint32_t source = in.Octet();
+                if (length != 2) break;
+                At(Value::kDestinationPort8) = destination;
+                At(Value::kSourcePort8) = source;
                 break;
+            }
             default:
                 break;
         }
     }
     parsed_ = true;
+}
+
+void CUserDataHeader::TakeConcatenation(OctetReader& in, std::size_t referenceOctets, bool isWanted) {
+    const std::uint32_t reference = in.Number(referenceOctets) & 0xFF;
+    const std::uint32_t total = in.Octet();
+    const std::uint32_t sequence = in.Octet();
+    if (!isWanted) return;
+    At(Value::kReference) = reference;
+    At(Value::kTotal) = total;
+    At(Value::kSequence) = sequence;
 }
 
 std::uint32_t CUserDataHeader::Get(Value value) {

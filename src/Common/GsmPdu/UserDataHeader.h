@@ -1,8 +1,9 @@
 // The reader of a user data header (UDH), 3GPP TS 23.040 section 9.2.3.24.
 #pragma once
+#include "foundation/OctetReader.h"
+
 #include <array>
 #include <cstdint>
-#include <memory>
 #include <vector>
 
 class CUserDataHeader {
@@ -39,6 +40,7 @@ class CUserDataHeader {
     std::size_t OctetCount() const { return octets_.size(); }
 
   private:
+    void TakeConcatenation(OctetReader& in, std::size_t referenceOctets, bool isWanted);
     std::uint32_t& At(Value value) { return values_[static_cast<std::size_t>(value) - 1]; }
 
     std::vector<std::uint8_t> octets_;

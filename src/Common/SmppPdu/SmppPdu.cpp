@@ -36,7 +36,7 @@ CSmppPdu::CSmppPdu(std::span<const std::uint8_t> octets) : CSmppPdu() {
 // Only what was used is cleared.
 void CSmppPdu::ResetBase() {
     std::memset(buffer_.get(), 0, std::min(length_, kBufferSize));
-    position_ = 0;
+    in_ = OctetReader({});
     length_ = 0;
     dumpFlags_ = 0;
     command_length = command_id = command_status = sequence_number = 0;
@@ -47,7 +47,6 @@ void CSmppPdu::Load(std::span<const std::uint8_t> octets) {
     Assert(octets.size() < kCapacity, kSource, __LINE__);
     length_ = std::min(octets.size(), kCapacity);
     std::memcpy(buffer_.get(), octets.data(), length_);
-    position_ = 0;
 }
 
 std::size_t CSmppPdu::GetData(std::span<std::uint8_t> octets) const {
@@ -70,7 +69,6 @@ void CSmppPdu::PutInteger(std::uint32_t value, std::size_t octets) {
 void CSmppPdu::BeginEncoding(std::uint32_t commandId) {
     // A negative acknowledgement is reset before its header is written: its status and sequence are always 0.
     if (commandId == smpp::kGenericNack) ResetBase();
-    position_ = 0;
     length_ = 0;
     command_id = commandId;
     PutInteger(command_length, 4);
@@ -119,42 +117,24 @@ void CSmppPdu::FinishEncoding() {
         buffer_[i] = static_cast<std::uint8_t>(command_length >> (24 - 8 * i));
 }
 
-std::uint32_t CSmppPdu::GetInteger(std::size_t octets) {
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < octets; ++i) value = value << 8 | Get();
-    return value;
-}
-
-void CSmppPdu::GetCString(std::string& text) {
-    const std::size_t left = length_ - position_;
-    const void* end = left != 0 ? std::memchr(&buffer_[position_], 0, left) : nullptr;
-    const char* begin = reinterpret_cast<const char*>(&buffer_[position_]);
-    const std::size_t size =
-        end != nullptr ? static_cast<std::size_t>(static_cast<const char*>(end) - begin) : left;
-    text.assign(begin, size);
-    position_ += size + (end != nullptr ? 1 : 0);
-}
-
 void CSmppPdu::GetOctets(std::string& text, std::size_t count) {
-    const std::size_t there = std::min(count, length_ - position_);
-    text.assign(reinterpret_cast<const char*>(&buffer_[position_]), there);
+    text = in_.Take(count);
     text.resize(count, '\0');
-    position_ += there;
 }
 
 void CSmppPdu::DecodeHeader() {
-    position_ = 0;
-    command_length = GetInteger(4);
-    command_id = GetInteger(4);
-    command_status = GetInteger(4);
-    sequence_number = GetInteger(4);
+    in_ = OctetReader({reinterpret_cast<const char*>(buffer_.get()), length_});
+    command_length = in_.Number(4);
+    command_id = in_.Number(4);
+    command_status = in_.Number(4);
+    sequence_number = in_.Number(4);
 }
 
 // A length is capped at 256 for every tag but message_payload, and integers are read by their type whatever
 // the length says; what follows a longer value is then read out of step. Kept so.
 void CSmppPdu::DecodeTlvs() {
-    for (std::uint32_t tag = GetInteger(2); tag != 0; tag = GetInteger(2)) {
-        std::size_t length = GetInteger(2);
+    for (std::uint32_t tag = in_.Number(2); tag != 0; tag = in_.Number(2)) {
+        std::size_t length = in_.Number(2);
         if (length == 0) return;
         if (tag != tlv::kMessagePayload) length = std::min(length, kTlvLimit);
         CTLVRecord record;
@@ -163,13 +143,13 @@ void CSmppPdu::DecodeTlvs() {
         std::string octets;
         switch (record.type) {
             case TLVType::kByte:
-                record.SetInteger(GetInteger(1));
+                record.SetInteger(in_.Number(1));
                 break;
             case TLVType::kWord:
-                record.SetInteger(GetInteger(2));
+                record.SetInteger(in_.Number(2));
                 break;
             case TLVType::kLong:
-                record.SetInteger(GetInteger(4));
+                record.SetInteger(in_.Number(4));
                 break;
             case TLVType::kCOctet:
                 GetCString(octets);

@@ -1,9 +1,9 @@
 // An SMPP protocol data unit: the header, the buffer and the optional parameters that all have in common.
 // A class lists its body fields once (`Fields`); encoder, decoder and dump are three visitors of that list.
 #pragma once
-#include "Common/GsmPdu/UserDataHeader.h"
 #include "Common/SmppPdu/SmppNames.h"
 #include "Common/SmppPdu/TLVRecords.h"
+#include "foundation/OctetReader.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -61,9 +61,8 @@ class CSmppPdu {
     void FinishEncoding();
 
     // Reading past the end gives zeros.
-    std::uint8_t Get() { return position_ < length_ ? buffer_[position_++] : std::uint8_t{0}; }
-    std::uint32_t GetInteger(std::size_t octets);
-    void GetCString(std::string& text);
+    std::uint8_t Get() { return in_.Octet(); }
+    void GetCString(std::string& text) { text = in_.TextString(); }
     void GetOctets(std::string& text, std::size_t count);
     void DecodeHeader();
     void DecodeTlvs();
@@ -78,7 +77,7 @@ class CSmppPdu {
 
   private:
     std::unique_ptr<std::uint8_t[]> buffer_;
-    std::size_t position_ = 0;
+    OctetReader in_{{}};
     std::size_t length_ = 0;
     std::uint32_t dumpFlags_ = 0;
 };

@@ -1,5 +1,6 @@
 // Every PDU of the session, with its body fields in wire order (SMPP 3.4 chapter 4).
 #pragma once
+#include "Common/GsmPdu/UserDataHeader.h"
 #include "Common/SmppPdu/SmppPdu.h"
 
 #include <cstdint>

@@ -1,5 +1,6 @@
 // What stands before the content of a message that goes to an application of the phone.
 #pragma once
+#include "Common/GsmPdu/HeaderElements.h"
 #include "foundation/OctetWriter.h"
 
 #include <cstdint>
@@ -15,9 +16,8 @@ inline constexpr std::uint16_t kSettingsSender = 49154;
 
 // A user data header with 16-bit application port addressing (3GPP TS 23.040 section 9.2.3.24.4).
 inline void WritePortHeader(OctetWriter& out, std::uint16_t destination, std::uint16_t source) {
-    out.Octets({0x06, 0x05, 0x04, static_cast<std::uint8_t>(destination >> 8),
-                static_cast<std::uint8_t>(destination), static_cast<std::uint8_t>(source >> 8),
-                static_cast<std::uint8_t>(source)});
+    out.Octet(udh::kPortsSize);
+    out.Octets(udh::Ports(destination, source));
 }
 
 // The start of a connectionless WSP push PDU (WAP-230 section 8.2.4.1); the content type and other headers

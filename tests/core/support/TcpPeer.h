@@ -29,11 +29,13 @@ class TcpPeer {
 
     std::uint16_t Port() const { return port_; }
     void Accept() { connection_ = ::accept(listener_, nullptr, nullptr); }
-    void Write(std::string_view octets) { (void)::send(connection_, octets.data(), octets.size(), MSG_NOSIGNAL); }
+    void Write(std::string_view octets) {
+        (void)::send(connection_, octets.data(), octets.size(), MSG_NOSIGNAL);
+    }
     std::string Read(std::size_t count) {
         std::string octets(count, '\0');
-        octets.resize(static_cast<std::size_t>(std::max<ssize_t>(
-            ::recv(connection_, octets.data(), count, MSG_WAITALL), 0)));
+        octets.resize(static_cast<std::size_t>(
+            std::max<ssize_t>(::recv(connection_, octets.data(), count, MSG_WAITALL), 0)));
         return octets;
     }
     void Close() { CloseOne(connection_); }

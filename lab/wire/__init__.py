@@ -1,0 +1,1 @@
+"""What the counterparts read and write, by tables and readers of the lab's own."""

@@ -1,0 +1,39 @@
+// Result codes and their texts.
+#include "foundation/ErrorTexts.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(ErrorTexts, GivesTheFixedTextOfEveryCode) {
+    struct Row {
+        std::int32_t code;
+        const char* text;
+    };
+    for (const Row& row : {
+             Row{0, "Success"},
+             Row{101, "Send HELO command failed"},
+             Row{591, "No response from SMTP server"},
+             Row{10060,
+                 "A connection attempt failed because the connected party did not properly respond after a "
+                 "period of time, or established connection failed because connected host has failed to "
+                 "respond"},
+             Row{31678, "There is no answer."},
+             Row{33216, "Recipient address blocked or nut supported by SMPP provider"},
+             Row{33807, "MM7 Error: Message forumat corrupt"},
+             Row{34141, "Invalid MmsMessage object passed to send function"},
+             Row{34200, "Invalid PagerMessage object passed to the Send function"},
+             Row{30114, "Generic Error"},
+             Row{99999, "Generic Error"},
+             Row{-1, "Generic Error"},
+             Row{33999, "Generic Error"},
+             Row{INT32_MIN, "Generic Error"},
+             Row{INT32_MAX, "Generic Error"},
+         }) {
+        EXPECT_EQ(DescribeError(row.code), row.text) << row.code;
+    }
+    EXPECT_EQ(DescribeErrorWithNumber(33060), "Error #33060: No more messages in receive buffer");
+    EXPECT_EQ(DescribeErrorWithNumber(-5), "Error #-5: Generic Error");
+}
+
+}  // namespace

@@ -1,0 +1,77 @@
+// Octets, hexadecimal, base64 and XML text.
+#include "foundation/Base64.h"
+#include "foundation/Hex.h"
+#include "foundation/OctetReader.h"
+#include "foundation/XmlText.h"
+#include "support/Octets.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(Hex, IsReadFromBothKindsOfText) {
+    struct Row {
+        std::string text, octets;
+    };
+    for (const Row& row : {Row{"", ""}, Row{"0aF9", "\x0a\xf9"}, Row{"123", "\x12"}, Row{"zF", "\x0f"}}) {
+        EXPECT_EQ(hex::OctetsOf(std::string_view(row.text)), row.octets) << row.text;
+        const std::u16string wide(row.text.begin(), row.text.end());
+        EXPECT_EQ(hex::OctetsOf(std::u16string_view(wide)), row.octets) << row.text;
+    }
+    EXPECT_EQ(hex::OctetsOf(std::u16string_view(u"\u0131\u0141")), std::string(1, '\0'));
+}
+
+TEST(OctetReader, GivesZerosPastTheEndAndRemembersIt) {
+    const std::string octets = OctetText("01 0203 'ab' 00 'rest'");
+    OctetReader in(octets);
+    EXPECT_EQ(in.Octet(), 1);
+    EXPECT_EQ(in.Number(2), 0x0203U);
+    EXPECT_EQ(in.TextString(), "ab");
+    EXPECT_EQ(in.Take(2), "re");
+    EXPECT_FALSE(in.Overrun());
+    EXPECT_EQ(in.TextString(), "st");  // its zero octet is missing
+    EXPECT_TRUE(in.Overrun());
+    EXPECT_TRUE(in.AtEnd());
+    EXPECT_EQ(in.Number(4), 0U);
+
+    OctetReader cut(octets);
+    cut.Skip(8);
+    EXPECT_EQ(cut.Number(4), 0x73740000U);
+    EXPECT_TRUE(cut.Overrun());
+    OctetReader taken(octets);
+    EXPECT_EQ(taken.Take(SIZE_MAX), octets);
+    EXPECT_TRUE(taken.Overrun());
+}
+
+// RFC 4648 chapter 10, and lines.
+TEST(Base64, EncodesTheStandardsExamples) {
+    struct Row {
+        std::string octets;
+        std::size_t line;
+        std::string text;
+    };
+    for (const Row& row : {
+             Row{"", 0, ""},
+             Row{"", 76, ""},
+             Row{"f", 0, "Zg=="},
+             Row{"fo", 0, "Zm8="},
+             Row{"foo", 0, "Zm9v"},
+             Row{"foob", 0, "Zm9vYg=="},
+             Row{"fooba", 0, "Zm9vYmE="},
+             Row{"foobar", 0, "Zm9vYmFy"},
+             Row{OctetText("FBFF BF 00 10 83"), 0, "+/+/ABCD"},
+             Row{"foobar", 8, "Zm9vYmFy\r\n"},
+             Row{"foobarf", 8, "Zm9vYmFy\r\nZg==\r\n"},
+             Row{"foobarfo", 4, "Zm9v\r\nYmFy\r\nZm8=\r\n"},
+             Row{"foofo", 8, "Zm9vZm8=\r\n"},
+         }) {
+        EXPECT_EQ(base64::Encode(row.octets, row.line), row.text) << row.octets << " " << row.line;
+    }
+}
+
+TEST(XmlText, EscapesWhatHasAMeaning) {
+    EXPECT_EQ(xml::Escape("a<b>&\"c'\xe9]]>"), "a&lt;b&gt;&amp;&quot;c&apos;\xe9]]&gt;");
+    EXPECT_EQ(xml::Escape(std::string("\0\x1b\t\r\n", 5)), "  \t\r\n");
+}
+
+}  // namespace

@@ -1,0 +1,79 @@
+"""The lab's modem where its peers misbehave, and its own actions."""
+import os
+import pathlib
+import re
+import select
+import tempfile
+import unittest
+
+from lab import program
+
+FINAL = re.compile(rb"\r\n(OK|ERROR|\+CM[SE] ERROR: \d+)\r\n$|> $")
+
+
+class Port:
+    """The terminal of a modem of its own, echo off."""
+
+    def __init__(self, test, *options, rules=None):
+        link = pathlib.Path(test.enterContext(tempfile.TemporaryDirectory()), "modem")
+        self.modem = test.enterContext(program("modem.py", "--link", link, *options, rules=rules))
+        self.terminal = os.open(link, os.O_RDWR | os.O_NOCTTY)
+        test.addCleanup(os.close, self.terminal)
+        self.exchange("ATE0")
+
+    def exchange(self, command, end="\r"):
+        """The lines of the reply to a command."""
+        os.write(self.terminal, (command + end).encode("latin-1"))
+        heard = b""
+        while not FINAL.search(heard):
+            if not select.select([self.terminal], [], [], 10)[0]:
+                raise TimeoutError(f"{command}: {heard}")
+            heard += os.read(self.terminal, 4096)
+        return heard.decode("latin-1").split()
+
+
+class Commands(unittest.TestCase):
+    def test_values_that_are_none(self):
+        port = Port(self, "--message", "text SM +31611111111 Hi", "--storages", "SM,ME")
+        for command, reply in [
+            ("AT+CMGD=x", ["ERROR"]), ("AT+CMGD=", ["ERROR"]), ("AT+CMGD=2", ["+CMS", "ERROR:", "321"]),
+            ("AT+CNMI=a,b,c,d", ["ERROR"]), ("AT+CNMI=2,1,0,2,0,7", ["ERROR"]), ("AT+CNMI=2,,0,2", ["OK"]),
+            ("AT+CMGL=ALL", ["ERROR"]), ("AT+CPMS=XX", ["ERROR"]), ("AT+CPIN=?", ["OK"]), ("AT+NONE", ["ERROR"]),
+            ("AT+CMGS=x", [">"]),
+        ]:
+            with self.subTest(command):
+                self.assertEqual(port.exchange(command), reply)
+        self.assertEqual(port.exchange("nonsense", "\x1a"), ["+CMS", "ERROR:", "304"])
+        self.assertEqual(port.exchange("AT+CMGS=x"), [">"])
+        self.assertEqual(port.exchange("", "\x1b"), ["OK"])
+        self.assertEqual(port.exchange("AT+CMGD=1"), ["OK"])
+
+    def test_a_storage_that_is_not_there(self):
+        port = Port(self, "--storages", "ME", "--combined")
+        self.assertEqual(port.exchange("AT+CMGD=1"), ["+CMS", "ERROR:", "321"])
+        self.assertEqual(port.exchange("AT+CPMS=MT"), ["+CPMS:", "0,50,0,50,0,50", "OK"])
+        for index in ("0", "1", "1000", "1001"):
+            self.assertEqual(port.exchange("AT+CMGD=" + index), ["+CMS", "ERROR:", "321"])
+
+    def test_own_actions(self):
+        port = Port(self, rules=[{"match": "AT+CMGF", "do": "error", "text": "+CMS ERROR: 38"},
+                                 {"match": "AT+CPMS", "do": "error"},
+                                 {"match": "AT+CSCA", "do": "reply", "text": "+CSCA: 1\nOK"},
+                                 {"match": "ATE0", "nth": [2], "do": "keep-echo"},
+                                 {"match": "PDU", "do": "error", "text": "+CMS ERROR: 500"}])
+        for command, reply in [("AT+CMGF=0", ["+CMS", "ERROR:", "38"]), ("AT+CPMS=SM", ["ERROR"]),
+                               ("AT+CSCA?", ["+CSCA:", "1", "OK"]), ("ATE0", ["OK"]), ("AT", ["AT", "OK"]),
+                               ("AT+CMGS=1", ["AT+CMGS=1", ">"])]:
+            self.assertEqual(port.exchange(command), reply)
+        self.assertEqual(port.exchange("00", "\x1a"), ["+CMS", "ERROR:", "500"])
+
+    def test_a_dropped_line_ends_the_modem_and_takes_the_link_away(self):
+        port = Port(self, rules=[{"match": "AT+CSQ", "do": "hangup"}])
+        link = pathlib.Path(port.modem.ready.removeprefix("on "))
+        os.write(port.terminal, b"AT+CSQ\r")
+        self.assertEqual(port.modem.process.wait(10), 0)
+        self.assertFalse(link.is_symlink())
+
+
+if __name__ == "__main__":
+    unittest.main()
