@@ -1,5 +1,6 @@
 // The SMPP channel: one connection, its worker thread, and the calls that a caller's thread makes on it.
 #pragma once
+#include "foundation/ProviderFile.h"
 #include "foundation/ResultCode.h"
 #include "foundation/net/KorTcpSocket.h"
 #include "frame/VrmBase.h"
@@ -11,7 +12,6 @@
 #include <condition_variable>
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -47,6 +47,7 @@ class CSmppProtocol : public CVrmBase {
     // ServerTimeout has passed (33206, the report as it is then). 34050, 33061.
     ResultCode QueryStatus(std::string_view references, bool wait, CSmsDeliveryReport& report);
 
+    // Provider files; the codes of ProviderFile.
     ResultCode LoadConfig(const std::string& file);
     ResultCode SaveConfig(const std::string& file);
 
@@ -54,6 +55,8 @@ class CSmppProtocol : public CVrmBase {
     CSmsMessagesX& Received() { return received_; }
 
   private:
+    std::vector<ProviderRow> ProviderRows();
+
     void Work();
     bool Pump(CSmppSession& session);
     bool Flush(CSmppSession& session);

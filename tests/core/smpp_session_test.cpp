@@ -1,7 +1,5 @@
-// The session as a machine: scripted octets in, octets and events out, in virtual time. And the protocol with
-// its worker thread over a socket that only answers.
+// The session as a machine: scripted octets in, octets and events out, in virtual time.
 #include "foundation/ErrorTexts.h"
-#include "smpp/SmppProtocol.h"
 #include "smpp/SmppSession.h"
 #include "support/VirtualClock.h"
 
@@ -256,27 +254,6 @@ TEST_F(Session, ThroughputSpacesTheMessages) {
     const std::size_t sent = TakeOutput().size();
     EXPECT_GE(sent, 30U);
     EXPECT_LE(sent, 31U);
-}
-
-// --- the protocol's own checks; no server is needed
-
-TEST(SmppProtocol, RefusesWhatCannotBeConnected) {
-    CSmppProtocol smpp;
-    for (const std::int32_t port : {0, -1, 65536}) {
-        smpp.settings.serverPort = port;
-        EXPECT_EQ(smpp.Connect(), 22019);
-    }
-    smpp.settings.serverPort = 1;
-    EXPECT_EQ(smpp.Connect(), 22021);
-    smpp.settings.server = "127.0.0.1";  // nothing listens there
-    smpp.settings.serverTimeout = 2000;
-    EXPECT_EQ(smpp.Connect(), 33201);
-    EXPECT_FALSE(smpp.IsConnected());
-    std::string references;
-    EXPECT_EQ(smpp.Send({}, references), 33205);
-    CSmsDeliveryReport report;
-    EXPECT_EQ(smpp.QueryStatus("", false, report), 34050);
-    EXPECT_EQ(smpp.QueryStatus("x", true, report), 33061);
 }
 
 }  // namespace
