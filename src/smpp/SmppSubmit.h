@@ -21,9 +21,19 @@ class SmppSubmitBuilder {
                      std::vector<std::string>& pdus);
 
   private:
+    struct Body;
+    struct Layout;
+
+    static Body ReadBody(const CSmsMessageX& message, std::int32_t charSet);
+    ResultCode DivideIntoParts(const Body& body, Layout& layout);
+    std::uint8_t NextReference();
+    void PutFields(const SmppSettings& settings, const CSmsMessageX& message, std::uint8_t coding);
+    void EncodePart(const Body& body, const Layout& layout, std::size_t part, std::string& octets);
+
     Clock* clock_;
     CSmppSubmitSm pdu_;
     std::uint8_t lastReference_ = 0;
+    std::uint32_t lastReferenceTick_ = 0;
 };
 
 // "YYMMDDhhmmss000+" (absolute, UTC) or "...000R" (relative) for a validity in minutes; empty for 0. The
