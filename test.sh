@@ -18,7 +18,7 @@ result=0
 ctest --test-dir build --output-on-failure --parallel 2 --timeout 900 || result=$?
 
 if [ "$full" = --full ]; then
-  git ls-files 'src/*.cpp' 'src/*.h' | xargs clang-format --dry-run -Werror || result=1
+  git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run -Werror || result=1
   git ls-files 'src/*.cpp' | grep -vE '(Auto|Win)\.cpp$' | xargs -P 2 -n 4 clang-tidy --quiet -p build/native || result=1
   scripts/bench.sh
 fi

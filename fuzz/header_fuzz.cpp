@@ -1,6 +1,6 @@
 // The user data header reader.
-#include "Fuzz.h"
 #include "Common/GsmPdu/UserDataHeader.h"
+#include "Fuzz.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     CUserDataHeader header;

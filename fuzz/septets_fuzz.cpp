@@ -1,7 +1,7 @@
 // The septet unpacker: what it gives, packed again, must be the octets it came from.
-#include "Fuzz.h"
 #include "Common/GsmPdu/GsmAlphabet.h"
 #include "Common/GsmPdu/Septets.h"
+#include "Fuzz.h"
 
 #include <algorithm>
 #include <cstdlib>

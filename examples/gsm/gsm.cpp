@@ -1,11 +1,10 @@
 // gsm send COM5 +31612345678 "The text" | receive COM5 | report COM5 +31612345678 "The text" | pin COM5 1234
 // Early bound through the vtable; NeltCtrl.h comes from the type library (build/windows/generated).
-#include <windows.h>
+#include "NeltCtrl.h"
 
 #include <cstdio>
 #include <string>
-
-#include "NeltCtrl.h"
+#include <windows.h>
 
 namespace {
 
@@ -14,7 +13,8 @@ ISmsProtocolGsm* gsm = nullptr;
 template <class Class, class Interface>
 Interface* New() {
     void* object = nullptr;
-    if (FAILED(CoCreateInstance(__uuidof(Class), nullptr, CLSCTX_INPROC_SERVER, __uuidof(Interface), &object))) {
+    if (FAILED(
+            CoCreateInstance(__uuidof(Class), nullptr, CLSCTX_INPROC_SERVER, __uuidof(Interface), &object))) {
         std::puts("The component is not registered: regsvr32 NeltCtrlx64.dll");
         std::exit(1);
     }

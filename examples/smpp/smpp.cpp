@@ -1,11 +1,10 @@
-// smpp send 127.0.0.1 2775 user password +31612345678 "The text" | receive 127.0.0.1 2775 user password [seconds]
-// Early bound through the vtable; NeltCtrl.h comes from the type library (build/windows/generated).
-#include <windows.h>
+// smpp send 127.0.0.1 2775 user password +31612345678 "The text" | receive 127.0.0.1 2775 user password
+// [seconds] Early bound through the vtable; NeltCtrl.h comes from the type library (build/windows/generated).
+#include "NeltCtrl.h"
 
 #include <cstdio>
 #include <string>
-
-#include "NeltCtrl.h"
+#include <windows.h>
 
 namespace {
 
@@ -25,7 +24,8 @@ class Text {
 template <class Class, class Interface>
 Interface* New() {
     void* object = nullptr;
-    if (FAILED(CoCreateInstance(__uuidof(Class), nullptr, CLSCTX_INPROC_SERVER, __uuidof(Interface), &object))) {
+    if (FAILED(
+            CoCreateInstance(__uuidof(Class), nullptr, CLSCTX_INPROC_SERVER, __uuidof(Interface), &object))) {
         std::puts("The component is not registered: regsvr32 NeltCtrlx64.dll");
         std::exit(1);
     }
@@ -71,7 +71,8 @@ void Receive(ISmsProtocolSmpp* smpp, int seconds) {
         smpp->Sleep(500);
         VARIANT item;
         LONG error = 0;
-        for (smpp->GetFirstMessage(&item); smpp->get_LastError(&error), error == 0; smpp->GetNextMessage(&item)) {
+        for (smpp->GetFirstMessage(&item); smpp->get_LastError(&error), error == 0;
+             smpp->GetNextMessage(&item)) {
             auto* message = static_cast<ISmsMessage*>(item.pdispVal);
             BSTR sender = nullptr;
             BSTR data = nullptr;

@@ -35,7 +35,7 @@ constexpr auto kPortOctets = static_cast<std::int32_t>(udh::kPortsSize);
 }  // namespace
 
 struct CGsmCodec::Plan {
-    MessageFormat format;
+    MessageFormat format{};
     std::u16string_view ucs2;
     std::span<const std::uint8_t> callerHeader;
     std::span<const std::uint8_t> units;
@@ -67,7 +67,8 @@ ResultCode CGsmCodec::Encode(const GsmSubmit& submit) {
         (!submit.smsc.empty() && !address::IsPduNumber(submit.smsc))) {
         return result::InvalidRecipient;
     }
-    Plan plan{.format = FormatOf(submit.format)};
+    Plan plan;
+    plan.format = FormatOf(submit.format);
     ReadBody(submit, plan);
     if (const ResultCode code = DivideIntoParts(plan); code != result::Success) return code;
     text_.reserve(static_cast<std::size_t>(plan.parts) * 2 * (kOctetsPerMessage + 40));

@@ -1,5 +1,5 @@
-// connect_many.exe PORT CYCLES...: connects and disconnects so many times each, and after each group prints the
-// lowest free handle and waits for a line, so that the process can be looked at from outside.
+// connect_many.exe PORT CYCLES...: connects and disconnects so many times each, and after each group prints
+// the lowest free handle and waits for a line, so that the process can be looked at from outside.
 #include "Com.h"
 
 #include <cstdio>

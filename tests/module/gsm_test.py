@@ -58,9 +58,8 @@ class Examples(unittest.TestCase):
                                                 "--message", "ucs2 ME +31633333333 Grüße") as modem:
                 code, output = wine.script(EXAMPLES / f"receive.{kind}", modem.com, "2", "10")
                 self.assertEqual(code, 0)
-                self.assertEqual(output.split("\n")[:2], ["From +31611111111: One", "From +31633333333: Grüße"]
-                                 if "Grüße" in output else output.split("\n")[:2])
-                self.assertIn("From +31622222222: In three parts, out of order\n", output)
+                self.assertEqual(output.split("\n")[:3], ["From +31611111111: One", "From +31633333333: Grüße",
+                                                          "From +31622222222: In three parts, out of order"])
                 self.assertEqual(output.count("From"), 3)
                 self.assertEqual(modem.commands().count("AT+CMGD=1"), 2)
 
@@ -109,25 +108,14 @@ class Dialogue(unittest.TestCase):
 
     def test_misbehaviour_costs_bounded_time_and_a_clear_code(self):
         rows = [  # rules, action, expected lines, seconds at the most
-            ("silence", [{"match": "AT", "do": "silence"}], "Result gsm.Send(message)", ["|30350"], 8),
-            ("stall", [{"match": "AT+CMGF=?", "do": "stall"}], "Result gsm.Send(message)", ["|30351"], 12),
-            ("stall in the reference", [{"match": "PDU", "do": "stall"}], "Result gsm.Send(message)", ["|30351"], 25),
             ("flood", [{"match": "AT+CMGF=?", "do": "flood", "ms": 9000, "text": "RING"}], "Result gsm.Send(message)",
              ["|30351"], 12),
             ("split", [{"match": "AT", "do": "split", "ms": 5}], "Result gsm.Send(message)", ["17|0"], 20),
-            ("echo", [{"match": "ATE0", "do": "keep-echo"}], "Result gsm.Send(message)", ["17|0"], 20),
             ("unsolicited", [{"match": "AT", "do": "unsolicited", "text": "^RSSI: 20"}], "Result gsm.Send(message)",
              ["17|0"], 25),
             ("garbage", [{"match": "AT+C", "do": "garbage", "text": "\x00\xff#?"}], "Result gsm.Send(message)",
              ["17|0"], 20),
-            ("prompt", [{"match": "AT+CMGS", "do": "silence"}], "Result gsm.Send(message)", ["|30350"], 12),
-            ("second fails", [{"match": "PDU", "nth": [2], "do": "error", "text": "+CMS ERROR: 500"}],
-             "Result gsm.Send(message)\nResult gsm.Send(message)", ["17|0", "|30352"], 20),
-            ("busy once", [{"match": "PDU", "nth": [1], "do": "error", "text": "+CMS ERROR: 38"}],
-             "Result gsm.Send(message)", ["17|0"], 20),
             ("hang up", [{"match": "AT+CMGF=0", "do": "hangup"}], "Result gsm.Send(message)", None, 15),
-            ("pin", [{"match": "AT+CPMS", "do": "error", "text": "+CMS ERROR: 311"}], "Result gsm.Receive()", ["0|33141"],
-             9),
         ]
         for name, rules, body, wanted, limit in rows:
             with self.subTest(name), wine.modem(BASE + 10, rules=rules) as modem:

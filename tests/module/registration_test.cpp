@@ -80,7 +80,8 @@ constexpr ClassRow kClasses[] = {
     {L"SmsProtocolSmpp", L"Quorvane.SmsProtocolSmpp", L"{0B3C73A0-D209-465A-B6C4-9B6AC9DCC424}"},
     {L"SmsDataWapPush", L"Quorvane.SmsDataWapPush", L"{EF74EFF2-4F98-464A-9F73-CF6D77D9C954}"},
     {L"SmsDataWapBookmark", L"Quorvane.SmsDataWapBookmark", L"{ED494BC8-222A-4716-A46D-14F72F02CB89}"},
-    {L"SmsDataMmsNotification", L"Quorvane.SmsDataMmsNotification", L"{4868BE0E-AA1B-4289-8FFB-CC75275D9822}"},
+    {L"SmsDataMmsNotification", L"Quorvane.SmsDataMmsNotification",
+     L"{4868BE0E-AA1B-4289-8FFB-CC75275D9822}"},
     {L"SmsDatavCard", L"Quorvane.SmsDatavCard", L"{4368F874-0EBD-4816-8915-F340F7150B95}"},
 };
 

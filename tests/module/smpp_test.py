@@ -85,13 +85,9 @@ smpp.Disconnect(); Show(smpp.IsConnected);
     def test_statuses_and_misbehaviour(self):
         rows = [
             ("throttled", [{"match": "submit_sm", "do": "status", "status": 0x58}], "Rejected 33217|0", 5),
-            ("address", [{"match": "submit_sm", "do": "status", "status": 0x0B}], "Rejected 33216|0", 5),
-            ("credit", [{"match": "submit_sm", "do": "status", "status": 0x401}], "Insufficient credits 33225|0", 5),
             ("nack", [{"match": "submit_sm", "do": "nack"}], "Rejected 33215|0", 5),
             ("bytewise", [{"match": "submit_sm", "do": "bytewise"}], "Enroute 0|33206", 8),
-            ("silence", [{"match": "submit_sm", "do": "silence"}], "Submit requested 0|33206", 12),
             ("garbage", [{"match": "submit_sm", "do": "garbage", "hex": "0000000500"}], "Failed 33205|0", 5),
-            ("half", [{"match": "submit_sm", "do": "half"}], "Submit requested 0|33206", 12),
             ("disconnect", [{"match": "submit_sm", "do": "disconnect"}], "Failed 33205|0", 5),
             ("silent unbind", [{"match": "unbind", "do": "silence"}], "Enroute 0|33206", 10),
         ]

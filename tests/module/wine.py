@@ -14,11 +14,11 @@ PREFIX = ROOT / "build/wine"
 IN_WINE = ROOT / "scripts/in-wine.sh"
 
 
-def run(*arguments, timeout=120):
+def run(*arguments, timeout=120, encoding="utf-8"):
     """Runs a Windows program; gives its exit code and what it printed."""
     done = subprocess.run([IN_WINE, *map(str, arguments)], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                           stderr=subprocess.DEVNULL, timeout=timeout, check=False)
-    return done.returncode, done.stdout.decode("utf-8", "replace").replace("\r", "")
+    return done.returncode, done.stdout.decode(encoding, "replace").replace("\r", "")
 
 
 def windows_path(path):
@@ -26,7 +26,7 @@ def windows_path(path):
 
 
 def script(path, *arguments, timeout=120):
-    return run("cscript", "//nologo", windows_path(path), *arguments, timeout=timeout)
+    return run("cscript", "//nologo", windows_path(path), *arguments, timeout=timeout, encoding="cp850")
 
 
 class Modem(Counterpart):
