@@ -107,12 +107,20 @@ TEST(SmppPdu, TlvsAreWrittenByTheirType) {
     CTLVRecord number{.tag = 0x0204, .type = TLVType::kWord};
     number.SetInteger(0x12345);
     pdu.tlvs.AddOrReplace(number);
+    CTLVRecord large{.tag = 0x1401, .type = TLVType::kLong};
+    large.SetInteger(0x12345678);
+    pdu.tlvs.AddOrReplace(large);
+    CTLVRecord small{.tag = 0x0427, .type = TLVType::kByte};
+    small.SetInteger(0x1FE);
+    pdu.tlvs.AddOrReplace(small);
     pdu.tlvs.AddOrReplace({.tag = 0x001E, .type = TLVType::kCOctet, .text = u"AB"});
     pdu.tlvs.AddOrReplace({.tag = 0x1400, .type = TLVType::kUnicode, .text = u"\u4E2D"});
     pdu.tlvs.AddOrReplace({.tag = 0x0424, .type = TLVType::kOctet, .text = u"\u00FF"});
     pdu.Encode();
     EXPECT_EQ(HexOf(pdu.Data().subspan(17)),
               "020400022345"
+              "1401000412345678"
+              "04270001FE"
               "001E0003414200"
               "140000024E2D"
               "04240001FF");
@@ -270,6 +278,20 @@ TEST_F(Submit, LongMessagesAreSplit) {
     const auto pdus = Build();
     EXPECT_EQ(HexOf(FromHex("050003")), HexOf(pdus[1]->short_message.substr(0, 3)));
     EXPECT_EQ(pdus[1]->short_message.substr(4, 2), std::string("\x02\x02"));
+}
+
+TEST_F(Submit, MessagesSplitInOneMomentAreToldApart) {
+    message.Data = std::u16string(161, u'x');
+    std::vector<std::uint8_t> references;
+    for (const std::uint32_t pause : {300, 0, 0, 1, 1, 100, 256}) {
+        clock.Sleep(pause);
+        const auto pdus = Build();
+        ASSERT_EQ(pdus.size(), 2U);
+        EXPECT_EQ(pdus[0]->short_message[3], pdus[1]->short_message[3]);
+        references.push_back(static_cast<std::uint8_t>(pdus[0]->short_message[3]));
+    }
+    // Ticks 300, 300, 300, 301, 302, 402 and 658, of which the low octet is taken.
+    EXPECT_EQ(references, (std::vector<std::uint8_t>{44, 45, 46, 47, 48, 146, 147}));
 }
 
 TEST_F(Submit, CodingComesFromFormatOrCharacterSet) {

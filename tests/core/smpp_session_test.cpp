@@ -1,6 +1,8 @@
 // The session as a machine: scripted octets in, octets and events out, in virtual time.
 #include "foundation/ErrorTexts.h"
+#include "foundation/Text.h"
 #include "smpp/SmppSession.h"
+#include "support/TemporaryFolder.h"
 #include "support/VirtualClock.h"
 
 #include <gtest/gtest.h>
@@ -247,13 +249,105 @@ TEST_F(Session, ThroughputSpacesTheMessages) {
     settings.serverKeepAlive = 0;
     Bind();
     for (int i = 0; i < 100; ++i) Queue(std::to_string(i));
-    for (int ms = 0; ms < 3000; ++ms) {
+    std::vector<std::uint32_t> times;
+    const auto run = [&](std::uint32_t until) {
+        for (; clock.Ticks() < until; clock.Sleep(1)) {
+            session.OnTick();
+            if (!TakeOutput().empty()) times.push_back(clock.Ticks());
+        }
+    };
+    run(301);
+    EXPECT_EQ(times, (std::vector<std::uint32_t>{0, 100, 200, 300}));
+    times.clear();
+    clock.Sleep(10'000 - clock.Ticks());  // a pause does not save up more than 10 ms
+    run(10'300);
+    EXPECT_EQ(times, (std::vector<std::uint32_t>{10'000, 10'090, 10'190, 10'290}));
+}
+
+TEST_F(Session, SleepsUntilTheNextMessageMayGo) {
+    settings.windowSize = 3;
+    Bind();
+    EXPECT_EQ(session.NextTick(), 1000U);  // nothing to do
+    settings.throughput = 10;
+    for (int i = 0; i < 4; ++i) Queue(std::to_string(i));
+    EXPECT_EQ(session.NextTick(), 1U);
+    struct Row {
+        std::uint32_t sleep;
+        std::size_t sent;
+        std::uint32_t next;
+    };
+    for (const Row& row : {Row{0, 1, 101}, {40, 0, 61}, {60, 1, 101}, {99, 0, 2}, {1, 1, 1000}}) {
+        clock.Sleep(row.sleep);
         session.OnTick();
-        clock.Sleep(1);
+        EXPECT_EQ(TakeOutput().size(), row.sent);
+        EXPECT_EQ(session.NextTick(), row.next);  // in the end the window is full
     }
-    const std::size_t sent = TakeOutput().size();
-    EXPECT_GE(sent, 30U);
-    EXPECT_LE(sent, 31U);
+    settings.throughput = 0;
+    Response(2, "A");
+    EXPECT_EQ(session.NextTick(), 1000U);
+}
+
+TEST_F(Session, EachKeepAliveIsDueAnIntervalAfterTheLast) {
+    session.StartBind();
+    TakeOutput();
+    clock.Sleep(5000);  // the bind counts as the first
+    session.OnBytes(Pdu(0x80000009, 0, 1, std::string("lab\0", 4)));
+    std::vector<std::uint32_t> times;
+    for (; clock.Ticks() <= 95'000; clock.Sleep(1000)) {
+        session.OnTick();
+        if (!TakeOutput().empty()) times.push_back(clock.Ticks());
+    }
+    EXPECT_EQ(times, (std::vector<std::uint32_t>{35'000, 65'000, 95'000}));
+}
+
+TEST_F(Session, NoReceiptIsLostWhenTooManyAreHeld) {
+    using namespace std::string_literals;
+    Bind();
+    Queue("unanswered");
+    session.OnTick();
+    for (int i = 0; i < 257; ++i) {
+        std::string pdu =
+            Deliver(60, "", 4) + "\x00\x1E\x00\x04"s + std::to_string(100 + i) + "\0\x04\x27\x00\x01\x02"s;
+        pdu[3] = static_cast<char>(pdu.size());
+        session.OnBytes(pdu);
+    }
+    EXPECT_EQ(received.Count(), 1U);
+    session.OnClosed();
+    EXPECT_EQ(received.Count(), 257U);
+}
+
+TEST_F(Session, LogsEachCommandByItsName) {
+    const TemporaryFolder folder;
+    settings.dumpFlags = 0;
+    struct Row {
+        std::uint32_t command;
+        std::string lines;
+    };
+    for (const Row& row : {
+             Row{0x80000001, "Receiving [bind_receiver_resp]...\n"},
+             Row{0x80000002, "Receiving [bind_transmitter_resp]...\n"},
+             Row{0x80000009, "Receiving [bind_transceiver_resp]...\n"},
+             Row{0x80000004, "Receiving [submit_sm_resp]...\n|Message Reference []\n"},
+             Row{0x80000015, "Receiving [enquire_link_resp]...\n"},
+             Row{0x80000006, "Receiving [unbind_resp]...\n"},
+             Row{0x80000000, "Receiving [generic_nack]...\n"},
+             Row{0x15, "Receiving [enquire_link]...\n|Sending [enquire_link_resp]...\n"},
+             Row{0x05, "Receiving [deliver_sm]...\n|Sending [deliver_sm_resp]...\n"},
+             Row{0x103, "Receiving [data_sm]...\n|Sending [data_sm_resp]...\n"},
+             Row{0x06, "Receiving [unbind]...\n|Sending [unbind_resp]...\n|Server has unbound the session\n"},
+             Row{0x99, "Receiving [unknown pdu]...\n|Sending [generic_nack]...\n"},
+         }) {
+        CSmppSession other(log, settings, reports, received, clock);
+        other.StartBind();
+        const std::string file = folder.File(std::to_string(row.command));
+        log.SetLogFile(file);
+        other.OnBytes(Pdu(row.command, 0, 1));
+        log.SetLogFile({});
+        std::string expected;
+        for (const std::string_view line : Split(row.lines, "|"))
+            expected += "[22:13:20]  " + std::string(line) + "\n";
+        EXPECT_EQ(TemporaryFolder::Read(file), expected);
+    }
 }
 
 }  // namespace
