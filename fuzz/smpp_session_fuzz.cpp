@@ -9,10 +9,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size < 2) return 0;
     VirtualClock clock;
     CKorBase log("Fuzz", clock);
-    CSmppParameters parameters;
+    SmppSettings settings;
     CSmsDeliveryReports reports(clock);
     CSmsMessagesX received(clock, 3600);
-    CSmppSession session(log, parameters, reports, received, clock);
+    CSmppSession session(log, settings, reports, received, clock);
     session.StartBind();
     if ((data[0] & 1) != 0) session.OnBytes({"\0\0\0\x11\x80\0\0\x09\0\0\0\0\0\0\0\x01\0", 17});
     const std::size_t piece = 1 + data[1] % 64;

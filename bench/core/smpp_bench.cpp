@@ -74,8 +74,8 @@ void Session(benchmark::State& state) {
         count / std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     for (auto _ : state) {
         CSmppProtocol smpp;
-        smpp.parameters.server = "127.0.0.1";
-        smpp.parameters.serverPort = sink.Port();
+        smpp.settings.server = "127.0.0.1";
+        smpp.settings.serverPort = sink.Port();
         smpp.SetAdvancedSettings("SmppWindowSize=" + std::to_string(state.range(0)));
         if (smpp.Connect() != 0) state.SkipWithError("no connection");
         const auto begin = std::chrono::steady_clock::now();
@@ -100,7 +100,7 @@ void QueueOfLength(benchmark::State& state) {
     const auto length = static_cast<std::uint32_t>(state.range(0));
     const std::string pdu = BenchSubmit();
     CKorBase log("Bench");
-    CSmppParameters parameters;
+    SmppSettings settings;
     std::string answer(
         "\0\0\0\x19\x80\0\0\x04\0\0\0\0\0\0\0\0"
         "00000000",
@@ -113,7 +113,7 @@ void QueueOfLength(benchmark::State& state) {
         const std::size_t before = mallinfo2().uordblks + mallinfo2().hblkhd;
         CSmsDeliveryReports reports;
         CSmsMessagesX received;
-        CSmppSession session(log, parameters, reports, received, SystemClock());
+        CSmppSession session(log, settings, reports, received, SystemClock());
         session.StartBind();
         session.OnBytes({"\0\0\0\x11\x80\0\0\x09\0\0\0\0\0\0\0\1\0", 17});
         std::string reference;

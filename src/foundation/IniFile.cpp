@@ -4,7 +4,6 @@
 #include "foundation/TextFile.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace {
 
@@ -15,11 +14,10 @@ bool SameName(std::string_view a, std::string_view b) {
 }
 
 // The value part when the line is `key=value`.
-const char* ValueOf(const std::string& line, std::string_view key) {
+std::optional<std::string_view> ValueOf(std::string_view line, std::string_view key) {
     const std::size_t sign = line.find('=');
-    if (sign == std::string::npos || !SameName(Trim(std::string_view(line).substr(0, sign)), key))
-        return nullptr;
-    return line.c_str() + sign + 1;
+    if (sign == std::string_view::npos || !SameName(Trim(line.substr(0, sign)), key)) return std::nullopt;
+    return Trim(line.substr(sign + 1));
 }
 
 }  // namespace
@@ -69,11 +67,15 @@ void IniFile::SetLines(std::string_view section, std::vector<std::string> lines)
     Find(section).lines = std::move(lines);
 }
 
-std::string IniFile::Text(std::string_view section, std::string_view key, std::string_view fallback) const {
+std::optional<std::string_view> IniFile::Value(std::string_view section, std::string_view key) const {
     for (const std::string& line : Lines(section)) {
-        if (const char* value = ValueOf(line, key)) return std::string(Trim(value));
+        if (const auto value = ValueOf(line, key)) return value;
     }
-    return std::string(fallback);
+    return std::nullopt;
+}
+
+std::string IniFile::Text(std::string_view section, std::string_view key, std::string_view fallback) const {
+    return std::string(Value(section, key).value_or(fallback));
 }
 
 std::uint32_t IniFile::Number(std::string_view section, std::string_view key, std::uint32_t fallback) const {
@@ -86,7 +88,7 @@ void IniFile::SetText(std::string_view section, std::string_view key, std::strin
     std::string line = std::string(key) + "=" + std::string(value);
     Section& found = Find(section);
     for (std::string& old : found.lines) {
-        if (ValueOf(old, key) != nullptr) {
+        if (ValueOf(old, key)) {
             old = std::move(line);
             return;
         }

@@ -2,6 +2,7 @@
 // Section and key names compare without case. A file that cannot be read is empty.
 #pragma once
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,6 +21,7 @@ class IniFile {
     const std::vector<std::string>& Lines(std::string_view section) const;
     void SetLines(std::string_view section, std::vector<std::string> lines);
 
+    bool Has(std::string_view section, std::string_view key) const { return Value(section, key).has_value(); }
     std::string Text(std::string_view section, std::string_view key, std::string_view fallback = {}) const;
     std::uint32_t Number(std::string_view section, std::string_view key, std::uint32_t fallback = 0) const;
     void SetText(std::string_view section, std::string_view key, std::string_view value);
@@ -30,6 +32,7 @@ class IniFile {
         std::vector<std::string> lines;
     };
     Section& Find(std::string_view name);
+    std::optional<std::string_view> Value(std::string_view section, std::string_view key) const;
 
     std::vector<Section> sections_;
 };

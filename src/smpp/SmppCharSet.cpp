@@ -11,10 +11,8 @@
 namespace {
 
 constexpr std::uint8_t kDefaultAlphabet = 0x00;
-constexpr std::uint8_t kData = 0x04;
 constexpr std::uint8_t kCyrillic = 0x06;
 constexpr std::uint8_t kHebrew = 0x07;
-constexpr std::uint8_t kUcs2 = 0x08;
 constexpr char16_t kNone = 0xFFFF;
 
 // The characters of the octets from 0x80 up.

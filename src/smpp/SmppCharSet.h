@@ -6,6 +6,10 @@
 
 namespace smppcharset {
 
+// Bits of data_coding.
+inline constexpr std::uint8_t kData = 0x04;
+inline constexpr std::uint8_t kUcs2 = 0x08;
+
 // The data_coding of a text in an asSMPPCHARSET_... character set.
 std::uint8_t CodingOf(std::int32_t charSet);
 

@@ -3,11 +3,10 @@
 #include "foundation/CodePage.h"
 #include "foundation/ErrorTexts.h"
 #include "foundation/Hex.h"
-#include "foundation/IniFile.h"
 #include "foundation/Product.h"
-#include "foundation/Text.h"
 
-#include <array>
+#include <algorithm>
+#include <chrono>
 #include <system_error>
 
 namespace {
@@ -18,39 +17,6 @@ constexpr std::uint32_t kSendSlice = 20;
 constexpr std::size_t kReadSize = 65536;
 constexpr std::uint32_t kGatherTime = 1;
 constexpr std::uint32_t kLongestQueryPause = 20;
-
-// The provider file: one row a setting.
-struct TextKey {
-    const char* key;
-    std::string CSmppParameters::*field;
-};
-struct NumberKey {
-    const char* key;
-    std::int32_t CSmppParameters::*field;
-};
-using P = CSmppParameters;
-constexpr auto kTextKeys = std::to_array<TextKey>({
-    {"Server", &P::server},
-    {"SystemID", &P::systemId},
-    {"SystemPassword", &P::systemPassword},
-    {"SystemType", &P::systemType},
-    {"SystemSourceAddress", &P::sourceAddress},
-    {"AddressRange", &P::addressRange},
-});
-constexpr auto kNumberKeys = std::to_array<NumberKey>({
-    {"ServerPort", &P::serverPort},
-    {"ServerTimeout", &P::serverTimeout},
-    {"ServerKeepAlive", &P::serverKeepAlive},
-    {"SystemVersion", &P::systemVersion},
-    {"SystemSourceTON", &P::sourceTon},
-    {"SystemSourceNPI", &P::sourceNpi},
-    {"SystemDestinationTON", &P::destinationTon},
-    {"SystemDestinationNPI", &P::destinationNpi},
-    {"SystemThroughput", &P::throughput},
-    {"SystemCharSet", &P::charSet},
-    {"DeliveryReportFormat", &P::reportFormat},
-});
-constexpr const char* kSection = "Provider";
 
 }  // namespace
 
@@ -66,7 +32,7 @@ CSmppProtocol::~CSmppProtocol() { Disconnect(); }
 
 void CSmppProtocol::Clear() {
     Disconnect();
-    parameters = {};
+    settings = {};
     SetAdvancedSettings({});
     SetLogFile({});
     SetActivityFile({});
@@ -77,21 +43,21 @@ void CSmppProtocol::Clear() {
 ResultCode CSmppProtocol::Connect() {
     if (IsConnected()) return result::Success;
     Disconnect();  // joins the worker of a session that has ended by itself
-    if (parameters.serverPort < 1 || parameters.serverPort > 65535) return result::InvalidPort;
-    if (parameters.server.empty()) return result::InvalidHost;
-    const auto timeout = static_cast<std::uint32_t>(std::max(parameters.serverTimeout, 0));
-    if (socket_.Connect(parameters.server, static_cast<std::uint16_t>(parameters.serverPort), timeout) != 0) {
+    if (settings.serverPort < 1 || settings.serverPort > 65535) return result::InvalidPort;
+    if (settings.server.empty()) return result::InvalidHost;
+    const auto timeout = static_cast<std::uint32_t>(std::max(settings.serverTimeout, 0));
+    if (socket_.Connect(settings.server, static_cast<std::uint16_t>(settings.serverPort), timeout) != 0) {
         return result::SmppConnectFailed;
     }
     ResultCode code = result::Success;
-    if (parameters.InterfaceVersion() == 0) {
+    if (settings.InterfaceVersion() == 0) {
         code = result::SmppInvalidVersion;
     } else {
-        active_ = parameters;
+        active_ = settings;
         active_.windowSize = AdvancedSetting("SmppWindowSize", 10);
         active_.relativeValidity = AdvancedSetting("ValidityPeriodRelative", 0) != 0;
         active_.dumpFlags = static_cast<std::uint32_t>(AdvancedSetting("Debug", 255));
-        reports_.SetReceiptFormat(parameters.reportFormat);
+        reports_.SetReceiptFormat(settings.reportFormat);
         stop_ = false;
         started_ = bindAnswered_ = false;
         try {
@@ -116,12 +82,12 @@ ResultCode CSmppProtocol::Connect() {
         "CONNECT [Velqar Build %s], Server=[%s:%d] , SystemID=[%s], SourceTON=[%d], SourceNPI=[%d], "
         "AddressRange=[%s], "
         "Result = [%s]\n\n",
-        product::kBuild, parameters.server.c_str(), parameters.serverPort, parameters.systemId.c_str(),
-        parameters.sourceTon, parameters.sourceNpi, parameters.addressRange.c_str(), text.c_str());
+        product::kBuild, settings.server.c_str(), settings.serverPort, settings.systemId.c_str(),
+        settings.sourceTon, settings.sourceNpi, settings.addressRange.c_str(), text.c_str());
     if (code == result::Success) {
-        Log(logmask::kVerbatim, "Connected to server %s\n", parameters.server.c_str());
+        Log(logmask::kVerbatim, "Connected to server %s\n", settings.server.c_str());
     } else {
-        Log(logmask::kVerbatim, "Failed to connect server %s ( %s )\n", parameters.server.c_str(),
+        Log(logmask::kVerbatim, "Failed to connect server %s ( %s )\n", settings.server.c_str(),
             text.c_str());
         Disconnect();
     }
@@ -144,7 +110,8 @@ ResultCode CSmppProtocol::Send(const CSmsMessageX& message, std::string& referen
     references.clear();
     if (!IsConnected()) return result::SmppNotBound;
     if (const ResultCode code = builder_.Build(active_, message, pdus_); code != result::Success) {
-        Log(logmask::kVerbatim, "Sending failed (%s)\n", DescribeError(code).data());
+        const std::string text(DescribeError(code));
+        Log(logmask::kVerbatim, "Sending failed (%s)\n", text.c_str());
         return code;
     }
     for (const std::string& pdu : pdus_) {
@@ -171,7 +138,7 @@ ResultCode CSmppProtocol::Send(const CSmsMessageX& message, std::string& referen
 
 ResultCode CSmppProtocol::QueryStatus(std::string_view references, bool wait, CSmsDeliveryReport& report) {
     if (references.empty()) return result::InvalidReference;
-    const Timer timer(GetClock(), static_cast<std::uint32_t>(std::max(parameters.serverTimeout, 0)));
+    const Timer timer(GetClock(), static_cast<std::uint32_t>(std::max(settings.serverTimeout, 0)));
     ResultCode code = result::Success;
     std::uint32_t pause = 1;  // answers mostly come at once, receipts take their time
     for (;;) {
@@ -189,13 +156,14 @@ ResultCode CSmppProtocol::QueryStatus(std::string_view references, bool wait, CS
         GetClock().Sleep(pause);
         pause = std::min(2 * pause, kLongestQueryPause);
     }
-    const std::string text(references);
+    const std::string which(references);
     if (code == result::QueryFailed) {
-        Log(logmask::kVerbatim, "Query status for message '%s' failed ( %s )\n", text.c_str(),
-            DescribeError(code).data());
+        const std::string text(DescribeError(code));
+        Log(logmask::kVerbatim, "Query status for message '%s' failed ( %s )\n", which.c_str(), text.c_str());
     } else {
+        const std::string text(DeliveryStatusText(report.status));
         Log(logmask::kVerbatim, "Query successfull for message '%s' : %s ( SME Errorcode : %d )\n",
-            text.c_str(), DeliveryStatusText(report.status).data(), report.statusCode);
+            which.c_str(), text.c_str(), report.statusCode);
     }
     return code;
 }
@@ -318,30 +286,45 @@ void CSmppProtocol::Work() {
 
 // --- provider files
 
+std::vector<ProviderRow> CSmppProtocol::ProviderRows() {
+    constexpr const char* kSection = "Provider";
+    SmppSettings& s = settings;
+    return {
+        {kSection, "Server", &s.server},
+        {kSection, "SystemID", &s.systemId},
+        {kSection, "SystemPassword", &s.systemPassword},
+        {kSection, "SystemType", &s.systemType},
+        {kSection, "SystemSourceAddress", &s.sourceAddress},
+        {kSection, "AddressRange", &s.addressRange},
+        {kSection, "ServerPort", &s.serverPort},
+        {kSection, "ServerTimeout", &s.serverTimeout},
+        {kSection, "ServerKeepAlive", &s.serverKeepAlive},
+        {kSection, "SystemVersion", &s.systemVersion},
+        {kSection, "SystemSourceTON", &s.sourceTon},
+        {kSection, "SystemSourceNPI", &s.sourceNpi},
+        {kSection, "SystemDestinationTON", &s.destinationTon},
+        {kSection, "SystemDestinationNPI", &s.destinationNpi},
+        {kSection, "SystemThroughput", &s.throughput},
+        {kSection, "SystemCharSet", &s.charSet},
+        {kSection, "DeliveryReportFormat", &s.reportFormat},
+        {kSection, "AdvancedSettings",
+         ProviderRow::Access{[this] { return AdvancedSettings(); },
+                             [this](const std::string& text) { SetAdvancedSettings(text); }}},
+        {kSection, "SystemTLVRecords",
+         ProviderRow::Access{[&s] { return ToAnsi(s.transmitTlvs.ToText()); },
+                             [&s](const std::string& text) { s.transmitTlvs.FromText(FromAnsi(text)); }},
+         ProviderRow::Missing::kEmpties},
+    };
+}
+
 ResultCode CSmppProtocol::SaveConfig(const std::string& file) {
-    IniFile ini = IniFile::Load(file);
-    for (const TextKey& row : kTextKeys) ini.SetText(kSection, row.key, parameters.*row.field);
-    for (const NumberKey& row : kNumberKeys)
-        ini.SetText(kSection, row.key, std::to_string(parameters.*row.field));
-    ini.SetText(kSection, "AdvancedSettings", AdvancedSettings());
-    ini.SetText(kSection, "SystemTLVRecords", ToAnsi(parameters.transmitTlvs.ToText()));
-    const ResultCode code = !file.empty() && ini.Save(file) ? result::Success : result::ConfigSaveFailed;
+    const ResultCode code = SaveProviderFile(file, ProviderRows());
+    const std::string text(DescribeError(code));
     Log(logmask::kVerbatim, "Saving SMPP settings to file [%s], result: %d : %s\n", file.c_str(),
-        code.Number(), DescribeError(code).data());
+        code.Number(), text.c_str());
     return code;
 }
 
 ResultCode CSmppProtocol::LoadConfig(const std::string& file) {
-    if (!IniFile::Exists(file)) return result::ConfigNotFound;
-    const IniFile ini = IniFile::Load(file);
-    if (ini.Lines(kSection).empty()) return result::ConfigCorrupt;
-    for (const TextKey& row : kTextKeys)
-        parameters.*row.field = ini.Text(kSection, row.key, parameters.*row.field);
-    for (const NumberKey& row : kNumberKeys) {
-        const std::string text = ini.Text(kSection, row.key);
-        if (!text.empty()) parameters.*row.field = ToInt(text);
-    }
-    SetAdvancedSettings(ini.Text(kSection, "AdvancedSettings", AdvancedSettings()));
-    parameters.transmitTlvs.FromText(FromAnsi(ini.Text(kSection, "SystemTLVRecords")));
-    return result::Success;
+    return LoadProviderFile(file, ProviderRows());
 }

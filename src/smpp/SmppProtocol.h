@@ -1,17 +1,17 @@
 // The SMPP channel: one connection, its worker thread, and the calls that a caller's thread makes on it.
 #pragma once
+#include "foundation/ProviderFile.h"
 #include "foundation/ResultCode.h"
 #include "foundation/net/KorTcpSocket.h"
 #include "frame/VrmBase.h"
-#include "smpp/SmppParameters.h"
 #include "smpp/SmppSession.h"
+#include "smpp/SmppSettings.h"
 #include "smpp/SmppSubmit.h"
 
 #include <atomic>
 #include <condition_variable>
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -24,7 +24,7 @@ class CSmppProtocol : public CVrmBase {
     explicit CSmppProtocol(Clock& clock = SystemClock());
     ~CSmppProtocol() override;
 
-    CSmppParameters parameters;
+    SmppSettings settings;
 
     // What a session that ends by itself leaves for LastError; called on the worker thread.
     void SetFailureHandler(std::function<void(ResultCode)> handler) { onFailure_ = std::move(handler); }
@@ -47,6 +47,7 @@ class CSmppProtocol : public CVrmBase {
     // ServerTimeout has passed (33206, the report as it is then). 34050, 33061.
     ResultCode QueryStatus(std::string_view references, bool wait, CSmsDeliveryReport& report);
 
+    // Provider files; the codes of ProviderFile.
     ResultCode LoadConfig(const std::string& file);
     ResultCode SaveConfig(const std::string& file);
 
@@ -54,6 +55,8 @@ class CSmppProtocol : public CVrmBase {
     CSmsMessagesX& Received() { return received_; }
 
   private:
+    std::vector<ProviderRow> ProviderRows();
+
     void Work();
     bool Pump(CSmppSession& session);
     bool Flush(CSmppSession& session);
@@ -62,7 +65,7 @@ class CSmppProtocol : public CVrmBase {
     void SignalBind(ResultCode code);
 
     CKorTcpSocket socket_;
-    CSmppParameters active_;  // the settings of the running session
+    SmppSettings active_;  // the settings of the running session
     CSmsDeliveryReports reports_;
     CSmsMessagesX received_;
     SmppSubmitBuilder builder_;

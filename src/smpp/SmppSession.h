@@ -4,22 +4,25 @@
 #include "Common/SmppPdu/SmppPdus.h"
 #include "foundation/KorBase.h"
 #include "foundation/ResultCode.h"
-#include "smpp/SmppParameters.h"
+#include "smpp/SmppPace.h"
+#include "smpp/SmppReceipts.h"
+#include "smpp/SmppSettings.h"
 #include "smpp/SmppSubmitQueue.h"
 #include "smpp/SmppWindow.h"
 #include "sms/SmsDeliveryReports.h"
 #include "sms/SmsMessagesX.h"
 
+#include <algorithm>
 #include <cstdint>
-#include <deque>
 #include <string>
 #include <string_view>
+#include <vector>
 
 class CSmppSession {
   public:
     enum class State { kIdle, kBinding, kBound, kUnbinding, kClosed };
 
-    CSmppSession(CKorBase& log, const CSmppParameters& parameters, CSmsDeliveryReports& reports,
+    CSmppSession(CKorBase& log, const SmppSettings& settings, CSmsDeliveryReports& reports,
                  CSmsMessagesX& received, Clock& clock);
 
     void StartBind();
@@ -52,44 +55,49 @@ class CSmppSession {
     bool IsWindowFull() const { return inFlight_.Size() >= Window(); }
 
   private:
-    std::size_t Window() const { return static_cast<std::size_t>(std::max(parameters_->windowSize, 1)); }
+    std::size_t Window() const { return static_cast<std::size_t>(std::max(settings_->windowSize, 1)); }
 
-    struct HeldReceipt {  // came before the response that names its message
-        SmsReceipt receipt;
-        CSmsMessageX message;
-        std::uint32_t since;
+    // Of the PDU being handled.
+    struct Header {
+        std::uint32_t command_id = 0, command_status = 0, sequence_number = 0;
     };
+    struct Handler;
+    static const Handler& HandlerOf(std::uint32_t command);
 
     template <class Pdu>
     void Send(Pdu& pdu, const char* name);
     template <class Pdu>
     void Trace(Pdu& pdu);
     template <class Pdu>
-    void Answer(const char* request, const char* response);
+    void Answer(const char* name);
     std::uint32_t NextSequence();
 
     void Dispatch(std::string_view octets);
-    void OnBindResponse();
+    void OnBindResponse(std::string_view octets);
     void OnSubmitResponse(std::string_view octets);
+    void OnGenericNack(std::string_view octets);
     void OnDeliver(std::string_view octets);
     void OnData(std::string_view octets);
-    template <class Body>
-    CSmsMessageX MessageOf(const Body& body, const std::u16string& text, const CTLVRecords& tlvs) const;
+    void OnEnquireLink(std::string_view octets);
+    void OnEnquireLinkResponse(std::string_view octets);
+    void OnUnbind(std::string_view octets);
+    void OnUnbindResponse(std::string_view octets);
+    void OnUnknown(std::string_view octets);
     void Receive(CSmsMessageX message);
-    bool TakeReceipt(const CSmsMessageX& message);
-    void RetryReceipts(bool expireAll);
 
     void Submit();
     void RecordAnswers();
     void Finish(const SmppInFlight& submit, std::uint32_t status, const std::string& messageId);
+    std::uint32_t KeepAliveInterval() const;
     void KeepAlive();
     void Close(const char* reason);
 
     CKorBase* log_;
-    const CSmppParameters* parameters_;
+    const SmppSettings* settings_;
     CSmsDeliveryReports* reports_;
-    CSmsMessagesX* received_;
     Clock* clock_;
+    SmppReceipts receipts_;
+    SmppPace pace_;
 
     State state_ = State::kIdle;
     ResultCode bindResult_;
@@ -98,9 +106,6 @@ class CSmppSession {
     std::uint32_t unansweredKeepAlives_ = 0;
     std::uint32_t lastKeepAlive_ = 0;
     std::uint32_t lastService_ = 0;
-    std::uint64_t pace_ = 0;   // microticks at which the next message may go
-    std::uint64_t ticks_ = 0;  // ms, not wrapping
-    std::uint32_t lastTick_ = 0;
     std::uint32_t dataReference_ = 0;
 
     std::string input_;
@@ -108,15 +113,9 @@ class CSmppSession {
     SmppSubmitQueue queue_;
     SmppWindow inFlight_;
     std::vector<SubmitAnswer> answers_;  // of the octets being read, recorded together
-    std::deque<HeldReceipt> held_;
 
-    CSmppPdu header_;
+    Header header_;
     CSmppSubmitSmResp submitResp_;
     CSmppDeliverSm deliver_;
     CSmppDeliverSmResp deliverResp_;
 };
-
-// The result code of a command_status that answers a submit_sm.
-ResultCode SubmitResult(std::uint32_t commandStatus);
-// And that of one that answers a bind.
-ResultCode BindResultOf(std::uint32_t commandStatus);

@@ -1,75 +1,56 @@
 #include "smpp/SmppSubmit.h"
 
+#include "Common/GsmPdu/HeaderElements.h"
 #include "Common/GsmPdu/Septets.h"
 #include "foundation/Addresses.h"
-#include "foundation/ErrorTexts.h"
 #include "foundation/Hex.h"
-#include "foundation/Text.h"
 #include "smpp/SmppCharSet.h"
+#include "sms/MessageFormats.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
+#include <string_view>
 
 namespace {
 
-constexpr std::uint8_t kData = 0x04;
-constexpr std::uint8_t kUcs2 = 0x08;
-constexpr std::uint8_t kHeaderIndicator = 0x40;
-constexpr std::int32_t kMostParts = 255;
+constexpr std::uint8_t kHeaderIndicator = 0x40;  // of esm_class
+constexpr std::uint8_t kInternational = 1;       // type of number
+constexpr std::uint8_t kIsdn = 1;                // numbering plan
+constexpr std::int32_t kSeptetsPerMessage = 160;
+constexpr std::int32_t kOctetsPerMessage = 140;
+constexpr std::int32_t kUcs2Size = 2;
+constexpr std::uint32_t kReferenceMemory = 128;  // ms, half of what the references of one octet tell apart
 
-std::uint8_t CodingOf(const CSmsMessageX& message, std::int32_t charSet) {
+std::uint8_t CodingOf(const CSmsMessageX& message, const MessageFormat& format, std::int32_t charSet) {
     if (message.DCS != CSmsMessageX::kNotSet) return static_cast<std::uint8_t>(message.DCS);
-    switch (message.Format) {
-        case sms::asMESSAGEFORMAT_TEXT_FLASH:
-        case sms::asMESSAGEFORMAT_TEXT_MULTIPART_FLASH:
-            return 0x10;
-        case sms::asMESSAGEFORMAT_DATA:
-        case sms::asMESSAGEFORMAT_DATA_UDH:
-            return 0xF5;
-        case sms::asMESSAGEFORMAT_UNICODE:
-        case sms::asMESSAGEFORMAT_UNICODE_MULTIPART:
-            return 0x08;
-        case sms::asMESSAGEFORMAT_UNICODE_FLASH:
-        case sms::asMESSAGEFORMAT_UNICODE_MULTIPART_FLASH:
-            return 0x18;
-        default:
-            return smppcharset::CodingOf(charSet);
-    }
+    const bool isPlainText = format.alphabet == Alphabet::kGsm && !format.flash;
+    return isPlainText ? smppcharset::CodingOf(charSet) : format.Dcs();
 }
 
-bool IsDataFormat(std::int32_t format) {
-    return format == sms::asMESSAGEFORMAT_DATA || format == sms::asMESSAGEFORMAT_DATA_UDH;
-}
-
-std::string HexOctets(std::u16string_view body) {
-    std::string octets(body.size() / 2, '\0');
-    for (std::size_t i = 0; i < octets.size(); ++i) {
-        octets[i] = static_cast<char>(hex::Value(body[2 * i]) << 4 | hex::Value(body[2 * i + 1]));
-    }
-    return octets;
-}
-
-std::string Ucs2Octets(std::u16string_view body) {
+std::string Ucs2Octets(std::u16string_view text) {
     std::string octets;
-    octets.reserve(2 * body.size());
-    for (const char16_t c : body) {
+    octets.reserve(kUcs2Size * text.size());
+    for (const char16_t c : text) {
         octets.push_back(static_cast<char>(c >> 8));
         octets.push_back(static_cast<char>(c));
     }
     return octets;
 }
 
-// An address as it goes out: a leading "+" makes it international.
+std::uint8_t OctetOr(std::int32_t value, std::int32_t fallback) {
+    return static_cast<std::uint8_t>(value != CSmsMessageX::kNotSet ? value : fallback);
+}
+
+// An address as it goes out: a leading "+" makes it international, whatever is set.
 struct Address {
-    std::string digits;
+    std::string_view digits;
     std::uint8_t ton, npi;
 };
 
-Address AddressOf(const std::string& text, std::int32_t ton, std::int32_t npi, std::int32_t defaultTon,
-                  std::int32_t defaultNpi) {
-    if (text.starts_with('+')) return {text.substr(1), 1, 1};
-    return {text, static_cast<std::uint8_t>(ton == CSmsMessageX::kNotSet ? defaultTon : ton),
-            static_cast<std::uint8_t>(npi == CSmsMessageX::kNotSet ? defaultNpi : npi)};
+Address AddressOf(std::string_view text, std::uint8_t ton, std::uint8_t npi) {
+    if (text.starts_with('+')) return {text.substr(1), kInternational, kIsdn};
+    return {text, ton, npi};
 }
 
 }  // namespace
@@ -84,61 +65,113 @@ std::string SmppValidity(std::int32_t minutes, bool relative, Clock& clock) {
     return text.data();
 }
 
-ResultCode SmppSubmitBuilder::Build(const CSmppParameters& parameters, const CSmsMessageX& message,
+// The body as it goes out.
+struct SmppSubmitBuilder::Body {
+    std::uint8_t coding = 0;
+    Alphabet alphabet = Alphabet::kGsm;  // what the room of a part is counted in
+    std::string octets;                  // one a character, two for UCS-2
+    std::string callerHeader;            // elements that the caller has put before the data
+
+    // Octets of the body in a part whose header takes so many octets, its length included.
+    std::int32_t Room(std::size_t header) const {
+        const auto size = static_cast<std::int32_t>(header);
+        switch (alphabet) {
+            case Alphabet::kOctets:
+                return kOctetsPerMessage - size;
+            case Alphabet::kUcs2:
+                return (kOctetsPerMessage - size) / kUcs2Size * kUcs2Size;
+            default:
+                return kSeptetsPerMessage - static_cast<std::int32_t>(septets::HeaderSeptets(header));
+        }
+    }
+};
+
+// How the body is divided.
+struct SmppSubmitBuilder::Layout {
+    std::size_t parts = 1;
+    std::size_t room = 0;        // octets of the body in a part
+    std::uint8_t reference = 0;  // of the parts, when there are several
+    std::uint32_t port = 0;      // destination; 0 = none
+    std::size_t headerSize = 0;  // octets of the elements
+};
+
+ResultCode SmppSubmitBuilder::Build(const SmppSettings& settings, const CSmsMessageX& message,
                                     std::vector<std::string>& pdus) {
-    if (parameters.systemMode == static_cast<std::int32_t>(BindMode::kReceiver))
+    if (settings.systemMode == static_cast<std::int32_t>(BindMode::kReceiver))
         return result::SmppReceiverOnly;
     if (!address::IsNumber(message.Recipient)) return result::InvalidRecipient;
-    const std::uint8_t coding = CodingOf(message, parameters.charSet);
-    const bool data = IsDataFormat(message.Format);
-    const bool ucs2 = !data && (coding & kUcs2) != 0;
-    std::string body = data   ? HexOctets(message.Data)
-                       : ucs2 ? Ucs2Octets(message.Data)
-                              : smppcharset::Encode(message.Data, parameters.charSet);
-    std::string callerHeader;
-    if (message.Format == sms::asMESSAGEFORMAT_DATA_UDH && !body.empty()) {
-        const std::size_t size = std::min<std::size_t>(static_cast<std::uint8_t>(body[0]), body.size() - 1);
-        callerHeader = body.substr(1, size);
-        body.erase(0, 1 + size);
-    }
-    std::string portElement;
-    if (message.DestinationPort != 0) {
-        portElement = {0x05,
-                       0x04,
-                       static_cast<char>(message.DestinationPort >> 8),
-                       static_cast<char>(message.DestinationPort),
-                       0,
-                       0};
-    }
-    // Octets of text in one part, with a header of the given octets.
-    const auto capacity = [&](std::size_t header) -> std::int32_t {
-        const auto h = static_cast<std::int32_t>(header);
-        if (data || (coding & kData) != 0) return 140 - h;
-        if (ucs2) return (140 - h) / 2 * 2;
-        return 160 - static_cast<std::int32_t>(septets::HeaderSeptets(header));
-    };
-    std::size_t header = callerHeader.size() + portElement.size();
-    if (header != 0) ++header;
-    std::int32_t room = capacity(header);
-    std::int32_t parts = 1;
-    if (static_cast<std::int32_t>(body.size()) > room) {
-        room = capacity(header + (header == 0 ? 6 : 5));
-        if (room < 1) return result::MessageTooLong;
-        parts = (static_cast<std::int32_t>(body.size()) + room - 1) / room;
-    }
-    if (room < 0 || parts > kMostParts) return result::MessageTooLong;
-    auto reference = static_cast<std::uint8_t>(clock_->Ticks() % 65535);
-    if (parts > 1) {
-        if (reference == lastReference_) ++reference;  // two messages of one tick are told apart
-        lastReference_ = reference;
-    }
+    const Body body = ReadBody(message, settings.charSet);
+    Layout layout;
+    layout.port = message.DestinationPort;
+    if (const ResultCode code = DivideIntoParts(body, layout); code != result::Success) return code;
+    PutFields(settings, message, body.coding);
+    pdus.resize(layout.parts);
+    for (std::size_t part = 0; part < layout.parts; ++part) EncodePart(body, layout, part, pdus[part]);
+    return result::Success;
+}
 
-    pdus.resize(static_cast<std::size_t>(parts));
-    const std::string& senderText = message.Sender.empty() ? parameters.sourceAddress : message.Sender;
-    const Address source = AddressOf(senderText, message.SourceTON, message.SourceNPI, parameters.sourceTon,
-                                     parameters.sourceNpi);
-    const Address target = AddressOf(message.Recipient, message.DestinationTON, message.DestinationNPI,
-                                     parameters.destinationTon, parameters.destinationNpi);
+SmppSubmitBuilder::Body SmppSubmitBuilder::ReadBody(const CSmsMessageX& message, std::int32_t charSet) {
+    const MessageFormat& format = FormatOf(message.Format);
+    Body body;
+    body.coding = CodingOf(message, format, charSet);
+    if (format.alphabet == Alphabet::kOctets) {
+        body.alphabet = Alphabet::kOctets;
+        body.octets = hex::OctetsOf(std::u16string_view(message.Data));
+    } else if ((body.coding & smppcharset::kUcs2) != 0) {
+        body.alphabet = Alphabet::kUcs2;
+        body.octets = Ucs2Octets(message.Data);
+    } else {
+        if ((body.coding & smppcharset::kData) != 0) body.alphabet = Alphabet::kOctets;
+        body.octets = smppcharset::Encode(message.Data, charSet);
+    }
+    if (message.Format == sms::asMESSAGEFORMAT_DATA_UDH && !body.octets.empty()) {
+        const std::size_t size = static_cast<std::uint8_t>(body.octets.front());
+        body.callerHeader = body.octets.substr(1, size);
+        body.octets.erase(0, 1 + size);
+    }
+    return body;
+}
+
+ResultCode SmppSubmitBuilder::DivideIntoParts(const Body& body, Layout& layout) {
+    layout.headerSize = body.callerHeader.size() + (layout.port != 0 ? udh::kPortsSize : 0);
+    const auto room = [&] { return body.Room(layout.headerSize != 0 ? 1 + layout.headerSize : 0); };
+    const auto length = static_cast<std::int32_t>(body.octets.size());
+    std::int32_t size = room();
+    if (length > size) {
+        layout.headerSize += udh::kConcatenationSize;
+        size = room();
+        if (size < 1) return result::MessageTooLong;
+        const std::int32_t parts = (length + size - 1) / size;
+        if (parts > udh::kMostParts) return result::MessageTooLong;
+        layout.parts = static_cast<std::size_t>(parts);
+        layout.reference = NextReference();
+    }
+    layout.room = static_cast<std::size_t>(size);
+    return result::Success;
+}
+
+// From the tick counter, but always ahead of one that was given a moment ago.
+std::uint8_t SmppSubmitBuilder::NextReference() {
+    const std::uint32_t now = clock_->Ticks();
+    auto reference = static_cast<std::uint8_t>(now % 65535);
+    const auto ahead = static_cast<std::int8_t>(reference - lastReference_);
+    if (ahead == 0 || (ahead < 0 && now - lastReferenceTick_ < kReferenceMemory)) {
+        reference = static_cast<std::uint8_t>(lastReference_ + 1);
+    }
+    lastReference_ = reference;
+    lastReferenceTick_ = now;
+    return reference;
+}
+
+// What all parts have in common.
+void SmppSubmitBuilder::PutFields(const SmppSettings& settings, const CSmsMessageX& message,
+                                  std::uint8_t coding) {
+    const Address source = AddressOf(message.Sender.empty() ? settings.sourceAddress : message.Sender,
+                                     OctetOr(message.SourceTON, settings.sourceTon),
+                                     OctetOr(message.SourceNPI, settings.sourceNpi));
+    const Address target =
+        AddressOf(message.Recipient, OctetOr(message.DestinationTON, settings.destinationTon),
+                  OctetOr(message.DestinationNPI, settings.destinationNpi));
     pdu_.service_type = message.ServiceType;
     pdu_.source_addr_ton = source.ton;
     pdu_.source_addr_npi = source.npi;
@@ -146,32 +179,33 @@ ResultCode SmppSubmitBuilder::Build(const CSmppParameters& parameters, const CSm
     pdu_.dest_addr_ton = target.ton;
     pdu_.dest_addr_npi = target.npi;
     pdu_.destination_addr = target.digits;
-    pdu_.esm_class =
-        message.ESM == CSmsMessageX::kNotSet ? std::uint8_t{0} : static_cast<std::uint8_t>(message.ESM);
-    pdu_.protocol_id =
-        message.PID == CSmsMessageX::kNotSet ? std::uint8_t{0} : static_cast<std::uint8_t>(message.PID);
-    pdu_.validity_period = SmppValidity(message.ValidityPeriod, parameters.relativeValidity, *clock_);
+    pdu_.esm_class = OctetOr(message.ESM, 0);
+    pdu_.protocol_id = OctetOr(message.PID, 0);
+    pdu_.validity_period = SmppValidity(message.ValidityPeriod, settings.relativeValidity, *clock_);
     pdu_.registered_delivery = message.RequestDeliveryStatus ? 1 : 0;
     pdu_.data_coding = coding;
     pdu_.tlvs = message.TlvRecords;
-    for (std::int32_t part = 0; part < parts; ++part) {
-        std::string elements;
-        if (parts > 1) {
-            elements = {0x00, 0x03, static_cast<char>(reference), static_cast<char>(parts),
-                        static_cast<char>(part + 1)};
-        }
-        elements += portElement + callerHeader;
-        pdu_.short_message.clear();
-        if (!elements.empty()) {
-            pdu_.esm_class |= kHeaderIndicator;
-            pdu_.short_message = static_cast<char>(elements.size()) + elements;
-        }
-        pdu_.short_message += std::string_view(body).substr(
-            std::min(body.size(), static_cast<std::size_t>(part) * static_cast<std::size_t>(room)),
-            static_cast<std::size_t>(room));
-        pdu_.Encode();
-        const auto octets = pdu_.Data();
-        pdus[static_cast<std::size_t>(part)].assign(octets.begin(), octets.end());
+}
+
+// The elements of the header stand in this order: concatenation, port, the caller's own.
+void SmppSubmitBuilder::EncodePart(const Body& body, const Layout& layout, std::size_t part,
+                                   std::string& octets) {
+    std::string& text = pdu_.short_message;
+    text.clear();
+    const auto put = [&text](const auto& element) { text.append(element.begin(), element.end()); };
+    if (layout.headerSize != 0) {
+        pdu_.esm_class |= kHeaderIndicator;
+        text.push_back(static_cast<char>(layout.headerSize));
     }
-    return result::Success;
+    if (layout.parts > 1) {
+        put(udh::Concatenation(layout.reference, static_cast<std::uint8_t>(layout.parts),
+                               static_cast<std::uint8_t>(part + 1)));
+    }
+    if (layout.port != 0) put(udh::Ports(static_cast<std::uint16_t>(layout.port), 0));
+    text += body.callerHeader;
+    text +=
+        std::string_view(body.octets).substr(std::min(body.octets.size(), part * layout.room), layout.room);
+    pdu_.Encode();
+    const auto encoded = pdu_.Data();
+    octets.assign(encoded.begin(), encoded.end());
 }

@@ -51,26 +51,26 @@ class SmsProtocolSmppAuto final : public ProviderAuto<SmsChannelAuto<ISmsProtoco
         engine_.SetFailureHandler([this](ResultCode code) { SetLastError(code); });
     }
 
-    AUTO_TEXT(Server, engine_.parameters.server)
-    AUTO_NUMBER(ServerPort, engine_.parameters.serverPort)
-    AUTO_NUMBER(ServerTimeout, engine_.parameters.serverTimeout)
-    AUTO_NUMBER(ServerKeepAlive, engine_.parameters.serverKeepAlive)
-    AUTO_TEXT(SystemID, engine_.parameters.systemId)
-    AUTO_TEXT(SystemPassword, engine_.parameters.systemPassword)
-    AUTO_TEXT(SystemType, engine_.parameters.systemType)
-    AUTO_NUMBER(SystemMode, engine_.parameters.systemMode)
-    AUTO_NUMBER(SystemVersion, engine_.parameters.systemVersion)
-    AUTO_TEXT(SystemSourceAddress, engine_.parameters.sourceAddress)
-    AUTO_NUMBER(SystemSourceTON, engine_.parameters.sourceTon)
-    AUTO_NUMBER(SystemSourceNPI, engine_.parameters.sourceNpi)
-    AUTO_NUMBER(SystemDestinationTON, engine_.parameters.destinationTon)
-    AUTO_NUMBER(SystemDestinationNPI, engine_.parameters.destinationNpi)
-    AUTO_NUMBER(SystemThroughput, engine_.parameters.throughput)
-    AUTO_NUMBER(SystemCharSet, engine_.parameters.charSet)
-    AUTO_TEXT(AddressRange, engine_.parameters.addressRange)
-    AUTO_NUMBER(DeliveryReportFormat, engine_.parameters.reportFormat)
-    AUTO_TEXT(sysTLVRecordsTX, engine_.parameters.transmitTlvs)
-    AUTO_TEXT(sysTLVRecordsRX, engine_.parameters.receiveTlvs)
+    AUTO_TEXT(Server, engine_.settings.server)
+    AUTO_NUMBER(ServerPort, engine_.settings.serverPort)
+    AUTO_NUMBER(ServerTimeout, engine_.settings.serverTimeout)
+    AUTO_NUMBER(ServerKeepAlive, engine_.settings.serverKeepAlive)
+    AUTO_TEXT(SystemID, engine_.settings.systemId)
+    AUTO_TEXT(SystemPassword, engine_.settings.systemPassword)
+    AUTO_TEXT(SystemType, engine_.settings.systemType)
+    AUTO_NUMBER(SystemMode, engine_.settings.systemMode)
+    AUTO_NUMBER(SystemVersion, engine_.settings.systemVersion)
+    AUTO_TEXT(SystemSourceAddress, engine_.settings.sourceAddress)
+    AUTO_NUMBER(SystemSourceTON, engine_.settings.sourceTon)
+    AUTO_NUMBER(SystemSourceNPI, engine_.settings.sourceNpi)
+    AUTO_NUMBER(SystemDestinationTON, engine_.settings.destinationTon)
+    AUTO_NUMBER(SystemDestinationNPI, engine_.settings.destinationNpi)
+    AUTO_NUMBER(SystemThroughput, engine_.settings.throughput)
+    AUTO_NUMBER(SystemCharSet, engine_.settings.charSet)
+    AUTO_TEXT(AddressRange, engine_.settings.addressRange)
+    AUTO_NUMBER(DeliveryReportFormat, engine_.settings.reportFormat)
+    AUTO_TEXT(sysTLVRecordsTX, engine_.settings.transmitTlvs)
+    AUTO_TEXT(sysTLVRecordsRX, engine_.settings.receiveTlvs)
     AUTO_FLAG_READ(IsConnected, engine_.IsConnected())
 
     STDMETHODIMP Connect() noexcept override {
@@ -90,14 +90,14 @@ class SmsProtocolSmppAuto final : public ProviderAuto<SmsChannelAuto<ISmsProtoco
             record.tag = static_cast<std::uint32_t>(lTag);
             record.type = static_cast<TLVType>(lType);
             if (!TakeValue(vtValue, record)) return result::InvalidParameter;
-            engine_.parameters.transmitTlvs.AddOrReplace(std::move(record));
+            engine_.settings.transmitTlvs.AddOrReplace(std::move(record));
             return result::Success;
         });
     }
     STDMETHODIMP GetTLVValue(LONG lTag, VARIANT* pVal) noexcept override {
         return Output(pVal, [&](VariantOwner& value) {
             if (lTag < 1 || lTag > 0xFFFF) return result::TlvInvalidTag;
-            const CTLVRecord* record = engine_.parameters.receiveTlvs.Find(static_cast<std::uint32_t>(lTag));
+            const CTLVRecord* record = engine_.settings.receiveTlvs.Find(static_cast<std::uint32_t>(lTag));
             if (record == nullptr) return result::TlvNotFound;
             *value.Receive() = ValueOf(*record);
             return result::Success;
@@ -124,10 +124,10 @@ class SmsProtocolSmppAuto final : public ProviderAuto<SmsChannelAuto<ISmsProtoco
   private:
     ResultCode Prepare(VARIANT* from, CSmsMessageX& message) override {
         if (CopyFromAutomation(from, message) != result::Success) return result::InvalidSmsMessage;
-        message.TlvRecords = engine_.parameters.transmitTlvs;
+        message.TlvRecords = engine_.settings.transmitTlvs;
         return result::Success;
     }
-    void Giving(const CSmsMessageX& message) override { engine_.parameters.receiveTlvs = message.TlvRecords; }
+    void Giving(const CSmsMessageX& message) override { engine_.settings.receiveTlvs = message.TlvRecords; }
     void WalkEnded() override { engine_.Received().RemoveRead(); }  // the caller has seen them all
 };
 

@@ -107,12 +107,20 @@ TEST(SmppPdu, TlvsAreWrittenByTheirType) {
     CTLVRecord number{.tag = 0x0204, .type = TLVType::kWord};
     number.SetInteger(0x12345);
     pdu.tlvs.AddOrReplace(number);
+    CTLVRecord large{.tag = 0x1401, .type = TLVType::kLong};
+    large.SetInteger(0x12345678);
+    pdu.tlvs.AddOrReplace(large);
+    CTLVRecord small{.tag = 0x0427, .type = TLVType::kByte};
+    small.SetInteger(0x1FE);
+    pdu.tlvs.AddOrReplace(small);
     pdu.tlvs.AddOrReplace({.tag = 0x001E, .type = TLVType::kCOctet, .text = u"AB"});
     pdu.tlvs.AddOrReplace({.tag = 0x1400, .type = TLVType::kUnicode, .text = u"\u4E2D"});
     pdu.tlvs.AddOrReplace({.tag = 0x0424, .type = TLVType::kOctet, .text = u"\u00FF"});
     pdu.Encode();
     EXPECT_EQ(HexOf(pdu.Data().subspan(17)),
               "020400022345"
+              "1401000412345678"
+              "04270001FE"
               "001E0003414200"
               "140000024E2D"
               "04240001FF");
@@ -188,7 +196,7 @@ class Submit : public testing::Test {
   protected:
     std::vector<std::unique_ptr<CSmppSubmitSm>> Build() {
         std::vector<std::string> octets;
-        code = builder.Build(parameters, message, octets);
+        code = builder.Build(settings, message, octets);
         std::vector<std::unique_ptr<CSmppSubmitSm>> pdus;
         for (const std::string& one : octets) {
             auto pdu = std::make_unique<CSmppSubmitSm>();
@@ -205,15 +213,15 @@ class Submit : public testing::Test {
 
     VirtualClock clock;
     SmppSubmitBuilder builder{clock};
-    CSmppParameters parameters;
+    SmppSettings settings;
     CSmsMessageX message;
     ResultCode code;
 };
 
 TEST_F(Submit, AddressesTakeTheirDefaults) {
-    parameters.sourceAddress = "1234";
-    parameters.sourceTon = 3;
-    parameters.destinationTon = 5;
+    settings.sourceAddress = "1234";
+    settings.sourceTon = 3;
+    settings.destinationTon = 5;
     auto pdus = Build();
     EXPECT_EQ(pdus[0]->source_addr, "1234");
     EXPECT_EQ(pdus[0]->source_addr_ton, 3);
@@ -231,7 +239,7 @@ TEST_F(Submit, AddressesTakeTheirDefaults) {
     message.Recipient = "12x";
     Build();
     EXPECT_EQ(code, 34031);
-    parameters.systemMode = 2;
+    settings.systemMode = 2;
     Build();
     EXPECT_EQ(code, 33208);
 }
@@ -272,6 +280,20 @@ TEST_F(Submit, LongMessagesAreSplit) {
     EXPECT_EQ(pdus[1]->short_message.substr(4, 2), std::string("\x02\x02"));
 }
 
+TEST_F(Submit, MessagesSplitInOneMomentAreToldApart) {
+    message.Data = std::u16string(161, u'x');
+    std::vector<std::uint8_t> references;
+    for (const std::uint32_t pause : {300, 0, 0, 1, 1, 100, 256}) {
+        clock.Sleep(pause);
+        const auto pdus = Build();
+        ASSERT_EQ(pdus.size(), 2U);
+        EXPECT_EQ(pdus[0]->short_message[3], pdus[1]->short_message[3]);
+        references.push_back(static_cast<std::uint8_t>(pdus[0]->short_message[3]));
+    }
+    // Ticks 300, 300, 300, 301, 302, 402 and 658, of which the low octet is taken.
+    EXPECT_EQ(references, (std::vector<std::uint8_t>{44, 45, 46, 47, 48, 146, 147}));
+}
+
 TEST_F(Submit, CodingComesFromFormatOrCharacterSet) {
     struct Row {
         std::int32_t format, charSet;
@@ -293,7 +315,7 @@ TEST_F(Submit, CodingComesFromFormatOrCharacterSet) {
              Row{11, 0, u"0605040B8423F0AB", 0xF5, "0605040B8423F0AB"},
          }) {
         message.Format = row.format;
-        parameters.charSet = row.charSet;
+        settings.charSet = row.charSet;
         message.Data = row.text;
         const auto pdus = Build();
         ASSERT_EQ(pdus.size(), 1U);

@@ -1,8 +1,8 @@
-// The session as a machine: scripted octets in, octets and events out, in virtual time. And the protocol with
-// its worker thread over a socket that only answers.
+// The session as a machine: scripted octets in, octets and events out, in virtual time.
 #include "foundation/ErrorTexts.h"
-#include "smpp/SmppProtocol.h"
+#include "foundation/Text.h"
 #include "smpp/SmppSession.h"
+#include "support/TemporaryFolder.h"
 #include "support/VirtualClock.h"
 
 #include <gtest/gtest.h>
@@ -65,24 +65,24 @@ class Session : public testing::Test {
 
     VirtualClock clock;
     CKorBase log{"Test", clock};
-    CSmppParameters parameters;
+    SmppSettings settings;
     CSmsDeliveryReports reports{clock};
     CSmsMessagesX received{clock, 3600};
-    CSmppSession session{log, parameters, reports, received, clock};
+    CSmppSession session{log, settings, reports, received, clock};
 };
 
 TEST_F(Session, BindResponsesHaveTheirCodes) {
     for (const auto& [status, code] :
          {std::pair{0x0DU, 33202}, {0x0EU, 33204}, {0x0FU, 33203}, {0x99U, 33202}}) {
-        CSmppSession other(log, parameters, reports, received, clock);
+        CSmppSession other(log, settings, reports, received, clock);
         other.StartBind();
         other.OnBytes(Pdu(0x80000009, status, 1));
         EXPECT_EQ(other.GetState(), CSmppSession::State::kClosed);
         EXPECT_EQ(other.BindResult(), code);
     }
     for (const auto& [mode, command] : {std::pair{1, '\x02'}, {2, '\x01'}, {0, '\x09'}, {7, '\x09'}}) {
-        parameters.systemMode = mode;
-        CSmppSession other(log, parameters, reports, received, clock);
+        settings.systemMode = mode;
+        CSmppSession other(log, settings, reports, received, clock);
         other.StartBind();
         EXPECT_EQ(other.Output()[7], command);
     }
@@ -106,7 +106,7 @@ TEST_F(Session, AnswersTheServerAlsoBeforeTheBindAndOctetByOctet) {
 
 TEST_F(Session, LengthsOutOfRangeEndTheSession) {
     for (const char* octets : {"\x00\x00\x00\x0F", "\x00\x01\x00\x01", "\xFF\xFF\xFF\xFF", "HTTP"}) {
-        CSmppSession other(log, parameters, reports, received, clock);
+        CSmppSession other(log, settings, reports, received, clock);
         other.StartBind();
         other.OnBytes({octets, 4});
         EXPECT_EQ(other.GetState(), CSmppSession::State::kClosed);
@@ -114,7 +114,7 @@ TEST_F(Session, LengthsOutOfRangeEndTheSession) {
 }
 
 TEST_F(Session, TheWindowBoundsWhatIsUnanswered) {
-    parameters.windowSize = 3;
+    settings.windowSize = 3;
     Bind();
     for (int i = 0; i < 5; ++i) Queue(std::to_string(i));
     session.OnTick();
@@ -154,7 +154,7 @@ TEST_F(Session, SubmitStatusesBecomeResults) {
 
 TEST_F(Session, UnansweredSubmitsExpireAfterTwentySeconds) {
     Bind();
-    parameters.serverKeepAlive = 0;
+    settings.serverKeepAlive = 0;
     Queue("a");
     session.OnTick();
     clock.Sleep(19'999);
@@ -170,7 +170,7 @@ TEST_F(Session, UnansweredSubmitsExpireAfterTwentySeconds) {
 TEST_F(Session, TenUnansweredKeepAlivesEndTheSession) {
     Bind();
     Queue("waiting");
-    parameters.windowSize = 1;
+    settings.windowSize = 1;
     for (int i = 0; i < 10; ++i) {
         clock.Sleep(30'000);
         session.OnTick();
@@ -233,7 +233,7 @@ TEST_F(Session, ReceiptsByTlv) {
 }
 
 TEST_F(Session, NothingVanishesWhenTheSessionDies) {
-    parameters.windowSize = 1;
+    settings.windowSize = 1;
     Bind();
     Queue("sent");
     Queue("queued");
@@ -244,39 +244,110 @@ TEST_F(Session, NothingVanishesWhenTheSessionDies) {
 }
 
 TEST_F(Session, ThroughputSpacesTheMessages) {
-    parameters.throughput = 10;
-    parameters.windowSize = 1000;
-    parameters.serverKeepAlive = 0;
+    settings.throughput = 10;
+    settings.windowSize = 1000;
+    settings.serverKeepAlive = 0;
     Bind();
     for (int i = 0; i < 100; ++i) Queue(std::to_string(i));
-    for (int ms = 0; ms < 3000; ++ms) {
-        session.OnTick();
-        clock.Sleep(1);
-    }
-    const std::size_t sent = TakeOutput().size();
-    EXPECT_GE(sent, 30U);
-    EXPECT_LE(sent, 31U);
+    std::vector<std::uint32_t> times;
+    const auto run = [&](std::uint32_t until) {
+        for (; clock.Ticks() < until; clock.Sleep(1)) {
+            session.OnTick();
+            if (!TakeOutput().empty()) times.push_back(clock.Ticks());
+        }
+    };
+    run(301);
+    EXPECT_EQ(times, (std::vector<std::uint32_t>{0, 100, 200, 300}));
+    times.clear();
+    clock.Sleep(10'000 - clock.Ticks());  // a pause does not save up more than 10 ms
+    run(10'300);
+    EXPECT_EQ(times, (std::vector<std::uint32_t>{10'000, 10'090, 10'190, 10'290}));
 }
 
-// --- the protocol's own checks; no server is needed
-
-TEST(SmppProtocol, RefusesWhatCannotBeConnected) {
-    CSmppProtocol smpp;
-    for (const std::int32_t port : {0, -1, 65536}) {
-        smpp.parameters.serverPort = port;
-        EXPECT_EQ(smpp.Connect(), 22019);
+TEST_F(Session, SleepsUntilTheNextMessageMayGo) {
+    settings.windowSize = 3;
+    Bind();
+    EXPECT_EQ(session.NextTick(), 1000U);  // nothing to do
+    settings.throughput = 10;
+    for (int i = 0; i < 4; ++i) Queue(std::to_string(i));
+    EXPECT_EQ(session.NextTick(), 1U);
+    struct Row {
+        std::uint32_t sleep;
+        std::size_t sent;
+        std::uint32_t next;
+    };
+    for (const Row& row : {Row{0, 1, 101}, {40, 0, 61}, {60, 1, 101}, {99, 0, 2}, {1, 1, 1000}}) {
+        clock.Sleep(row.sleep);
+        session.OnTick();
+        EXPECT_EQ(TakeOutput().size(), row.sent);
+        EXPECT_EQ(session.NextTick(), row.next);  // in the end the window is full
     }
-    smpp.parameters.serverPort = 1;
-    EXPECT_EQ(smpp.Connect(), 22021);
-    smpp.parameters.server = "127.0.0.1";  // nothing listens there
-    smpp.parameters.serverTimeout = 2000;
-    EXPECT_EQ(smpp.Connect(), 33201);
-    EXPECT_FALSE(smpp.IsConnected());
-    std::string references;
-    EXPECT_EQ(smpp.Send({}, references), 33205);
-    CSmsDeliveryReport report;
-    EXPECT_EQ(smpp.QueryStatus("", false, report), 34050);
-    EXPECT_EQ(smpp.QueryStatus("x", true, report), 33061);
+    settings.throughput = 0;
+    Response(2, "A");
+    EXPECT_EQ(session.NextTick(), 1000U);
+}
+
+TEST_F(Session, EachKeepAliveIsDueAnIntervalAfterTheLast) {
+    session.StartBind();
+    TakeOutput();
+    clock.Sleep(5000);  // the bind counts as the first
+    session.OnBytes(Pdu(0x80000009, 0, 1, std::string("lab\0", 4)));
+    std::vector<std::uint32_t> times;
+    for (; clock.Ticks() <= 95'000; clock.Sleep(1000)) {
+        session.OnTick();
+        if (!TakeOutput().empty()) times.push_back(clock.Ticks());
+    }
+    EXPECT_EQ(times, (std::vector<std::uint32_t>{35'000, 65'000, 95'000}));
+}
+
+TEST_F(Session, NoReceiptIsLostWhenTooManyAreHeld) {
+    using namespace std::string_literals;
+    Bind();
+    Queue("unanswered");
+    session.OnTick();
+    for (int i = 0; i < 257; ++i) {
+        std::string pdu =
+            Deliver(60, "", 4) + "\x00\x1E\x00\x04"s + std::to_string(100 + i) + "\0\x04\x27\x00\x01\x02"s;
+        pdu[3] = static_cast<char>(pdu.size());
+        session.OnBytes(pdu);
+    }
+    EXPECT_EQ(received.Count(), 1U);
+    session.OnClosed();
+    EXPECT_EQ(received.Count(), 257U);
+}
+
+TEST_F(Session, LogsEachCommandByItsName) {
+    const TemporaryFolder folder;
+    settings.dumpFlags = 0;
+    struct Row {
+        std::uint32_t command;
+        std::string lines;
+    };
+    for (const Row& row : {
+             Row{0x80000001, "Receiving [bind_receiver_resp]...\n"},
+             Row{0x80000002, "Receiving [bind_transmitter_resp]...\n"},
+             Row{0x80000009, "Receiving [bind_transceiver_resp]...\n"},
+             Row{0x80000004, "Receiving [submit_sm_resp]...\n|Message Reference []\n"},
+             Row{0x80000015, "Receiving [enquire_link_resp]...\n"},
+             Row{0x80000006, "Receiving [unbind_resp]...\n"},
+             Row{0x80000000, "Receiving [generic_nack]...\n"},
+             Row{0x15, "Receiving [enquire_link]...\n|Sending [enquire_link_resp]...\n"},
+             Row{0x05, "Receiving [deliver_sm]...\n|Sending [deliver_sm_resp]...\n"},
+             Row{0x103, "Receiving [data_sm]...\n|Sending [data_sm_resp]...\n"},
+             Row{0x06, "Receiving [unbind]...\n|Sending [unbind_resp]...\n|Server has unbound the session\n"},
+             Row{0x99, "Receiving [unknown pdu]...\n|Sending [generic_nack]...\n"},
+         }) {
+        CSmppSession other(log, settings, reports, received, clock);
+        other.StartBind();
+        const std::string file = folder.File(std::to_string(row.command));
+        log.SetLogFile(file);
+        other.OnBytes(Pdu(row.command, 0, 1));
+        log.SetLogFile({});
+        std::string expected;
+        for (const std::string_view line : Split(row.lines, "|"))
+            expected += "[22:13:20]  " + std::string(line) + "\n";
+        EXPECT_EQ(TemporaryFolder::Read(file), expected);
+    }
 }
 
 }  // namespace

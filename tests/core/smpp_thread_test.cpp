@@ -15,8 +15,8 @@ TEST(SmppThreads, ManyMessagesFromTheCallersThreadAllGetTheirResult) {
     const TemporaryFolder folder;
     for (int round = 0; round < 3; ++round) {
         CSmppProtocol smpp;
-        smpp.parameters.server = "127.0.0.1";
-        smpp.parameters.serverPort = sink.Port();
+        smpp.settings.server = "127.0.0.1";
+        smpp.settings.serverPort = sink.Port();
         ASSERT_EQ(smpp.Connect(), 0);
         CSmsMessageX message;
         message.Recipient = "+31612345678";

@@ -1,18 +1,5 @@
 #include "foundation/net/KorTcpSocket.h"
 
-#include <algorithm>
-
-namespace {
-constexpr std::uint32_t kPollPause = 1;
-constexpr std::size_t kGrowth = 1024;
-constexpr std::size_t kLargestBuffer = 0xFFFFFC00;
-
-int TimedOut(const Timer& total, const Timer& idle, int otherwise) {
-    if (total.Expired()) return tcp::kTotalTimedOut;
-    return idle.Expired() ? tcp::kIdleTimedOut : otherwise;
-}
-}  // namespace
-
 int CKorTcpSocket::Connect(const std::string& host, std::uint16_t port, std::uint32_t timeout) {
     if (IsConnected()) return tcp::kSuccess;
     if (!started_) {
@@ -30,113 +17,16 @@ int CKorTcpSocket::Connect(const std::string& host, std::uint16_t port, std::uin
     if (const int error = net::Resolve(host, address, text); error != 0) return fail(error);
     const int error = net::Connect(socket_, address, port);
     if (error != 0 && error != net::kWouldBlock) return fail(error);
-    if (!net::WaitConnected(socket_, timeout)) return fail(tcp::kConnectTimedOut);
+    if (!Await(timeout, [this] { return net::HasConnectEnded(socket_); })) return fail(tcp::kConnectTimedOut);
     peer_ = text + ":" + std::to_string(port);
     state_ = State::kConnected;
     return tcp::kSuccess;
 }
 
-int CKorTcpSocket::Disconnect() {
-    lines_.clear();
+void CKorTcpSocket::Close() {
     if (socket_ != net::kInvalid) net::Close(socket_);
     socket_ = net::kInvalid;
     if (started_) net::Stop();
     started_ = false;
     state_ = State::kDisconnected;
-    return tcp::kSuccess;
-}
-
-int CKorTcpSocket::Send(std::string_view octets, std::uint32_t total, std::uint32_t idle, std::size_t& sent) {
-    sent = 0;
-    const Timer whole(*clock_, total);
-    Timer quiet(*clock_, idle);
-    int code = IsConnected() ? tcp::kSuccess : tcp::kNotConnected;
-    while (code == tcp::kSuccess && sent < octets.size()) {
-        const int moved = net::Send(socket_, octets.data() + sent, octets.size() - sent);
-        if (moved > 0) {
-            sent += static_cast<std::size_t>(moved);
-            quiet = Timer(*clock_, idle);
-            continue;
-        }
-        if (moved == -net::kAborted || moved == -net::kReset) {
-            Disconnect();
-            code = moved == -net::kAborted ? tcp::kAborted : tcp::kClosedByPeer;
-        } else if (moved != 0 && moved != -net::kWouldBlock) {
-            return moved;
-        } else if (whole.Expired() || quiet.Expired()) {
-            break;
-        } else {
-            clock_->Sleep(kPollPause);
-        }
-    }
-    return sent == octets.size() ? code : TimedOut(whole, quiet, code);
-}
-
-int CKorTcpSocket::SendLine(std::string_view text, std::uint32_t total, std::uint32_t idle) {
-    if (!IsConnected()) return tcp::kNotConnected;
-    std::size_t sent = 0;
-    return Send(std::string(text) + terminator_, total, idle, sent);
-}
-
-int CKorTcpSocket::ReceiveRaw(char* buffer, std::size_t size, std::size_t& received) {
-    received = 0;
-    if (!IsConnected()) return tcp::kNotConnected;
-    const int moved = net::Receive(socket_, buffer, size);
-    if (moved > 0) {
-        received = static_cast<std::size_t>(moved);
-        return tcp::kSuccess;
-    }
-    if (moved == 0) {
-        Disconnect();
-        return tcp::kClosedByPeer;
-    }
-    if (moved == -net::kWouldBlock) return tcp::kSuccess;
-    if (moved == -net::kAborted || moved == -net::kReset) {
-        Disconnect();
-        return tcp::kAborted;
-    }
-    return -moved;
-}
-
-int CKorTcpSocket::Receive(char* buffer, std::size_t size, std::size_t& received) {
-    if (lines_.empty()) return ReceiveRaw(buffer, size, received);
-    received = std::min(size, lines_.size());
-    lines_.copy(buffer, received);
-    lines_.erase(0, received);
-    return tcp::kSuccess;
-}
-
-int CKorTcpSocket::ReceiveLine(std::string& line, std::uint32_t total, std::uint32_t idle) {
-    line.clear();
-    const Timer whole(*clock_, total);
-    Timer quiet(*clock_, idle);
-    std::size_t searched = 0;
-    int code = IsConnected() ? tcp::kSuccess : tcp::kNotConnected;
-    while (code == tcp::kSuccess) {
-        const std::size_t from = searched - std::min(searched, terminator_.size());
-        const std::size_t end = terminator_.empty() ? std::string::npos : lines_.find(terminator_, from);
-        if (end != std::string::npos) {
-            line = lines_.substr(0, end);
-            lines_.erase(0, end + terminator_.size());
-            return tcp::kSuccess;
-        }
-        searched = lines_.size();
-        if (searched >= kLargestBuffer) return tcp::kBufferFull;
-        lines_.resize(searched + kGrowth);
-        std::size_t received = 0;
-        code = ReceiveRaw(&lines_[searched], kGrowth, received);
-        if (code != tcp::kSuccess && !IsConnected()) break;
-        lines_.resize(searched + received);
-        if (received > 0) {
-            quiet = Timer(*clock_, idle);
-            continue;
-        }
-        if (whole.Expired() || quiet.Expired()) break;
-        clock_->Sleep(kPollPause);
-    }
-    return TimedOut(whole, quiet, code);
-}
-
-bool CKorTcpSocket::WaitForData(std::uint32_t timeout) {
-    return IsConnected() && net::WaitReadable(socket_, timeout);
 }

@@ -1,5 +1,5 @@
-// The few operations of the machine's sockets that the TCP client is made of. Error numbers are those of
-// Windows Sockets on every platform.
+// The few operations of the machine's sockets that the TCP client is made of; none of them waits, but for the
+// look-up of a name. Error numbers are those of Windows Sockets on every platform.
 #pragma once
 #include <cstdint>
 #include <string>
@@ -24,16 +24,17 @@ int Resolve(const std::string& host, std::uint32_t& address, std::string& text);
 // Starts a non-blocking connect; 0, kWouldBlock or an error.
 int Connect(Handle socket, std::uint32_t address, std::uint16_t port);
 // True when the attempt has come to an end, whatever its outcome.
-bool WaitConnected(Handle socket, std::uint32_t milliseconds);
+bool HasConnectEnded(Handle socket);
 
 // Octets moved, or the negated error.
 int Send(Handle socket, const char* data, std::size_t size);
 int Receive(Handle socket, char* data, std::size_t size);
 
-// Readable without error within the time.
-bool WaitReadable(Handle socket, std::uint32_t milliseconds);
+// What a read would find; leaves it there.
+enum class Readiness { kNothing, kData, kEnded };
+Readiness Look(Handle socket);
 
-// Lets one thread sleep on a socket while others can wake it.
+// Lets one thread sleep on a socket while others can wake it: the sleep of a worker thread, not a time-out.
 class Waiter {
   public:
     Waiter();

@@ -8,6 +8,7 @@
 #include <netinet/tcp.h>
 #include <poll.h>
 #include <sys/eventfd.h>
+#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -36,12 +37,9 @@ int ErrorNumber(int error) {
     }
 }
 
-bool Poll(Handle socket, short events, std::uint32_t milliseconds, short& happened) {
+bool IsReady(Handle socket, short events) {
     pollfd entry{static_cast<int>(socket), events, 0};
-    const int wait = milliseconds > 0x7FFFFFFF ? -1 : static_cast<int>(milliseconds);
-    const bool any = ::poll(&entry, 1, wait) > 0;
-    happened = entry.revents;
-    return any;
+    return ::poll(&entry, 1, 0) > 0;
 }
 
 }  // namespace
@@ -83,10 +81,7 @@ int Connect(Handle socket, std::uint32_t address, std::uint16_t port) {
     return outcome == 0 ? 0 : ErrorNumber(errno);
 }
 
-bool WaitConnected(Handle socket, std::uint32_t milliseconds) {
-    short happened = 0;
-    return Poll(socket, POLLOUT, milliseconds, happened);
-}
+bool HasConnectEnded(Handle socket) { return IsReady(socket, POLLOUT); }
 
 int Send(Handle socket, const char* data, std::size_t size) {
     const ssize_t sent = ::send(static_cast<int>(socket), data, size, MSG_NOSIGNAL);
@@ -98,9 +93,11 @@ int Receive(Handle socket, char* data, std::size_t size) {
     return received >= 0 ? static_cast<int>(received) : -ErrorNumber(errno);
 }
 
-bool WaitReadable(Handle socket, std::uint32_t milliseconds) {
-    short happened = 0;
-    return Poll(socket, POLLIN, milliseconds, happened) && (happened & POLLERR) == 0;
+Readiness Look(Handle socket) {
+    if (!IsReady(socket, POLLIN)) return Readiness::kNothing;
+    int count = 0;
+    return ::ioctl(static_cast<int>(socket), FIONREAD, &count) == 0 && count > 0 ? Readiness::kData
+                                                                                 : Readiness::kEnded;
 }
 
 Waiter::Waiter() : first_(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {}

@@ -7,6 +7,15 @@ namespace net {
 
 namespace {
 SOCKET Of(Handle socket) { return static_cast<SOCKET>(socket); }
+
+constexpr timeval kNoTime{};
+fd_set SetOf(Handle socket) {
+    fd_set set;
+    FD_ZERO(&set);
+    FD_SET(Of(socket), &set);
+    return set;
+}
+
 WSAEVENT Event(std::intptr_t event) { return reinterpret_cast<WSAEVENT>(event); }
 }  // namespace
 
@@ -50,14 +59,10 @@ int Connect(Handle socket, std::uint32_t address, std::uint16_t port) {
     return outcome == 0 ? 0 : ::WSAGetLastError();
 }
 
-bool WaitConnected(Handle socket, std::uint32_t milliseconds) {
-    WSAEVENT event = ::WSACreateEvent();
-    if (event == WSA_INVALID_EVENT) return false;
-    ::WSAEventSelect(Of(socket), event, FD_CONNECT);
-    const bool ended = ::WaitForSingleObject(event, milliseconds) == WAIT_OBJECT_0;
-    ::WSAEventSelect(Of(socket), nullptr, 0);
-    ::WSACloseEvent(event);
-    return ended;
+bool HasConnectEnded(Handle socket) {
+    fd_set connected = SetOf(socket);
+    fd_set failed = SetOf(socket);
+    return ::select(0, nullptr, &connected, &failed, &kNoTime) != 0;
 }
 
 int Send(Handle socket, const char* data, std::size_t size) {
@@ -70,19 +75,12 @@ int Receive(Handle socket, char* data, std::size_t size) {
     return received >= 0 ? received : -::WSAGetLastError();
 }
 
-bool WaitReadable(Handle socket, std::uint32_t milliseconds) {
-    WSAEVENT event = ::WSACreateEvent();
-    if (event == WSA_INVALID_EVENT) return false;
-    ::WSAEventSelect(Of(socket), event, FD_READ);
-    bool readable = ::WaitForSingleObject(event, milliseconds) == WAIT_OBJECT_0;
-    if (readable) {
-        WSANETWORKEVENTS events{};
-        readable =
-            ::WSAEnumNetworkEvents(Of(socket), event, &events) == 0 && events.iErrorCode[FD_READ_BIT] == 0;
-    }
-    ::WSAEventSelect(Of(socket), nullptr, 0);
-    ::WSACloseEvent(event);
-    return readable;
+Readiness Look(Handle socket) {
+    fd_set readable = SetOf(socket);
+    if (::select(0, &readable, nullptr, nullptr, &kNoTime) == 0) return Readiness::kNothing;
+    u_long count = 0;
+    return ::ioctlsocket(Of(socket), FIONREAD, &count) == 0 && count > 0 ? Readiness::kData
+                                                                         : Readiness::kEnded;
 }
 
 Waiter::Waiter()

@@ -1,8 +1,8 @@
-#include "smpp/SmppParameters.h"
+#include "smpp/SmppSettings.h"
 
 #include "sms/SmsConstants.h"
 
-std::uint8_t CSmppParameters::InterfaceVersion() const {
+std::uint8_t SmppSettings::InterfaceVersion() const {
     switch (systemVersion) {
         case 0x33:
         case sms::asSMPPVERSION_33:

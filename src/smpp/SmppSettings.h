@@ -7,7 +7,7 @@
 
 enum class BindMode : std::int32_t { kTransceiver = 0, kTransmitter = 1, kReceiver = 2 };
 
-struct CSmppParameters {
+struct SmppSettings {
     std::string server;
     std::int32_t serverPort = 2775;
     std::int32_t serverTimeout = 10'000;  // ms: connect, bind, and the longest wait of Disconnect

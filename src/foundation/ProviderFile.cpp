@@ -1,0 +1,48 @@
+#include "foundation/ProviderFile.h"
+
+#include "foundation/IniFile.h"
+#include "foundation/Text.h"
+
+#include <algorithm>
+
+namespace {
+
+using Access = ProviderRow::Access;
+
+// Writes a text from the file into a field.
+struct Take {
+    const std::string& text;
+    void operator()(std::string* field) const { *field = text; }
+    void operator()(std::int32_t* field) const {
+        if (!text.empty()) *field = ToInt(text);
+    }
+    void operator()(const Access& access) const { access.set(text); }
+};
+
+// The text of a field for the file.
+struct Give {
+    std::string operator()(const std::string* field) const { return *field; }
+    std::string operator()(const std::int32_t* field) const { return std::to_string(*field); }
+    std::string operator()(const Access& access) const { return access.get(); }
+};
+
+}  // namespace
+
+ResultCode LoadProviderFile(const std::string& file, std::span<const ProviderRow> rows) {
+    if (!IniFile::Exists(file)) return result::ConfigNotFound;
+    const IniFile ini = IniFile::Load(file);
+    const auto isEmpty = [&ini](const ProviderRow& row) { return ini.Lines(row.section).empty(); };
+    if (std::ranges::all_of(rows, isEmpty)) return result::ConfigCorrupt;
+    for (const ProviderRow& row : rows) {
+        const bool isKept = row.missing == ProviderRow::Missing::kKeeps && !ini.Has(row.section, row.key);
+        if (!isKept) std::visit(Take{ini.Text(row.section, row.key)}, row.field);
+    }
+    return result::Success;
+}
+
+ResultCode SaveProviderFile(const std::string& file, std::span<const ProviderRow> rows) {
+    if (file.empty()) return result::ConfigSaveFailed;
+    IniFile ini = IniFile::Load(file);
+    for (const ProviderRow& row : rows) ini.SetText(row.section, row.key, std::visit(Give{}, row.field));
+    return ini.Save(file) ? result::Success : result::ConfigSaveFailed;
+}

@@ -1,0 +1,33 @@
+// The settings of a channel in a provider file ("[Provider]", "ServerPort=2775"): one row a setting, which
+// loading and saving both walk. Rows name the fields themselves, whatever structure they belong to.
+#pragma once
+#include "foundation/ResultCode.h"
+
+#include <cstdint>
+#include <functional>
+#include <span>
+#include <string>
+#include <variant>
+
+struct ProviderRow {
+    // A setting that is no plain field.
+    struct Access {
+        std::function<std::string()> get;
+        std::function<void(const std::string&)> set;
+    };
+    enum class Missing { kKeeps, kEmpties };
+
+    const char* section;
+    const char* key;
+    std::variant<std::string*, std::int32_t*, Access> field;
+    // What loading a file without the key does to the setting. A number with nothing behind its "=" is kept
+    // as well.
+    Missing missing = Missing::kKeeps;
+};
+
+// 0; 33050 when there is no such file, 33051 when it holds nothing in any of the sections: no setting is
+// changed then.
+ResultCode LoadProviderFile(const std::string& file, std::span<const ProviderRow> rows);
+
+// Puts the settings into the file in the order of the rows; what else it holds stays. 0 or 33052.
+ResultCode SaveProviderFile(const std::string& file, std::span<const ProviderRow> rows);

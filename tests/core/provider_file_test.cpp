@@ -1,0 +1,85 @@
+// Provider files: rows over the fields of any owner.
+#include "foundation/ErrorTexts.h"
+#include "foundation/ProviderFile.h"
+#include "support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct Settings {
+    std::string host = "old";
+    std::int32_t port = 80;
+    struct Proxy {
+        std::string host;
+        std::int32_t port = -1;
+    } proxy;
+    bool secure = false;
+    std::string list = "kept";
+};
+
+std::vector<ProviderRow> RowsOf(Settings& s) {
+    return {
+        {"Provider", "Host", &s.host},
+        {"Provider", "Port", &s.port},
+        {"Provider", "Secure",
+         ProviderRow::Access{[&s] { return std::string(s.secure ? "1" : "0"); },
+                             [&s](const std::string& text) { s.secure = text == "1"; }}},
+        {"Proxy", "Host", &s.proxy.host},
+        {"Proxy", "Port", &s.proxy.port},
+        {"Provider", "List",
+         ProviderRow::Access{[&s] { return s.list; }, [&s](const std::string& text) { s.list = text; }},
+         ProviderRow::Missing::kEmpties},
+    };
+}
+
+TEST(ProviderFile, SavesInTheOrderOfTheRowsAndKeepsWhatElseTheFileHolds) {
+    const TemporaryFolder folder;
+    const std::string file = folder.File("p.ini");
+    Settings settings{.host = "gw", .port = 8080, .proxy = {"px", 3128}, .secure = true, .list = "a;b"};
+    EXPECT_EQ(SaveProviderFile(file, RowsOf(settings)), 0);
+    EXPECT_EQ(TemporaryFolder::Read(file),
+              "[Provider]\nHost=gw\nPort=8080\nSecure=1\nList=a;b\n[Proxy]\nHost=px\nPort=3128\n");
+    TemporaryFolder::Write(file, "[Mine]\nx=1\n[provider]\nnote\nport = 1\nMore=2\n");
+    EXPECT_EQ(SaveProviderFile(file, RowsOf(settings)), 0);
+    EXPECT_EQ(TemporaryFolder::Read(file),
+              "[Mine]\nx=1\n[provider]\nnote\nPort=8080\nMore=2\nHost=gw\nSecure=1\nList=a;b\n"
+              "[Proxy]\nHost=px\nPort=3128\n");
+    EXPECT_EQ(SaveProviderFile("", RowsOf(settings)), 33052);
+    EXPECT_EQ(SaveProviderFile(folder.File("none/p.ini"), RowsOf(settings)), 33052);
+}
+
+TEST(ProviderFile, LoadsWhatIsThereAndLeavesTheRest) {
+    const TemporaryFolder folder;
+    const std::string file = folder.File("p.ini");
+    struct Row {
+        const char* text;
+        std::int32_t code;
+        Settings expected;
+    };
+    for (const Row& row : {
+             Row{"[Provider]\nHost= gw \nPORT=-5\nSecure=1\nList=x\n[Proxy]\nHost=px\nPort=3128x\n",
+                 0,
+                 {.host = "gw", .port = -5, .proxy = {"px", 3128}, .secure = true, .list = "x"}},
+             Row{"[Provider]\nHost=\nPort=\n", 0, {.host = "", .list = ""}},
+             Row{"[proxy]\nport=x\n", 0, {.proxy = {"", 0}, .list = ""}},
+             Row{"[Provider]\n[Other]\nHost=x\n", 33051, {}},
+             Row{"Host=x\n", 33051, {}},
+             Row{"", 33051, {}},
+         }) {
+        SCOPED_TRACE(row.text);
+        TemporaryFolder::Write(file, row.text);
+        Settings settings;
+        EXPECT_EQ(LoadProviderFile(file, RowsOf(settings)), row.code);
+        EXPECT_EQ(settings.host, row.expected.host);
+        EXPECT_EQ(settings.port, row.expected.port);
+        EXPECT_EQ(settings.secure, row.expected.secure);
+        EXPECT_EQ(settings.proxy.host, row.expected.proxy.host);
+        EXPECT_EQ(settings.proxy.port, row.expected.proxy.port);
+        EXPECT_EQ(settings.list, row.expected.list);
+    }
+    Settings settings;
+    EXPECT_EQ(LoadProviderFile(folder.File("none.ini"), RowsOf(settings)), 33050);
+}
+
+}  // namespace
