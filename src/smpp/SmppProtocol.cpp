@@ -11,12 +11,21 @@
 
 namespace {
 
+// Times in ms.
 constexpr auto kStartTime = std::chrono::milliseconds(5000);
 constexpr std::uint32_t kUnbindTime = 5000;
 constexpr std::uint32_t kSendSlice = 20;
-constexpr std::size_t kReadSize = 65536;
 constexpr std::uint32_t kGatherTime = 1;
 constexpr std::uint32_t kLongestQueryPause = 20;
+constexpr std::size_t kReadSize = 65536;
+constexpr std::int32_t kLastPort = 65535;
+constexpr std::int32_t kDefaultWindow = 10;
+constexpr std::int32_t kDumpAll = 255;
+constexpr std::uint32_t kReferencesPerSecond = 64;  // so that a later object begins behind an earlier one's
+
+std::uint32_t TimeOf(std::int32_t milliseconds) {
+    return static_cast<std::uint32_t>(std::max(milliseconds, 0));
+}
 
 }  // namespace
 
@@ -26,7 +35,7 @@ CSmppProtocol::CSmppProtocol(Clock& clock)
       reports_(clock),
       received_(clock),
       builder_(clock),
-      nextReference_(static_cast<std::uint32_t>(clock.Now()) * 64) {}
+      nextReference_(static_cast<std::uint32_t>(clock.Now()) * kReferencesPerSecond) {}
 
 CSmppProtocol::~CSmppProtocol() { Disconnect(); }
 
@@ -43,40 +52,47 @@ void CSmppProtocol::Clear() {
 ResultCode CSmppProtocol::Connect() {
     if (IsConnected()) return result::Success;
     Disconnect();  // joins the worker of a session that has ended by itself
-    if (settings.serverPort < 1 || settings.serverPort > 65535) return result::InvalidPort;
+    if (settings.serverPort < 1 || settings.serverPort > kLastPort) return result::InvalidPort;
     if (settings.server.empty()) return result::InvalidHost;
-    const auto timeout = static_cast<std::uint32_t>(std::max(settings.serverTimeout, 0));
-    if (socket_.Connect(settings.server, static_cast<std::uint16_t>(settings.serverPort), timeout) != 0) {
+    if (socket_.Connect(settings.server, static_cast<std::uint16_t>(settings.serverPort),
+                        TimeOf(settings.serverTimeout)) != tcp::kSuccess) {
         return result::SmppConnectFailed;
     }
-    ResultCode code = result::Success;
-    if (settings.InterfaceVersion() == 0) {
-        code = result::SmppInvalidVersion;
-    } else {
-        active_ = settings;
-        active_.windowSize = AdvancedSetting("SmppWindowSize", 10);
-        active_.relativeValidity = AdvancedSetting("ValidityPeriodRelative", 0) != 0;
-        active_.dumpFlags = static_cast<std::uint32_t>(AdvancedSetting("Debug", 255));
-        reports_.SetReceiptFormat(settings.reportFormat);
-        stop_ = false;
-        started_ = bindAnswered_ = false;
-        try {
-            worker_ = std::thread([this] { Work(); });
-        } catch (const std::system_error&) {
-            code = result::ThreadCreationFailed;
-        }
+    ResultCode code = StartWorker();
+    if (code == result::Success) code = AwaitBind();
+    LogConnect(code);
+    if (code != result::Success) Disconnect();
+    return code;
+}
+
+ResultCode CSmppProtocol::StartWorker() {
+    if (settings.InterfaceVersion() == 0) return result::SmppInvalidVersion;
+    active_ = settings;
+    active_.windowSize = AdvancedSetting("SmppWindowSize", kDefaultWindow);
+    active_.relativeValidity = AdvancedSetting("ValidityPeriodRelative", 0) != 0;
+    active_.dumpFlags = static_cast<std::uint32_t>(AdvancedSetting("Debug", kDumpAll));
+    reports_.SetReceiptFormat(settings.reportFormat);
+    stop_ = false;
+    started_ = bindAnswered_ = false;
+    try {
+        worker_ = std::thread([this] { Work(); });
+    } catch (const std::system_error&) {
+        return result::ThreadCreationFailed;
     }
-    if (code == result::Success) {
-        std::unique_lock guard(lock_);
-        if (!changed_.wait_for(guard, kStartTime, [this] { return started_; })) {
-            code = result::ThreadCreationFailed;
-        } else if (!changed_.wait_for(guard, std::chrono::milliseconds(timeout),
-                                      [this] { return bindAnswered_; })) {
-            code = result::SmppTimedOut;
-        } else {
-            code = bindResult_;
-        }
+    return result::Success;
+}
+
+ResultCode CSmppProtocol::AwaitBind() {
+    const std::chrono::milliseconds timeout(TimeOf(settings.serverTimeout));
+    std::unique_lock guard(lock_);
+    if (!changed_.wait_for(guard, kStartTime, [this] { return started_; })) {
+        return result::ThreadCreationFailed;
     }
+    const bool isAnswered = changed_.wait_for(guard, timeout, [this] { return bindAnswered_; });
+    return isAnswered ? bindResult_ : result::SmppTimedOut;
+}
+
+void CSmppProtocol::LogConnect(ResultCode code) {
     const std::string text(DescribeError(code));
     Log(logmask::kActivity | logmask::kVerbatim,
         "CONNECT [Velqar Build %s], Server=[%s:%d] , SystemID=[%s], SourceTON=[%d], SourceNPI=[%d], "
@@ -89,9 +105,7 @@ ResultCode CSmppProtocol::Connect() {
     } else {
         Log(logmask::kVerbatim, "Failed to connect server %s ( %s )\n", settings.server.c_str(),
             text.c_str());
-        Disconnect();
     }
-    return code;
 }
 
 void CSmppProtocol::Disconnect() {
@@ -138,7 +152,7 @@ ResultCode CSmppProtocol::Send(const CSmsMessageX& message, std::string& referen
 
 ResultCode CSmppProtocol::QueryStatus(std::string_view references, bool wait, CSmsDeliveryReport& report) {
     if (references.empty()) return result::InvalidReference;
-    const Timer timer(GetClock(), static_cast<std::uint32_t>(std::max(settings.serverTimeout, 0)));
+    const Timer timer(GetClock(), TimeOf(settings.serverTimeout));
     ResultCode code = result::Success;
     std::uint32_t pause = 1;  // answers mostly come at once, receipts take their time
     for (;;) {
@@ -235,45 +249,57 @@ bool CSmppProtocol::Pump(CSmppSession& session) {
     return true;
 }
 
+// Pumps while the session is in the state and the condition holds, so many ms at the most. False when the
+// connection has ended.
+template <class Condition>
+bool CSmppProtocol::PumpWhile(CSmppSession& session, CSmppSession::State state, std::uint32_t time,
+                              Condition holds) {
+    const Timer timer(GetClock(), time);
+    while (session.GetState() == state && !timer.Expired() && holds()) {
+        if (!Pump(session)) return false;
+    }
+    return true;
+}
+
+// Binds, serves until told to stop, sends what is queued, and unbinds.
+void CSmppProtocol::Serve(CSmppSession& session) {
+    using State = CSmppSession::State;
+    const std::uint32_t timeout = TimeOf(active_.serverTimeout);
+    const auto isWanted = [this] { return !stop_; };
+    session.StartBind();
+    bool isOpen = PumpWhile(session, State::kBinding, timeout, isWanted);
+    ReportBind(session, isOpen);
+    isOpen = isOpen && PumpWhile(session, State::kBound, Timer::kForever, isWanted);
+    isOpen = isOpen && PumpWhile(session, State::kBound, timeout, [&] {
+                 TakeIntake(session);
+                 return session.HasWork();
+             });
+    if (!isOpen || session.GetState() != State::kBound) return;
+    session.StartUnbind();
+    (void)PumpWhile(session, State::kUnbinding, std::min(kUnbindTime, timeout), [] { return true; });
+}
+
+void CSmppProtocol::ReportBind(const CSmppSession& session, bool isOpen) {
+    using State = CSmppSession::State;
+    if (session.GetState() == State::kBound) {
+        bound_ = true;
+        SignalBind(result::Success);
+    } else if (session.GetState() == State::kClosed) {
+        SignalBind(session.BindResult());
+    } else {
+        SignalBind(isOpen ? result::SmppTimedOut : result::SmppConnectFailed);
+    }
+}
+
 void CSmppProtocol::Work() {
     {
         const std::scoped_lock guard(lock_);
         started_ = true;
     }
     changed_.notify_all();
-    using State = CSmppSession::State;
     CSmppSession session(*this, active_, reports_, received_, GetClock());
     try {
-        session.StartBind();
-        const Timer bindTimer(GetClock(), static_cast<std::uint32_t>(std::max(active_.serverTimeout, 0)));
-        bool connected = true;
-        while (connected && session.GetState() == State::kBinding && !stop_ && !bindTimer.Expired()) {
-            connected = Pump(session);
-        }
-        if (session.GetState() == State::kBound) {
-            bound_ = true;
-            SignalBind(result::Success);
-        } else if (session.GetState() == State::kClosed) {
-            SignalBind(session.BindResult());
-        } else {
-            SignalBind(connected ? result::SmppTimedOut : result::SmppConnectFailed);
-        }
-        while (connected && session.GetState() == State::kBound && !stop_) connected = Pump(session);
-
-        const Timer drain(GetClock(), static_cast<std::uint32_t>(std::max(active_.serverTimeout, 0)));
-        while (connected && session.GetState() == State::kBound && !drain.Expired()) {
-            TakeIntake(session);
-            if (!session.HasWork()) break;
-            connected = Pump(session);
-        }
-        if (connected && session.GetState() == State::kBound) {
-            session.StartUnbind();
-            const Timer unbind(
-                GetClock(),
-                std::min(kUnbindTime, static_cast<std::uint32_t>(std::max(active_.serverTimeout, 0))));
-            while (connected && session.GetState() == State::kUnbinding && !unbind.Expired())
-                connected = Pump(session);
-        }
+        Serve(session);
     } catch (const std::exception& error) {
         Log(logmask::kLog, "EXCEPTION [%s], source=[SmppProtocol], line=[%d]", error.what(), __LINE__);
     }

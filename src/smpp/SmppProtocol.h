@@ -57,7 +57,15 @@ class CSmppProtocol : public CVrmBase {
   private:
     std::vector<ProviderRow> ProviderRows();
 
+    ResultCode StartWorker();
+    ResultCode AwaitBind();
+    void LogConnect(ResultCode code);
+
     void Work();
+    void Serve(CSmppSession& session);
+    void ReportBind(const CSmppSession& session, bool isOpen);
+    template <class Condition>
+    bool PumpWhile(CSmppSession& session, CSmppSession::State state, std::uint32_t time, Condition holds);
     bool Pump(CSmppSession& session);
     bool Flush(CSmppSession& session);
     bool TakeIntake(CSmppSession& session);

@@ -81,7 +81,10 @@ Reply ReplyDialogue::Hear(const ReplyTimes& times) {
 }
 
 Reply ReplyDialogue::HearAfter(int said, const ReplyTimes& times) {
-    return said == tcp::kSuccess ? Hear(times) : Reply{.outcome = said};
+    if (said == tcp::kSuccess) return Hear(times);
+    Reply none;
+    none.outcome = said;
+    return none;
 }
 
 Reply ReplyDialogue::Ask(std::string_view line, const ReplyTimes& times) {

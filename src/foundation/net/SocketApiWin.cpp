@@ -8,12 +8,16 @@ namespace net {
 namespace {
 SOCKET Of(Handle socket) { return static_cast<SOCKET>(socket); }
 
-constexpr timeval kNoTime{};
 fd_set SetOf(Handle socket) {
     fd_set set;
     FD_ZERO(&set);
     FD_SET(Of(socket), &set);
     return set;
+}
+
+bool IsReady(fd_set* readable, fd_set* writable, fd_set* failed) {
+    timeval none{};
+    return ::select(0, readable, writable, failed, &none) != 0;
 }
 
 WSAEVENT Event(std::intptr_t event) { return reinterpret_cast<WSAEVENT>(event); }
@@ -62,7 +66,7 @@ int Connect(Handle socket, std::uint32_t address, std::uint16_t port) {
 bool HasConnectEnded(Handle socket) {
     fd_set connected = SetOf(socket);
     fd_set failed = SetOf(socket);
-    return ::select(0, nullptr, &connected, &failed, &kNoTime) != 0;
+    return IsReady(nullptr, &connected, &failed);
 }
 
 int Send(Handle socket, const char* data, std::size_t size) {
@@ -77,7 +81,7 @@ int Receive(Handle socket, char* data, std::size_t size) {
 
 Readiness Look(Handle socket) {
     fd_set readable = SetOf(socket);
-    if (::select(0, &readable, nullptr, nullptr, &kNoTime) == 0) return Readiness::kNothing;
+    if (!IsReady(&readable, nullptr, nullptr)) return Readiness::kNothing;
     u_long count = 0;
     return ::ioctlsocket(Of(socket), FIONREAD, &count) == 0 && count > 0 ? Readiness::kData
                                                                          : Readiness::kEnded;
