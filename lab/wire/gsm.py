@@ -9,6 +9,7 @@ ESCAPES = {0x0A: "\f", 0x14: "^", 0x28: "{", 0x29: "}", 0x2F: "\\", 0x3C: "[", 0
 CODES = {char: [code] for code, char in enumerate(ALPHABET)}
 CODES.update({char: [0x1B, code] for code, char in ESCAPES.items()})
 
+
 def septets_from(data, skip_bits, count):
     bits = "".join(f"{octet:08b}"[::-1] for octet in data)[skip_bits:]
     return [int(bits[i:i + 7][::-1], 2) for i in range(0, 7 * count, 7) if len(bits[i:i + 7]) == 7]
@@ -29,6 +30,10 @@ def text_from_codes(codes):
         text += ESCAPES.get(code, ALPHABET[code]) if escaped else ALPHABET[code]
         escaped = False
     return text
+
+
+def codes_from_text(text):
+    return [code for char in text for code in CODES.get(char, CODES["?"])]
 
 
 def number_from(type_octet, digits):
@@ -125,7 +130,7 @@ def deliver(sender, coding, body, header=b"", when=None):
         data, dcs = taken + body.encode("utf-16-be"), 0x08
         size = len(data)
     else:
-        codes = [code for char in body for code in CODES.get(char, CODES["?"])]
+        codes = codes_from_text(body)
         fill = -8 * len(taken) % 7
         data, dcs = taken + septets_to(codes, fill), 0x00
         size = (8 * len(taken) + fill) // 7 + len(codes)

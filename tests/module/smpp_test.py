@@ -30,13 +30,11 @@ function Show(what) { WScript.Echo(what + "|" + smpp.LastError); }
 """
 
 
-def run_script(server, body, timeout=120):
-    with wine.folder() as path:
-        file = path / "test.js"
-        file.write_text(HEAD + body, encoding="utf-8")
-        started = time.time()
-        code, output = wine.script(file, server.port, timeout=timeout)
-        return output.split("\n")[:-1], time.time() - started, code
+def run_script(server, body):
+    """What the script printed, and the seconds that it took."""
+    started = time.time()
+    lines = wine.lines_of(HEAD + body, "js", server.port)
+    return lines, time.time() - started
 
 
 class Examples(unittest.TestCase):
@@ -66,12 +64,31 @@ class Examples(unittest.TestCase):
             self.assertEqual(wine.run(*arguments, "secret", "+31612345678", "Hi"), (0, "Status: Delivered\n"))
 
 
+    def test_no_letter_is_lost(self):
+        rows = [(name, text) for name in ("send.vbs", "send.js", "smpp_example.exe")
+                for text in (wine.GSM_TEXT, wine.UNICODE_TEXT)]
+        for name, text in rows:
+            with self.subTest(name, text=text), smsc("--alphabet", "gsm") as server:
+                arguments = ("127.0.0.1", server.port, "me", "pw", "+31612345678", text)
+                done = (wine.run(name, "send", *arguments) if name.endswith(".exe") else
+                        wine.script(EXAMPLES / name, *arguments))
+                self.assertEqual(done, (0, "Status: Delivered\n"))
+                sent, = server.submitted()
+                self.assertEqual((sent["data_coding"], sent["text"]), (0 if text == wine.GSM_TEXT else 8, text))
+
+    def test_letters_come_in(self):
+        for kind in ("vbs", "js"):
+            with self.subTest(kind), smsc("--alphabet", "gsm", "--deliver", "+31611111111 Grüße @ [é]") as server:
+                self.assertEqual(wine.script(EXAMPLES / f"receive.{kind}", "127.0.0.1", server.port, "me", "pw", "1"),
+                                 (0, "From +31611111111: Grüße @ [é]\n"))
+
+
 class Session(unittest.TestCase):
     def test_every_kind_of_receipt_is_matched(self):
         for options in ([], ["--ids", "dec"], ["--receipt-ids", "dec"], ["--receipt-ids", "hex"], ["--receipts", "tlv"],
                         ["--seconds"], ["--early"]):
             with self.subTest(options), smsc(*options) as server:
-                lines, _, _ = run_script(server, """
+                lines, _ = run_script(server, """
 smpp.Connect(); Show(smpp.IsConnected);
 var reference = smpp.Send(Message(new Array(40).join("A long text. ")));
 var status = smpp.QueryStatus(reference, true);
@@ -93,7 +110,7 @@ smpp.Disconnect(); Show(smpp.IsConnected);
         ]
         for name, rules, wanted, limit in rows:
             with self.subTest(name), smsc("--receipts", "none", rules=rules) as server:
-                lines, seconds, _ = run_script(server, """
+                lines, seconds = run_script(server, """
 smpp.Connect();
 var status = smpp.QueryStatus(smpp.Send(Message("x")), true);
 Show(status.StatusDescription + " " + status.StatusCode);
@@ -115,14 +132,14 @@ smpp.Disconnect();
             ("no such host", [], "smpp.Server = 'no.such.host.invalid';", "33201"),
         ]:
             with self.subTest(name), smsc(rules=rules) as server:
-                lines, _, _ = run_script(server, body + "smpp.Connect(); Show(''); Show(smpp.Send(Message('x')));")
+                lines, _ = run_script(server, body + "smpp.Connect(); Show(''); Show(smpp.Send(Message('x')));")
                 self.assertEqual(lines[0], "|" + wanted)
                 self.assertEqual(lines[1].split("|")[1], "33205")
 
     def test_tlvs_and_provider_files(self):
         with wine.folder() as path, smsc() as server:
             file = json.dumps(wine.windows_path(path / "provider.ini"))
-            lines, _, _ = run_script(server, f"""
+            lines, _ = run_script(server, f"""
 smpp.SetTLVValue(2, 0x020B, 2948); Show("");
 smpp.SetTLVValue(4, 0x001D, "text"); Show("");
 smpp.SetTLVValue(9, 1, 1); Show("");
@@ -143,7 +160,7 @@ smpp.Connect(); var r = smpp.Send(Message("x")); smpp.QueryStatus(r, true); smpp
 
     def test_many_connections_and_messages(self):
         with smsc("--quiet", "--receipts", "none") as server:
-            lines, _, _ = run_script(server, """
+            lines, _ = run_script(server, """
 var all = [];
 for (var i = 0; i < 10; ++i) {
     var one = new ActiveXObject("Quorvane.SmsProtocolSmpp");
