@@ -6,6 +6,7 @@ ALPHABET = ("@£$¥èéùìòÇ\nØø\rÅåΔ_ΦΓΛΩΠΨΣΘΞ\x1bÆæßÉ !\"
             "¡ABCDEFGHIJKLMNOPQRSTUVWXYZÄÖÑÜ§¿abcdefghijklmnopqrstuvwxyzäöñüà")
 ESCAPES = {0x0A: "\f", 0x14: "^", 0x28: "{", 0x29: "}", 0x2F: "\\", 0x3C: "[", 0x3D: "~", 0x3E: "]", 0x40: "|",
            0x65: "€"}
+SERVICE_CENTRE = "+31653131313"
 CODES = {char: [code] for code, char in enumerate(ALPHABET)}
 CODES.update({char: [0x1B, code] for code, char in ESCAPES.items()})
 
@@ -123,7 +124,7 @@ def describe(fields):
 
 
 def deliver(sender, coding, body, header=b"", when=None):
-    """One SMS-DELIVER with the service centre +31653131313."""
+    """One SMS-DELIVER with its service centre."""
     first = 0x44 if header else 0x04
     taken = bytes([len(header)]) + header if header else b""
     if coding == "ucs2":
@@ -134,7 +135,7 @@ def deliver(sender, coding, body, header=b"", when=None):
         fill = -8 * len(taken) % 7
         data, dcs = taken + septets_to(codes, fill), 0x00
         size = (8 * len(taken) + fill) // 7 + len(codes)
-    smsc = number_to("+31653131313")
+    smsc = number_to(SERVICE_CENTRE)
     return (bytes([len(smsc) - 1]) + smsc[1:] + bytes([first]) + number_to(sender) + bytes([0, dcs]) +
             stamp(time.time() if when is None else when) + bytes([size]) + data)
 

@@ -83,6 +83,44 @@ class Examples(unittest.TestCase):
                                  (0, "From +31611111111: Grüße @ [é]\n"))
 
 
+class NetSmpp(unittest.TestCase):
+    """A server made with the Net::SMPP of Perl."""
+
+    def test_a_whole_session(self):
+        server = subprocess.Popen(["perl", pathlib.Path(__file__).with_name("smpp_server.pl")], stdout=subprocess.PIPE, text=True)
+        try:
+            lines = wine.lines_of(HEAD + """
+smpp.SystemPassword = "secret";
+smpp.Connect(); Show(smpp.IsConnected);
+var message = Message("Hello");
+var status = smpp.QueryStatus(smpp.Send(message), true);
+Show(status.StatusDescription);
+message.Data = "\\u041f"; message.Format = 22; message.RequestDeliveryStatus = false;
+Show(smpp.Send(message) != "");
+var waited = 0;
+do { smpp.Sleep(10); message = smpp.GetFirstMessage(); } while (smpp.LastError != 0 && ++waited < 500);
+Show(message.Sender + " " + message.Data);
+smpp.Disconnect(); Show(smpp.IsConnected);
+""", "js", server.stdout.readline().strip())
+            got = list(map(json.loads, server.communicate(timeout=10)[0].splitlines()))
+        finally:
+            server.kill()
+            server.wait()
+        self.assertEqual(lines, ["-1|0", "Delivered|0", "true|0", "+31611111111 Hello from Perl|0", "0|0"])
+        submit = {"pdu": "submit_sm", "status": 0, "source_addr": "", "destination_addr": "31612345678", "dest_addr_ton": 1,
+                  "dest_addr_npi": 1, "esm_class": 0}
+        wanted = [
+            {"pdu": "bind_transceiver", "status": 0, "system_id": "test", "password": "secret", "interface_version": 0x34},
+            {"pdu": "deliver_sm_resp", "status": 0},
+            {"pdu": "deliver_sm_resp", "status": 0},
+            submit | {"registered_delivery": 1, "data_coding": 0, "text": b"Hello".hex()},
+            submit | {"registered_delivery": 0, "data_coding": 8, "text": "041f"},
+            {"pdu": "unbind", "status": 0},
+        ]
+        self.assertCountEqual(got, wanted)
+        self.assertEqual([pdu["pdu"] for pdu in got][::len(got) - 1], ["bind_transceiver", "unbind"])
+
+
 class Session(unittest.TestCase):
     def test_every_kind_of_receipt_is_matched(self):
         for options in ([], ["--ids", "dec"], ["--receipt-ids", "dec"], ["--receipt-ids", "hex"], ["--receipts", "tlv"],
