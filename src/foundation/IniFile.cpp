@@ -4,6 +4,7 @@
 #include "foundation/TextFile.h"
 
 #include <algorithm>
+#include <charconv>
 
 namespace {
 
@@ -80,8 +81,9 @@ std::string IniFile::Text(std::string_view section, std::string_view key, std::s
 
 std::uint32_t IniFile::Number(std::string_view section, std::string_view key, std::uint32_t fallback) const {
     const std::string text = Text(section, key);
-    if (text.empty() || !IsDigit(text.front())) return fallback;
-    return static_cast<std::uint32_t>(ToInt(text));
+    std::uint32_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc{} ? number : fallback;
 }
 
 void IniFile::SetText(std::string_view section, std::string_view key, std::string_view value) {

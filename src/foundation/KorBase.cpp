@@ -48,7 +48,7 @@ void CKorBase::SetActivityFile(const std::string& name) {
     activityFile_ = name;
     isLogging_ = !logFile_.empty() || !activityFile_.empty();
     if (name.empty()) return;
-    (void)std::remove(name.c_str());
+    RemoveFile(name);
     IniFile fresh;
     fresh.SetText("Init", "Initialized", "1");
     fresh.SetText("Init", "NextEntry", "0");

@@ -15,7 +15,12 @@ struct Closer {
 };
 using File = std::unique_ptr<std::FILE, Closer>;
 
-File Open(const std::string& name, const char* mode) { return File(std::fopen(name.c_str(), mode)); }
+// A name with a zero octet in it would be cut there and mean another file.
+bool IsName(const std::string& name) { return name.find('\0') == std::string::npos; }
+
+File Open(const std::string& name, const char* mode) {
+    return File(IsName(name) ? std::fopen(name.c_str(), mode) : nullptr);
+}
 
 }  // namespace
 
@@ -43,7 +48,7 @@ bool WriteTextFile(const std::string& name, std::string_view text) {
 }
 
 bool ReplaceTextFile(const std::string& name, std::string_view text) {
-    if (!CanReplaceFile(name)) return false;
+    if (!IsName(name) || !CanReplaceFile(name)) return false;
     const std::string beside = name + ".new";
     if (!WriteTextFile(beside, text) || !ReplaceFileBy(name, beside)) {
         (void)std::remove(beside.c_str());
@@ -55,4 +60,8 @@ bool ReplaceTextFile(const std::string& name, std::string_view text) {
 bool AppendTextFile(const std::string& name, std::string_view text) {
     const File file = Open(name, "at");
     return file && std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
+}
+
+void RemoveFile(const std::string& name) {
+    if (IsName(name)) (void)std::remove(name.c_str());
 }

@@ -1,4 +1,5 @@
-// Whole text files. Line feeds are written as the platform's line ends and read back as line feeds.
+// Whole text files. Line feeds are written as the platform's line ends and read back as line feeds. A name
+// with a zero octet names no file.
 #pragma once
 #include <optional>
 #include <string>
@@ -16,3 +17,5 @@ std::optional<std::string> ReadTextFile(const std::string& name, std::size_t lim
 
 // Appends to the file, creating it when missing; false when it cannot be opened.
 bool AppendTextFile(const std::string& name, std::string_view text);
+
+void RemoveFile(const std::string& name);

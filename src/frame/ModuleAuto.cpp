@@ -24,6 +24,17 @@ std::wstring Module::Path() const {
     }
 }
 
+// Each load of a module with the compiler's thread run time takes a TLS index that unloading does not give
+// back; after about a thousand loads a process has none left.
+void Module::Pin() {
+    static std::once_flag once;
+    std::call_once(once, [this] {
+        HMODULE pinned = nullptr;
+        ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                             reinterpret_cast<LPCWSTR>(instance_), &pinned);
+    });
+}
+
 bool Module::LessIid::operator()(const IID& a, const IID& b) const {
     return std::memcmp(&a, &b, sizeof a) < 0;
 }
@@ -103,6 +114,7 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* /*reserve
 STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, void** object) {
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
+    Module::Get().Pin();
     for (const CreatableClass& row : CreatableClasses()) {
         if (!IsEqualCLSID(clsid, *row.clsid)) continue;
         auto* classObject = new (std::nothrow) ClassObject(row);

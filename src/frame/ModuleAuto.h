@@ -19,6 +19,9 @@ class Module {
     void Release() { --held_; }
     bool CanUnload() const { return held_ == 0; }
 
+    // Keeps the module loaded until the process ends, whatever CanUnload says.
+    void Pin();
+
     // The type information of an interface of the embedded type library; null when it cannot be loaded.
     ITypeInfo* TypeInfo(const IID& iid);
 

@@ -78,12 +78,13 @@ HRESULT RegisterServer() {
     return FAILED(registered) ? SELFREG_E_TYPELIB : S_OK;
 }
 
+// Whole trees, since others may have added keys below ours; nothing beside them.
 HRESULT UnregisterServer() {
     bool removed = true;
     for (const CreatableClass& row : CreatableClasses()) {
-        std::vector<Value> values = ValuesOf(row);
-        for (auto value = values.rbegin(); value != values.rend(); ++value) {
-            const LSTATUS outcome = ::RegDeleteKeyW(HKEY_CLASSES_ROOT, value->key.c_str());
+        for (const std::wstring& tree : {row.progId + std::wstring(L".1"), std::wstring(row.progId),
+                                         L"CLSID\\" + GuidText(*row.clsid)}) {
+            const LSTATUS outcome = ::RegDeleteTreeW(HKEY_CLASSES_ROOT, tree.c_str());
             removed = removed && (outcome == ERROR_SUCCESS || outcome == ERROR_FILE_NOT_FOUND);
         }
     }

@@ -19,6 +19,11 @@ TEST(ErrorTexts, GivesTheFixedTextOfEveryCode) {
                  "period of time, or established connection failed because connected host has failed to "
                  "respond"},
              Row{31678, "There is no answer."},
+             Row{31749, "The phone number is not valid."},
+             Row{31836,
+                 "The connection attempt failed because the computer is not capable of Network Access "
+                 "Protection."},
+             Row{31869, "The password of the certificate's private key is not valid."},
              Row{33216, "Recipient address blocked or nut supported by SMPP provider"},
              Row{33807, "MM7 Error: Message forumat corrupt"},
              Row{34141, "Invalid MmsMessage object passed to send function"},
@@ -34,6 +39,13 @@ TEST(ErrorTexts, GivesTheFixedTextOfEveryCode) {
     }
     EXPECT_EQ(DescribeErrorWithNumber(33060), "Error #33060: No more messages in receive buffer");
     EXPECT_EQ(DescribeErrorWithNumber(-5), "Error #-5: Generic Error");
+}
+
+// raserror.h numbers them without a gap from 600.
+TEST(ErrorTexts, EveryRemoteAccessErrorHasItsText) {
+    for (std::int32_t error = 600; error <= 869; ++error) {
+        EXPECT_NE(DescribeError(31000 + error), "Generic Error") << error;
+    }
 }
 
 }  // namespace

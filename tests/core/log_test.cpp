@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <tuple>
 
 namespace {
 
@@ -106,6 +107,27 @@ TEST_F(Logging, FilesThatCannotBeUsedAreSkipped) {
         EXPECT_EQ(base.LogFile(), name);
     }
     EXPECT_TRUE(std::filesystem::exists(here));
+}
+
+TEST_F(Logging, ANameWithAZeroOctetNamesNoFile) {
+    TemporaryFolder::Write(log, "kept");
+    base.SetLogFile(log + std::string("\0x", 2));
+    base.SetActivityFile(log + std::string("\0y", 2));
+    base.Log(7, "text");
+    EXPECT_EQ(TemporaryFolder::Read(log), "kept");
+}
+
+TEST_F(Logging, EntryNumbersUseAllThirtyTwoBits) {
+    for (const auto& [stored, key, next] : {std::tuple{"2147483647", "7FFFFFFF|", 2147483648U},
+                                            {"4294967295", "FFFFFFFF|", 0U},
+                                            {"4294967296", "00000000|", 1U},
+                                            {"x", "00000000|", 1U}}) {
+        base.SetActivityFile(activity);
+        TemporaryFolder::Write(activity, std::string("[Init]\nNextEntry=") + stored + "\n");
+        base.Log(2, "text");
+        EXPECT_TRUE(IniFile::Load(activity).Lines("Log").at(0).starts_with(key)) << stored;
+        EXPECT_EQ(IniFile::Load(activity).Number("Init", "NextEntry", 7), next) << stored;
+    }
 }
 
 TEST_F(Logging, ADamagedActivityFileStillTakesEntries) {

@@ -131,6 +131,7 @@ TEST(Registration, WritesAndRemovesExactlyItsKeys) {
     const auto remove =
         reinterpret_cast<Entry>(reinterpret_cast<void*>(::GetProcAddress(module, "DllUnregisterServer")));
 
+    HKEY added = nullptr;
     EXPECT_EQ(remove(), S_OK);  // also when nothing is registered
     EXPECT_EQ(Registry(), Snapshot{});
     for (int round = 0; round < 2; ++round) {
@@ -139,8 +140,16 @@ TEST(Registration, WritesAndRemovesExactlyItsKeys) {
         EXPECT_EQ(WithoutTypeLibrary(now), Expected(path));
         EXPECT_TRUE(now.contains(L"TypeLib\\{52FC26A8-E26C-4C45-A617-BD173EF0AE9C}\\5.3\\0\\win64"));
         EXPECT_TRUE(now.contains(L"Interface\\{74A9B740-4199-41D8-AF10-5D9ECB68980C}\\TypeLib"));
+        // What others have put below our keys goes with them; what lies beside stays.
+        for (const wchar_t* key :
+             {L"CLSID\\{6900ABDD-A93C-430F-9939-A0477D4D6F4E}\\Implemented Categories\\{0}",
+              L"Quorvane.SmsMessage\\Extra", L"QuorvaneBeside"}) {
+            ::RegCreateKeyW(HKEY_CLASSES_ROOT, key, &added);
+            ::RegCloseKey(added);
+        }
         ASSERT_EQ(remove(), S_OK);
         EXPECT_EQ(Registry(), Snapshot{});
+        EXPECT_EQ(::RegDeleteKeyW(HKEY_CLASSES_ROOT, L"QuorvaneBeside"), ERROR_SUCCESS);
     }
     ASSERT_EQ(add(), S_OK);
     ::FreeLibrary(module);
