@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# Builds the component and runs the main job against the lab: SMS through a GSM modem, from a script under Wine.
+# Builds the module and runs the main jobs against the lab: SMS through a GSM modem and an SMPP server, under Wine.
 set -eu
 cd "$(dirname "$0")"
-scripts/install.sh
-scripts/build.sh windows
+scripts/install.sh demo
+scripts/build.sh module
 . scripts/wine.sh
 wine_start
 register_dll

@@ -1,5 +1,7 @@
-// The AT reply reader and the whole dialogue: a modem that says anything. No call may outlast its time-outs.
+// The AT reply reader, the whole dialogue and waits for octets: a modem that says anything. No call may
+// outlast its time-outs.
 #include "Fuzz.h"
+#include "foundation/serial/HearUntil.h"
 #include "gsm/GsmModem.h"
 #include "support/ScriptedModem.h"
 
@@ -34,6 +36,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CSmsDeliveryReport report;
     (void)gsm.QueryStatus("1", report);
     (void)gsm.EnterPin("1234");
+    CVrmComIO port(modem, clock);
+    if (port.Open({.device = "COM1"}) != result::Success) std::abort();
+    modem.Give(text);
+    const auto before = clock.Slept();
+    const std::string wanted = text.substr(half);
+    const Hearing hearing = Hear(port, {.tries = 3, .read = 1000, .pause = 100, .text = wanted});
+    if (clock.Slept() - before > 3200 || !text.starts_with(hearing.heard)) std::abort();
+    port.Close();
     if (clock.Slept() > 3'600'000 || modem.openings != modem.closings) std::abort();
     return 0;
 }

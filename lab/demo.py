@@ -1,25 +1,23 @@
 #!/usr/bin/env python3
 """The main job, against the lab's counterparts: starts them, runs the demo scripts under Wine and shows both sides."""
-import os
-import pathlib
-import subprocess
 import sys
 
+from base import wine
 from base.launch import LAB, Counterpart
+from base.wine import PREFIX, ROOT, windows_path
 
-ROOT = LAB.parent
 WORK = ROOT / "build/demo"
 
 
-def windows_path(path):
-    return "Z:" + str(path).replace("/", "\\")
-
-
-def cscript(name, *arguments):
-    done = subprocess.run([ROOT / "scripts/in-wine.sh", "cscript", "//nologo", windows_path(LAB / name), *arguments],
-                          stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, check=False)
-    print(done.stdout.decode("utf-8", "replace").replace("\r", ""), end="")
-    return done.returncode
+def play(script, *arguments):
+    """The exit code of a script, which is a failure unless "Done" is the last that it prints."""
+    code, output = wine.script(script, *arguments)
+    done = output.endswith("Done\n")
+    print(output.removesuffix("Done\n") if done else output, end="")
+    if code == 0 and not done:
+        print(f"{script.name} stopped at an error that cscript does not print")
+        return 1
+    return code
 
 
 def show(title, file, indent="    "):
@@ -33,12 +31,12 @@ def gsm():
     print("SMS through a GSM modem on COM5")
     print("-------------------------------")
     log = WORK / "gsm.log"
-    link = pathlib.Path(os.environ["WINEPREFIX"]) / "dosdevices/com5"
+    link = PREFIX / "dosdevices/com5"
     modem = Counterpart("modem.py", WORK, "--link", link,
                         "--message", "text SM +31611111111 Hello from the first phone",
                         "--message", "parts SM +31622222222 2,3,1 This message came in three parts, the second one first")
     try:
-        code = cscript("demo_gsm.vbs", "COM5", windows_path(log), windows_path(WORK / "gsm.ini"))
+        code = play(LAB / "demo_gsm.vbs", "COM5", windows_path(log), windows_path(WORK / "gsm.ini"))
     finally:
         modem.close()
     show("The modem saw:", modem.log)
@@ -54,7 +52,7 @@ def smpp():
     server = Counterpart("smsc.py", WORK, "--port", "0", "--deliver", "+31611111111 Hello from the first phone",
                          "--deliver", "parts:2,1 +31622222222 This message came in two parts")
     try:
-        code = cscript("demo_smpp.vbs", server.port, windows_path(log))
+        code = play(LAB / "demo_smpp.vbs", server.port, windows_path(log))
     finally:
         server.close()
     show("The server saw:", server.log)

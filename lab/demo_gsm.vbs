@@ -48,3 +48,5 @@ For tries = 1 To 3
     If status.IsCompleted Then Exit For
     WScript.Sleep 11000
 Next
+If Not status.IsCompleted Then WScript.Quit 1
+WScript.Echo "Done"

@@ -29,3 +29,4 @@ While smpp.LastError = 0
     Set message = smpp.GetNextMessage()
 Wend
 smpp.Disconnect
+WScript.Echo "Done"

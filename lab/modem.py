@@ -24,6 +24,7 @@ from wire import gsm
 from wire.parts import in_parts
 
 CANCEL, SUBMIT = b"\x1b", b"\x1a"
+NO_COMMAND = CANCEL + SUBMIT + b" \n"  # is ignored around a command
 
 
 def hexadecimal(text):
@@ -65,6 +66,15 @@ class Storages:
             raise ValueError(f"there is no kind {kind}")
         return [gsm.deliver(sender, kind, text)]
 
+    @staticmethod
+    def described(entry):
+        """State and length, without the service centre part, of what is stored."""
+        unread, pdu = entry
+        return f"{0 if unread else 1},,{len(pdu) // 2 - 1 - int(pdu[:2], 16)}"
+
+    def fill(self, name):
+        return f"{len(self.box(name))},{self.SIZE}"
+
     def box(self, name):
         if name != self.COMBINED:
             return self.boxes.get(name, {})
@@ -83,14 +93,15 @@ class Commands(Dialogue):
     def __init__(self, program, line):
         super().__init__(program, line)
         self.storages = program.storages
-        self.selected = "SM"
+        self.selected = [self.storages.names[0]] * 3  # to read and delete, to write and send, to receive
+        self.charset = "GSM"
         self.unlocked = not self.options.pin
         self.pin_tries = 3
         self.echo = True
         self.verbose_errors = False
         self.text_mode = False
         self.reports = "0"
-        self.smsc = ""
+        self.smsc = gsm.SERVICE_CENTRE
         self.reference = self.options.first_reference - 1
         self.prompt = None  # what AT+CMGS announced, while its prompt is open
         self.registration_polls = self.options.registration_polls
@@ -107,8 +118,8 @@ class Commands(Dialogue):
                 continue
             if self.echo:
                 await self.line.write(octet)
-            if octet == b"\r" and typed.strip():
-                return typed.strip()
+            if octet == b"\r" and typed.strip(NO_COMMAND):
+                return typed.strip(NO_COMMAND)
             typed = b"" if octet == b"\r" else typed + octet.strip(b"\n")
 
     async def take(self, request):
@@ -142,6 +153,8 @@ class Commands(Dialogue):
     def answer(self, command):
         name, _, value = command.partition("=")
         value = value.strip().strip('"')
+        if command in self.FIXED:
+            return [*self.FIXED[command], "OK"]
         always, handler = self.COMMANDS.get(name, (False, None))
         if not always and not self.options.sim:
             return self.error("CMS" if name.startswith(("AT+CM", "AT+CP", "AT+CN", "AT+CS")) else "CME", 310)
@@ -183,7 +196,7 @@ class Commands(Dialogue):
         return [f"+CREG: 0,{1 if registered else 2}", "OK"]
 
     def show_smsc(self, _):
-        return [f'+CSCA: "{self.smsc}"', "OK"]
+        return [f'+CSCA: "{self.smsc}",{145 if self.smsc.startswith("+") else 129}', "OK"]
 
     def set_smsc(self, value):
         if not value.lstrip("+").isdigit():
@@ -195,11 +208,29 @@ class Commands(Dialogue):
         if value == "?":
             group = "(" + ",".join(f'"{name}"' for name in self.storages.names) + ")"
             return [f"+CPMS: {group},{group},{group}", "OK"]
-        if value not in self.storages.names:
+        chosen = [name.strip().strip('"') for name in value.split(",")]
+        if len(chosen) > 3 or not all(name in self.storages.names for name in chosen):
             return ["ERROR"]
-        self.selected = value
-        used = f"{len(self.storages.box(value))},{Storages.SIZE}"
-        return [f"+CPMS: {used},{used},{used}", "OK"]
+        # One that is named alone is for all, as the first modems of one storage had it.
+        self.selected = chosen * 3 if len(chosen) == 1 else chosen + self.selected[len(chosen):]
+        return ["+CPMS: " + ",".join(map(self.storages.fill, self.selected)), "OK"]
+
+    def show_storages(self, _):
+        return ["+CPMS: " + ",".join(f'"{name}",{self.storages.fill(name)}' for name in self.selected), "OK"]
+
+    def show_charset(self, _):
+        return [f'+CSCS: "{self.charset}"', "OK"]
+
+    def set_charset(self, value):
+        if value == "?":
+            return ["+CSCS: (" + ",".join(f'"{name}"' for name in self.CHARSETS) + ")", "OK"]
+        if value not in self.CHARSETS:
+            return ["ERROR"]
+        self.charset = value
+        return ["OK"]
+
+    def show_mode(self, _):
+        return [f"+CMGF: {1 if self.text_mode else 0}", "OK"]
 
     def set_mode(self, value):
         if value == "?":
@@ -220,25 +251,45 @@ class Commands(Dialogue):
         if value not in ("0", "1", "2", "3", "4"):
             return ["ERROR"]
         lines = []
-        for index, entry in sorted(self.storages.box(self.selected).items()):
-            state = "0" if entry[0] else "1"
-            if value in (state, "4"):
-                lines += [f"+CMGL: {index},{state},,{len(entry[1]) // 2 - 8}", entry[1]]
+        for index, entry in sorted(self.storages.box(self.selected[0]).items()):
+            if value in ("0" if entry[0] else "1", "4"):
+                lines += [f"+CMGL: {index},{self.storages.described(entry)}", entry[1]]
                 entry[0] = False
         return lines + ["OK"]
+
+    def read_message(self, value):
+        entry = self.storages.box(self.selected[0]).get(int(value) if value.isdigit() else None)
+        if entry is None:
+            return self.error("CMS", 321)
+        lines = [f"+CMGR: {self.storages.described(entry)}", entry[1], "OK"]
+        entry[0] = False
+        return lines
 
     def delete(self, value):
         index = value.split(",")[0].strip()
         if not index.isdigit():
             return ["ERROR"]
-        if not self.storages.remove(self.selected, int(index)):
+        if not self.storages.remove(self.selected[0], int(index)):
             return self.error("CMS", 321)
-        self.program.say(f"deleted {self.selected} {value}")
+        self.program.say(f"deleted {self.selected[0]} {value}")
         return ["OK"]
 
     def send(self, value):
         self.prompt = value
         return []
+
+    CHARSETS = ("GSM", "IRA")
+
+    # Without values, also without a SIM card and while its PIN is missing.
+    FIXED = {
+        "ATI": ["Lab", "Modem"],
+        "AT+CGMI": ["Lab"],
+        "AT+CGMM": ["Modem"],
+        "AT+CGMR": ["1.0"],
+        "AT+CGSN": ["490154203237518"],  # the example number of 3GPP TS 23.003
+        "AT+CSQ": ["+CSQ: 20,99"],
+        "AT+CFUN=1": [],
+    }
 
     # name -> (also without a SIM card and while its PIN is missing, handler)
     COMMANDS = {
@@ -250,13 +301,18 @@ class Commands(Dialogue):
         "AT+CMEE": (True, set_errors),
         "AT+CPIN?": (True, show_pin),
         "AT+CPIN": (True, take_pin),
+        "AT+CSCS?": (True, show_charset),
+        "AT+CSCS": (True, set_charset),
         "AT+CREG?": (True, show_registration),
         "AT+CSCA?": (False, show_smsc),
         "AT+CSCA": (False, set_smsc),
+        "AT+CPMS?": (False, show_storages),
         "AT+CPMS": (False, select_storage),
+        "AT+CMGF?": (False, show_mode),
         "AT+CMGF": (False, set_mode),
         "AT+CNMI": (False, set_indications),
         "AT+CMGL": (False, list_messages),
+        "AT+CMGR": (False, read_message),
         "AT+CMGD": (False, delete),
         "AT+CMGS": (False, send),
     }

@@ -23,7 +23,7 @@ from wire import smpp
 from wire.parts import in_parts
 
 
-def incoming(line):
+def incoming(line, alphabet):
     """The sender, esm_class, data_coding and octets of each deliver_sm of one --deliver."""
     kind, _, rest = line.partition(" ")
     try:
@@ -32,10 +32,10 @@ def incoming(line):
             found = [(sender, 0, 8, text.encode("utf-16-be"))]
         elif kind.startswith("parts:"):
             sender, text = rest.split(None, 1)
-            found = [(sender, 0x40, 0, bytes([len(header)]) + header + part.encode("latin-1", "replace"))
+            found = [(sender, 0x40, 0, bytes([len(header)]) + header + smpp.octets_of(part, alphabet))
                      for header, part in in_parts(kind[6:], text)]
         else:
-            found = [(kind, 0, 0, rest.encode("latin-1", "replace"))]
+            found = [(kind, 0, 0, smpp.octets_of(rest, alphabet))]
         if any(len(octets) > 254 for *_, octets in found):
             raise ValueError("more than 254 octets")
         return found
@@ -104,7 +104,7 @@ class Session(Dialogue):
         return [response(status)]
 
     def submit(self, response, name, body, status):
-        fields = smpp.read_submit(body)
+        fields = smpp.read_submit(body, self.options.alphabet)
         number = self.program.next_id()
         message_id = f"{number:08x}" if self.options.ids == "hex" else str(number)
         fields.update(id=message_id, answered=status)
@@ -153,6 +153,8 @@ class Smsc(Server):
         super().add_arguments(parser)
         parser.add_argument("--password", default="", help="the password to bind with; any when empty")
         parser.add_argument("--deliver", action="append", default=[], help="an incoming message that follows each bind")
+        parser.add_argument("--alphabet", choices=["latin-1", "gsm"], default="latin-1",
+                            help="what texts with data_coding 0 are written in")
         parser.add_argument("--receipts", choices=["text", "tlv", "none"], default="text")
         parser.add_argument("--ids", choices=["hex", "dec"], default="hex", help="how submit responses write message ids")
         parser.add_argument("--receipt-ids", choices=["same", "hex", "dec"], default="same", help="and how receipts do")
@@ -163,7 +165,7 @@ class Smsc(Server):
 
     def __init__(self, options):
         super().__init__(options)
-        self.messages = [message for line in options.deliver for message in incoming(line)]
+        self.messages = [message for line in options.deliver for message in incoming(line, options.alphabet)]
         self.number = options.first_id - 1
 
     def next_id(self):

@@ -1,13 +1,20 @@
 #!/usr/bin/env bash
-# Installs what building, running and testing needs on Debian 12. Does nothing when all is there.
+# Installs what a job needs on Debian 12: `install.sh demo`, `test` (the demo's and more) or `full` (the tests' and more).
+# Does nothing when all is there.
 set -eu
 
-packages=(
-  cmake ninja-build clang libclang-rt-14-dev g++ python3
-  g++-mingw-w64-x86-64-posix mingw-w64-tools libwine-dev wine wine64 googletest
-)
-if [ "${1:-}" = test ] || [ "${1:-}" = full ]; then packages+=(tshark); fi
-if [ "${1:-}" = full ]; then packages+=(clang-format clang-tidy libbenchmark-dev); fi
+demo=(cmake ninja-build python3 g++-mingw-w64-x86-64-posix mingw-w64-tools libwine-dev wine wine64)
+test=(clang libclang-rt-14-dev g++ googletest tshark gammu libnet-smpp-perl)
+full=(clang-format clang-tidy libbenchmark-dev)
+case ${1:-} in
+  demo) packages=("${demo[@]}") ;;
+  test) packages=("${demo[@]}" "${test[@]}") ;;
+  full) packages=("${demo[@]}" "${test[@]}" "${full[@]}") ;;
+  *)
+    echo "usage: $0 demo|test|full" >&2
+    exit 2
+    ;;
+esac
 
 missing=()
 for package in "${packages[@]}"; do

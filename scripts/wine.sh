@@ -3,6 +3,7 @@
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 export WINEPREFIX="$root/build/wine" WINEARCH=win64 WINEDEBUG=-all DISPLAY= WINEDLLOVERRIDES='mscoree,mshtml='
+export LC_ALL=C.UTF-8  # so that Windows programs get any character as an argument
 dll="$root/build/windows/NeltCtrlx64.dll"
 
 wine_start() {
@@ -24,4 +25,11 @@ wine_start() {
 
 wine_stop() { wineserver -k >/dev/null 2>&1 || true; }
 
-register_dll() { wine regsvr32 /s "$(wine winepath -w "$dll" 2>/dev/null | tr -d '\r')" >/dev/null 2>&1; }
+# Says why when the module does not load or register.
+register_dll() {
+  local path said code=0
+  path=$(wine winepath -w "$dll" 2>/dev/null | tr -d '\r')
+  said=$(WINEDEBUG=-all,err+module wine regsvr32 "$path" 2>&1) || code=$?
+  [ "$code" = 0 ] || grep -E '^regsvr32:|err:module' <<<"$said" >&2 || echo "regsvr32 ended with $code" >&2
+  return "$code"
+}

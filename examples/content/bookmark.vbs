@@ -1,6 +1,17 @@
-' Sends a bookmark: cscript bookmark.vbs COM5 +31612345678 http://www.example.org/ "The name"
+' Sends a bookmark.
 Option Explicit
-Dim constants, content, gsm, message, reference
+Dim constants, content, beyondAscii, gsm, message, reference
+
+If WScript.Arguments.Count < 4 Then
+    WScript.Echo "cscript bookmark.vbs COM5 +31612345678 http://www.example.org/ ""The name"""
+    WScript.Quit 2
+End If
+Set beyondAscii = New RegExp
+beyondAscii.Pattern = "[^ -~]"
+If beyondAscii.Test(WScript.Arguments(3)) Then
+    WScript.Echo "The name is not ASCII: docs/content.md says how other letters go"
+    WScript.Quit 2
+End If
 
 Set constants = CreateObject("Quorvane.SmsConstants")
 Set content = CreateObject("Quorvane.SmsDataWapBookmark")

@@ -1,6 +1,17 @@
-' Tells a phone that a multimedia message waits: cscript notification.vbs COM5 +31612345678 http://mmsc.example.org/1 "The subject"
+' Tells a phone that a multimedia message waits.
 Option Explicit
-Dim constants, content, gsm, message, reference
+Dim constants, content, beyondAscii, gsm, message, reference
+
+If WScript.Arguments.Count < 4 Then
+    WScript.Echo "cscript notification.vbs COM5 +31612345678 http://mmsc.example.org/1 ""The subject"""
+    WScript.Quit 2
+End If
+Set beyondAscii = New RegExp
+beyondAscii.Pattern = "[^ -~]"
+If beyondAscii.Test(WScript.Arguments(3)) Then
+    WScript.Echo "The subject is not ASCII: docs/content.md says how other letters go"
+    WScript.Quit 2
+End If
 
 Set constants = CreateObject("Quorvane.SmsConstants")
 Set content = CreateObject("Quorvane.SmsDataMmsNotification")

@@ -1,6 +1,17 @@
-' Sends a text with a link that the phone offers to open: cscript push.vbs COM5 +31612345678 http://www.example.org/ "The text"
+' Sends a text with a link that the phone offers to open.
 Option Explicit
-Dim constants, content, gsm, message, reference
+Dim constants, content, beyondAscii, gsm, message, reference
+
+If WScript.Arguments.Count < 4 Then
+    WScript.Echo "cscript push.vbs COM5 +31612345678 http://www.example.org/ ""The text"""
+    WScript.Quit 2
+End If
+Set beyondAscii = New RegExp
+beyondAscii.Pattern = "[^ -~]"
+If beyondAscii.Test(WScript.Arguments(3)) Then
+    WScript.Echo "The text is not ASCII: docs/content.md says how other letters go"
+    WScript.Quit 2
+End If
 
 Set constants = CreateObject("Quorvane.SmsConstants")
 Set content = CreateObject("Quorvane.SmsDataWapPush")

@@ -1,12 +1,16 @@
-// Gsm.exe send COM5 +31612345678 "The text" | receive COM5 | report COM5 +31612345678 "The text" | pin COM5 1234
+// SMS through a GSM modem.
 // Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll, then csc /r:NeltCtrl.Interop.dll /platform:x64 Gsm.cs
 using System;
+using System.Text.RegularExpressions;
 using System.Threading;
 using NeltCtrl;
 
 static class Program
 {
     static readonly SmsProtocolGsm gsm = new SmsProtocolGsm();
+    static readonly Regex beyondGsm = new Regex(
+        @"[^\n\r -_a-~\xA1\xA3-\xA5\xA7\xBF\xC4-\xC7\xC9\xD1\xD6\xD8\xDC\xDF\xE0\xE4-\xE6\xE8\xE9\xEC\xF1\xF2" +
+        @"\xF6\xF8\xF9\xFC\u0393\u0394\u0398\u039B\u039E\u03A0\u03A3\u03A6\u03A8\u03A9\u20AC]");
 
     static void Check()
     {
@@ -19,7 +23,8 @@ static class Program
         {
             Recipient = recipient,
             Data = text,
-            Format = (int)SmsMessageFormat.asMESSAGEFORMAT_UNICODE_MULTIPART,
+            Format = (int)(beyondGsm.IsMatch(text) ? SmsMessageFormat.asMESSAGEFORMAT_UNICODE_MULTIPART
+                                                  : SmsMessageFormat.asMESSAGEFORMAT_TEXT_MULTIPART),
             RequestDeliveryStatus = withReport ? 1 : 0
         };
         string reference = gsm.Send(ref message);
@@ -52,8 +57,15 @@ static class Program
         } while (status.IsCompleted == 0);
     }
 
+    [STAThread]
     static void Main(string[] args)
     {
+        if (args.Length < 2)
+        {
+            Console.WriteLine(@"Gsm.exe send COM5 +31612345678 ""The text"" | receive COM5 | " +
+                              @"report COM5 +31612345678 ""The text"" | pin COM5 1234");
+            Environment.Exit(2);
+        }
         gsm.Device = args[1];
         switch (args[0])
         {

@@ -1,6 +1,14 @@
-# Gsm.ps1 send COM5 +31612345678 "The text" | receive COM5 | report COM5 +31612345678 "The text" | pin COM5 1234
+# SMS through a GSM modem.
 param([string]$Job, [string]$Device, [string]$First, [string]$Text)
 
+if (-not $Device) {
+    'Gsm.ps1 send COM5 +31612345678 "The text" | receive COM5 | ' +
+    'report COM5 +31612345678 "The text" | pin COM5 1234'
+    exit 2
+}
+$beyondGsm =
+    '[^\n\r -_a-~\xA1\xA3-\xA5\xA7\xBF\xC4-\xC7\xC9\xD1\xD6\xD8\xDC\xDF\xE0\xE4-\xE6\xE8\xE9\xEC\xF1\xF2' +
+    '\xF6\xF8\xF9\xFC\u0393\u0394\u0398\u039B\u039E\u03A0\u03A3\u03A6\u03A8\u03A9\u20AC]'
 $gsm = New-Object -ComObject Quorvane.SmsProtocolGsm
 $gsm.Device = $Device
 
@@ -12,7 +20,7 @@ function Send([bool]$WithReport) {
     $message = New-Object -ComObject Quorvane.SmsMessage
     $message.Recipient = $First
     $message.Data = $Text
-    $message.Format = 22  # asMESSAGEFORMAT_UNICODE_MULTIPART
+    $message.Format = if ($Text -cmatch $beyondGsm) { 22 } else { 2 }  # Unicode or text, split when long
     $message.RequestDeliveryStatus = [int]$WithReport
     $reference = $gsm.Send([ref]$message)
     Check

@@ -2,10 +2,15 @@
 
 Needs pywin32.
 """
+import re
 import sys
 import time
 
 import win32com.client
+
+BEYOND_GSM = re.compile(
+    r"[^\n\r -_a-~\xA1\xA3-\xA5\xA7\xBF\xC4-\xC7\xC9\xD1\xD6\xD8\xDC\xDF\xE0\xE4-\xE6\xE8\xE9\xEC\xF1\xF2"
+    r"\xF6\xF8\xF9\xFC\u0393\u0394\u0398\u039B\u039E\u03A0\u03A3\u03A6\u03A8\u03A9\u20AC]")
 
 
 def check(gsm):
@@ -17,7 +22,7 @@ def send(gsm, recipient, text, with_report=False):
     message = win32com.client.Dispatch("Quorvane.SmsMessage")
     message.Recipient = recipient
     message.Data = text
-    message.Format = 2 if all(ord(char) < 256 for char in text) else 22  # text or Unicode, split when long
+    message.Format = 22 if BEYOND_GSM.search(text) else 2  # Unicode or text, split when long
     message.RequestDeliveryStatus = with_report
     reference = gsm.Send(message)
     check(gsm)
@@ -52,6 +57,8 @@ def pin(gsm, code):
 
 
 if __name__ == "__main__":
+    if len(sys.argv) < 3:
+        sys.exit(__doc__)
     protocol = win32com.client.Dispatch("Quorvane.SmsProtocolGsm")
     protocol.Device = sys.argv[2]
     {"send": send, "receive": receive, "report": report, "pin": pin}[sys.argv[1]](protocol, *sys.argv[3:])

@@ -1,4 +1,8 @@
-// Reads and deletes the stored messages, several times: cscript receive.js COM5 [rounds] [pause in ms]
+// Reads and deletes the stored messages, several times.
+if (WScript.Arguments.length < 1) {
+    WScript.Echo("cscript receive.js COM5 [rounds] [pause in ms]");
+    WScript.Quit(2);
+}
 var rounds = WScript.Arguments.length > 1 ? Number(WScript.Arguments.Item(1)) : 1;
 var pause = WScript.Arguments.length > 2 ? Number(WScript.Arguments.Item(2)) : 5000;
 var gsm = new ActiveXObject("Quorvane.SmsProtocolGsm");

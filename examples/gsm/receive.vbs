@@ -1,6 +1,11 @@
-' Reads and deletes the stored messages, several times: cscript receive.vbs COM5 [rounds] [pause in ms]
+' Reads and deletes the stored messages, several times.
 Option Explicit
 Dim gsm, message, rounds, pause, i
+
+If WScript.Arguments.Count < 1 Then
+    WScript.Echo "cscript receive.vbs COM5 [rounds] [pause in ms]"
+    WScript.Quit 2
+End If
 
 rounds = 1
 pause = 5000

@@ -1,18 +1,33 @@
-' Sends an SMS and follows its delivery report: cscript report.vbs COM5 +31612345678 "The text" [pause in ms]
+' Sends an SMS and follows its delivery report.
 ' The reports are kept in a file, so that another run could go on where this one stopped.
 Option Explicit
-Dim gsm, message, reference, status, tries, pause, file
+Dim constants, gsm, message, beyondGsm, reference, status, tries, pause, file
+
+If WScript.Arguments.Count < 3 Then
+    WScript.Echo "cscript report.vbs COM5 +31612345678 ""The text"" [pause in ms]"
+    WScript.Quit 2
+End If
 
 pause = 11000
 If WScript.Arguments.Count > 3 Then pause = CLng(WScript.Arguments(3))
 file = "reports.txt"
 
+Set constants = CreateObject("Quorvane.SmsConstants")
 Set gsm = CreateObject("Quorvane.SmsProtocolGsm")
 gsm.Device = WScript.Arguments(0)
 Set message = CreateObject("Quorvane.SmsMessage")
 message.Recipient = WScript.Arguments(1)
 message.Data = WScript.Arguments(2)
 message.RequestDeliveryStatus = True
+Set beyondGsm = New RegExp
+beyondGsm.Pattern = _
+    "[^\n\r -_a-~\xA1\xA3-\xA5\xA7\xBF\xC4-\xC7\xC9\xD1\xD6\xD8\xDC\xDF\xE0\xE4-\xE6\xE8\xE9\xEC\xF1\xF2" & _
+    "\xF6\xF8\xF9\xFC\u0393\u0394\u0398\u039B\u039E\u03A0\u03A3\u03A6\u03A8\u03A9\u20AC]"
+If beyondGsm.Test(message.Data) Then
+    message.Format = constants.asMESSAGEFORMAT_UNICODE_MULTIPART
+Else
+    message.Format = constants.asMESSAGEFORMAT_TEXT_MULTIPART
+End If
 
 reference = gsm.Send(message)
 If gsm.LastError <> 0 Then

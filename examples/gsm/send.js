@@ -1,12 +1,20 @@
-// Sends one SMS: cscript send.js COM5 +31612345678 "The text"
+// Sends one SMS
+// Long texts go out in parts; a character outside the GSM alphabet makes it a Unicode message.
+if (WScript.Arguments.length < 3) {
+    WScript.Echo('cscript send.js COM5 +31612345678 "The text"');
+    WScript.Quit(2);
+}
+var beyondGsm = new RegExp(
+    "[^\n\r -_a-~\xA1\xA3-\xA5\xA7\xBF\xC4-\xC7\xC9\xD1\xD6\xD8\xDC\xDF\xE0\xE4-\xE6\xE8\xE9\xEC\xF1\xF2" +
+    "\xF6\xF8\xF9\xFC\u0393\u0394\u0398\u039B\u039E\u03A0\u03A3\u03A6\u03A8\u03A9\u20AC]");
 var constants = new ActiveXObject("Quorvane.SmsConstants");
 var gsm = new ActiveXObject("Quorvane.SmsProtocolGsm");
 var message = new ActiveXObject("Quorvane.SmsMessage");
 gsm.Device = WScript.Arguments.Item(0);
 message.Recipient = WScript.Arguments.Item(1);
 message.Data = WScript.Arguments.Item(2);
-message.Format = /[^\x00-\xff]/.test(message.Data) ? constants.asMESSAGEFORMAT_UNICODE_MULTIPART
-                                                   : constants.asMESSAGEFORMAT_TEXT_MULTIPART;
+message.Format = beyondGsm.test(message.Data) ? constants.asMESSAGEFORMAT_UNICODE_MULTIPART
+                                              : constants.asMESSAGEFORMAT_TEXT_MULTIPART;
 
 var reference = gsm.Send(message);
 if (gsm.LastError == 0) {

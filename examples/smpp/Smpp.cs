@@ -1,11 +1,15 @@
-// Smpp.exe send 127.0.0.1 2775 user password +31612345678 "The text" | receive 127.0.0.1 2775 user password [seconds]
+// SMS through an SMPP server.
 // Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll, then csc /r:NeltCtrl.Interop.dll /platform:x64 Smpp.cs
 using System;
+using System.Text.RegularExpressions;
 using NeltCtrl;
 
 static class Program
 {
     static readonly SmsProtocolSmpp smpp = new SmsProtocolSmpp();
+    static readonly Regex beyondGsm = new Regex(
+        @"[^\n\r -_a-~\xA1\xA3-\xA5\xA7\xBF\xC4-\xC7\xC9\xD1\xD6\xD8\xDC\xDF\xE0\xE4-\xE6\xE8\xE9\xEC\xF1\xF2" +
+        @"\xF6\xF8\xF9\xFC\u0393\u0394\u0398\u039B\u039E\u03A0\u03A3\u03A6\u03A8\u03A9\u20AC]");
 
     static void Check()
     {
@@ -14,7 +18,14 @@ static class Program
 
     static void Send(string recipient, string text)
     {
-        object message = new SmsMessage { Recipient = recipient, Data = text, RequestDeliveryStatus = 1 };
+        object message = new SmsMessage
+        {
+            Recipient = recipient,
+            Data = text,
+            Format = (int)(beyondGsm.IsMatch(text) ? SmsMessageFormat.asMESSAGEFORMAT_UNICODE_MULTIPART
+                                                  : SmsMessageFormat.asMESSAGEFORMAT_TEXT_MULTIPART),
+            RequestDeliveryStatus = 1
+        };
         string reference = smpp.Send(ref message);
         Check();
         var status = (ISmsDeliveryStatus)smpp.QueryStatus(reference, 1);
@@ -35,12 +46,20 @@ static class Program
         }
     }
 
+    [STAThread]
     static void Main(string[] args)
     {
+        if (args.Length < 5)
+        {
+            Console.WriteLine(@"Smpp.exe send 127.0.0.1 2775 user password +31612345678 ""The text"" | " +
+                              @"receive 127.0.0.1 2775 user password [seconds]");
+            Environment.Exit(2);
+        }
         smpp.Server = args[1];
         smpp.ServerPort = int.Parse(args[2]);
         smpp.SystemID = args[3];
         smpp.SystemPassword = args[4];
+        smpp.SystemCharSet = (int)SmppCharset.asSMPPCHARSET_GSM;
         smpp.Connect();
         Check();
         if (args[0] == "send") Send(args[5], args[6]);

@@ -1,11 +1,16 @@
-// Receives messages for some seconds: cscript receive.js 127.0.0.1 2775 user password [seconds]
+// Receives messages for some seconds.
+if (WScript.Arguments.length < 4) {
+    WScript.Echo("cscript receive.js 127.0.0.1 2775 user password [seconds]");
+    WScript.Quit(2);
+}
 var smpp = new ActiveXObject("Quorvane.SmsProtocolSmpp");
 var seconds = WScript.Arguments.Count() > 4 ? Number(WScript.Arguments.Item(4)) : 2;
 smpp.Server = WScript.Arguments.Item(0);
 smpp.ServerPort = Number(WScript.Arguments.Item(1));
 smpp.SystemID = WScript.Arguments.Item(2);
 smpp.SystemPassword = WScript.Arguments.Item(3);
-smpp.SystemMode = 2;
+smpp.SystemMode = 2;     // asSMPPMODE_RECEIVER
+smpp.SystemCharSet = 1;  // asSMPPCHARSET_GSM
 smpp.Connect();
 if (smpp.LastError != 0) {
     WScript.Echo("Connect failed: " + smpp.LastError + " " + smpp.GetErrorDescription(smpp.LastError));

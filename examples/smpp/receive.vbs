@@ -1,6 +1,11 @@
-' Receives messages for some seconds: cscript receive.vbs 127.0.0.1 2775 user password [seconds]
+' Receives messages for some seconds.
 Option Explicit
 Dim smpp, message, seconds, i
+
+If WScript.Arguments.Count < 4 Then
+    WScript.Echo "cscript receive.vbs 127.0.0.1 2775 user password [seconds]"
+    WScript.Quit 2
+End If
 
 seconds = 2
 If WScript.Arguments.Count > 4 Then seconds = CLng(WScript.Arguments(4))
@@ -9,7 +14,8 @@ smpp.Server = WScript.Arguments(0)
 smpp.ServerPort = WScript.Arguments(1)
 smpp.SystemID = WScript.Arguments(2)
 smpp.SystemPassword = WScript.Arguments(3)
-smpp.SystemMode = 2
+smpp.SystemMode = 2     ' asSMPPMODE_RECEIVER
+smpp.SystemCharSet = 1  ' asSMPPCHARSET_GSM
 smpp.Connect
 If smpp.LastError <> 0 Then
     WScript.Echo "Connect failed: " & smpp.LastError & " " & smpp.GetErrorDescription(smpp.LastError)

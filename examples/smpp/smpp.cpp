@@ -1,12 +1,17 @@
-// smpp send 127.0.0.1 2775 user password +31612345678 "The text" | receive 127.0.0.1 2775 user password
-// [seconds] Early bound through the vtable; NeltCtrl.h comes from the type library (build/windows/generated).
+// SMS through an SMPP server.
+// Early bound through the vtable; NeltCtrl.h comes from the type library (build/windows/generated).
 #include "NeltCtrl.h"
 
 #include <cstdio>
+#include <regex>
 #include <string>
 #include <windows.h>
 
 namespace {
+
+const std::wregex beyondGsm(
+    LR"([^\n\r -_a-~\xA1\xA3-\xA5\xA7\xBF\xC4-\xC7\xC9\xD1\xD6\xD8\xDC\xDF\xE0\xE4-\xE6\xE8\xE9\xEC\xF1\xF2)"
+    LR"(\xF6\xF8\xF9\xFC\u0393\u0394\u0398\u039B\u039E\u03A0\u03A3\u03A6\u03A8\u03A9\u20AC])");
 
 // A text for one call.
 class Text {
@@ -47,6 +52,8 @@ void Send(ISmsProtocolSmpp* smpp, const wchar_t* recipient, const wchar_t* text)
     ISmsMessage* message = New<SmsMessage, ISmsMessage>();
     message->put_Recipient(Text(recipient));
     message->put_Data(Text(text));
+    message->put_Format(std::regex_search(text, beyondGsm) ? asMESSAGEFORMAT_UNICODE_MULTIPART
+                                                           : asMESSAGEFORMAT_TEXT_MULTIPART);
     message->put_RequestDeliveryStatus(1);
     VARIANT argument;
     argument.vt = VT_DISPATCH;
@@ -86,21 +93,30 @@ void Receive(ISmsProtocolSmpp* smpp, int seconds) {
     }
 }
 
+int Usage() {
+    std::puts(R"(smpp_example send 127.0.0.1 2775 user password +31612345678 "The text" | )"
+              R"(receive 127.0.0.1 2775 user password [seconds])");
+    return 2;
+}
+
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
-    if (argc < 6) return 1;
-    const std::wstring job = argv[1];
+    const std::wstring job = argc > 1 ? argv[1] : L"";
+    const bool send = job == L"send" && argc > 7;
+    const bool receive = job == L"receive" && argc > 5;
+    if (!send && !receive) return Usage();
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     ISmsProtocolSmpp* smpp = New<SmsProtocolSmpp, ISmsProtocolSmpp>();
     smpp->put_Server(Text(argv[2]));
     smpp->put_ServerPort(std::stoi(argv[3]));
     smpp->put_SystemID(Text(argv[4]));
     smpp->put_SystemPassword(Text(argv[5]));
+    smpp->put_SystemCharSet(asSMPPCHARSET_GSM);
     smpp->Connect();
     const bool connected = !Failed(smpp);
-    if (connected && job == L"send" && argc > 7) Send(smpp, argv[6], argv[7]);
-    if (connected && job == L"receive") Receive(smpp, argc > 6 ? std::stoi(argv[6]) : 2);
+    if (connected && send) Send(smpp, argv[6], argv[7]);
+    if (connected && receive) Receive(smpp, argc > 6 ? std::stoi(argv[6]) : 2);
     smpp->Disconnect();
     smpp->Release();
     CoUninitialize();

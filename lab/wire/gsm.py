@@ -6,8 +6,10 @@ ALPHABET = ("@£$¥èéùìòÇ\nØø\rÅåΔ_ΦΓΛΩΠΨΣΘΞ\x1bÆæßÉ !\"
             "¡ABCDEFGHIJKLMNOPQRSTUVWXYZÄÖÑÜ§¿abcdefghijklmnopqrstuvwxyzäöñüà")
 ESCAPES = {0x0A: "\f", 0x14: "^", 0x28: "{", 0x29: "}", 0x2F: "\\", 0x3C: "[", 0x3D: "~", 0x3E: "]", 0x40: "|",
            0x65: "€"}
+SERVICE_CENTRE = "+31653131313"
 CODES = {char: [code] for code, char in enumerate(ALPHABET)}
 CODES.update({char: [0x1B, code] for code, char in ESCAPES.items()})
+
 
 def septets_from(data, skip_bits, count):
     bits = "".join(f"{octet:08b}"[::-1] for octet in data)[skip_bits:]
@@ -29,6 +31,10 @@ def text_from_codes(codes):
         text += ESCAPES.get(code, ALPHABET[code]) if escaped else ALPHABET[code]
         escaped = False
     return text
+
+
+def codes_from_text(text):
+    return [code for char in text for code in CODES.get(char, CODES["?"])]
 
 
 def number_from(type_octet, digits):
@@ -118,18 +124,18 @@ def describe(fields):
 
 
 def deliver(sender, coding, body, header=b"", when=None):
-    """One SMS-DELIVER with the service centre +31653131313."""
+    """One SMS-DELIVER with its service centre."""
     first = 0x44 if header else 0x04
     taken = bytes([len(header)]) + header if header else b""
     if coding == "ucs2":
         data, dcs = taken + body.encode("utf-16-be"), 0x08
         size = len(data)
     else:
-        codes = [code for char in body for code in CODES.get(char, CODES["?"])]
+        codes = codes_from_text(body)
         fill = -8 * len(taken) % 7
         data, dcs = taken + septets_to(codes, fill), 0x00
         size = (8 * len(taken) + fill) // 7 + len(codes)
-    smsc = number_to("+31653131313")
+    smsc = number_to(SERVICE_CENTRE)
     return (bytes([len(smsc) - 1]) + smsc[1:] + bytes([first]) + number_to(sender) + bytes([0, dcs]) +
             stamp(time.time() if when is None else when) + bytes([size]) + data)
 

@@ -1,6 +1,8 @@
 """PDUs of SMPP 3.4."""
 import struct
 
+from wire import gsm
+
 NAMES = {1: "bind_receiver", 2: "bind_transmitter", 9: "bind_transceiver", 4: "submit_sm", 5: "deliver_sm", 6: "unbind",
          0x15: "enquire_link", 0x103: "data_sm"}
 RESPONSE = 0x80000000
@@ -27,7 +29,18 @@ def c_string(data, at):
     return data[at:end].decode("latin-1"), end + 1
 
 
-def read_submit(body):
+def octets_of(text, alphabet):
+    """The octets of a text with data_coding 0, in the server's default alphabet: "gsm" or an encoding of Python's."""
+    return bytes(gsm.codes_from_text(text)) if alphabet == "gsm" else text.encode(alphabet, "replace")
+
+
+def text_of(octets, alphabet):
+    if alphabet == "gsm":
+        return gsm.text_from_codes(octet & 0x7F for octet in octets)
+    return octets.decode(alphabet, "replace")
+
+
+def read_submit(body, alphabet="latin-1"):
     """The fields of a submit_sm; ValueError or IndexError when it is cut."""
     fields, at = {}, 0
     fields["service_type"], at = c_string(body, at)
@@ -45,7 +58,7 @@ def read_submit(body):
     if fields["esm_class"] & 0x40:
         fields["header"], message = message[1:1 + message[0]].hex().upper(), message[1 + message[0]:]
     fields["octets"] = message.hex().upper()
-    fields["text"] = message.decode("utf-16-be" if fields["data_coding"] & 8 else "latin-1", "replace")
+    fields["text"] = text_of(message, "utf-16-be" if fields["data_coding"] & 8 else alphabet)
     fields["tlvs"] = read_tlvs(rest)
     return fields
 

@@ -1,86 +1,40 @@
-// What every automatable class has in common: IUnknown and IDispatch, the access to plain values, the common
-// members and the one boundary that methods work behind.
+// What every automatable class has in common: IUnknown and IDispatch, the lines that make properties, the
+// common members and the one boundary that methods work behind.
 #pragma once
 #include "foundation/ErrorTexts.h"
 #include "foundation/Product.h"
 #include "frame/DispatchNamesAuto.h"
 #include "frame/ModuleAuto.h"
+#include "frame/ValuesAuto.h"
 #include "frame/VrmBase.h"
 
 #include <atomic>
 #include <cstdint>
 #include <exception>
 #include <new>
-#include <oaidl.h>
 #include <source_location>
-#include <string>
-#include <string_view>
 #include <type_traits>
-#include <windows.h>
 
-// --- values across the interface; a null output pointer leaves everything as it is
+// --- property lines; the type of the field chooses the conversion (frame/ValuesAuto.h)
 
-std::string AnsiOf(BSTR text);
-std::u16string WideOf(BSTR text);
-BSTR NewBstr(std::string_view ansi);
-BSTR NewBstr(std::u16string_view text);
-
-// Writes a value to an output pointer, which may be null. Always S_OK.
-HRESULT Give(BSTR* out, std::string_view ansi) noexcept;
-HRESULT Give(BSTR* out, std::u16string_view text) noexcept;
-
-template <class Number>
-requires std::is_integral_v<Number> HRESULT Give(LONG* out, Number value)
-noexcept {
-    if (out != nullptr) *out = static_cast<LONG>(value);
-    return S_OK;
-}
-
-// Stores a value as it is. Always S_OK.
-HRESULT Store(std::string& field, BSTR text) noexcept;
-HRESULT Store(std::u16string& field, BSTR text) noexcept;
-
-template <class Number>
-requires std::is_integral_v<Number> HRESULT Store(Number& field, LONG value)
-noexcept {
-    field = static_cast<Number>(value);
-    return S_OK;
-}
-
-// The object in a VARIANT, through every form of indirection; null when there is none. The caller releases
-// it.
-IUnknown* ObjectOf(const VARIANT* value, const IID& iid) noexcept;
-
-template <class Interface>
-class ComPointer {
-  public:
-    explicit ComPointer(Interface* owned = nullptr) : pointer_(owned) {}
-    ComPointer(const ComPointer&) = delete;
-    ComPointer& operator=(const ComPointer&) = delete;
-    ~ComPointer() {
-        if (pointer_ != nullptr) pointer_->Release();
+// Read only: any expression.
+#define AUTO_READ(type, name, value)                                          \
+    STDMETHODIMP get_##name(type* pVal) noexcept override {                   \
+        return GiveResult(pVal, [&]() -> decltype(auto) { return (value); }); \
     }
-    static ComPointer In(const VARIANT* value) {
-        return ComPointer(static_cast<Interface*>(static_cast<void*>(ObjectOf(value, __uuidof(Interface)))));
-    }
-    Interface* operator->() const { return pointer_; }
-    Interface* get() const { return pointer_; }
-    explicit operator bool() const { return pointer_ != nullptr; }
+#define AUTO_TEXT_READ(name, value) AUTO_READ(BSTR, name, value)
+#define AUTO_OCTETS_READ(name, value) AUTO_READ(BSTR, name, value)
+#define AUTO_NUMBER_READ(name, value) AUTO_READ(LONG, name, value)
+#define AUTO_FLAG_READ(name, value) AUTO_READ(LONG, name, value)
 
-  private:
-    Interface* pointer_;
-};
-
-// Puts an object into an output VARIANT, which takes over the reference; null gives "Nothing".
-HRESULT GiveObject(VARIANT* out, IDispatch* object) noexcept;
-
-// One property, read and written, of a field of the object.
-#define AUTO_TEXT(name, field)                                                          \
-    STDMETHODIMP get_##name(BSTR* pVal) noexcept override { return Give(pVal, field); } \
-    STDMETHODIMP put_##name(BSTR newVal) noexcept override { return Store(field, newVal); }
-#define AUTO_NUMBER(name, field)                                                        \
-    STDMETHODIMP get_##name(LONG* pVal) noexcept override { return Give(pVal, field); } \
-    STDMETHODIMP put_##name(LONG newVal) noexcept override { return Store(field, newVal); }
+// Read and written: a field of the object.
+#define AUTO_FIELD(type, name, field) \
+    AUTO_READ(type, name, field)      \
+    STDMETHODIMP put_##name(type newVal) noexcept override { return Store(field, newVal); }
+#define AUTO_TEXT(name, field) AUTO_FIELD(BSTR, name, field)
+#define AUTO_OCTETS(name, field) AUTO_FIELD(BSTR, name, field)
+#define AUTO_NUMBER(name, field) AUTO_FIELD(LONG, name, field)
+#define AUTO_FLAG(name, field) AUTO_FIELD(LONG, name, field)
 
 // --- IUnknown and IDispatch
 
@@ -94,7 +48,7 @@ class Automation : public Interface {
     STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
         if (object == nullptr) return E_POINTER;
         const bool known = IsEqualIID(iid, IID_IUnknown) || IsEqualIID(iid, IID_IDispatch) ||
-                           IsEqualIID(iid, __uuidof(Interface));
+                           IsEqualIID(iid, __uuidof(Interface)) || IsOwnIid(iid);
         *object = known ? static_cast<Interface*>(this) : nullptr;
         if (!known) return E_NOINTERFACE;
         AddRef();
@@ -144,6 +98,9 @@ class Automation : public Interface {
   protected:
     virtual ~Automation() = default;
 
+    // Whether the IID is the one by which our own objects know this class (frame/OwnObjectAuto.h).
+    virtual bool IsOwnIid(REFIID /*iid*/) const { return false; }
+
   private:
     static ITypeInfo* Info() {
         static ITypeInfo* const info = Module::Get().TypeInfo(__uuidof(Interface));
@@ -154,14 +111,25 @@ class Automation : public Interface {
     std::atomic<ULONG> references_ = 1;
 };
 
+// --- the argument of a lambda that takes one by reference
+
+template <class Call>
+struct ArgumentOfCall;
+template <class Lambda, class Outcome, class Argument>
+struct ArgumentOfCall<Outcome (Lambda::*)(Argument&) const> {
+    using Type = Argument;
+};
+template <class Lambda>
+using ArgumentOf = typename ArgumentOfCall<decltype(&Lambda::operator())>::Type;
+
 // --- the common members; an interface takes those it declares
 
 template <class Interface>
 class ObjectAuto : public Automation<Interface> {
   public:
-    STDMETHODIMP get_LastError(LONG* pVal) noexcept override { return Give(pVal, lastError_.load()); }
-    STDMETHODIMP get_Version(BSTR* pVal) noexcept override { return Give(pVal, product::kVersion); }
-    STDMETHODIMP get_Build(BSTR* pVal) noexcept override { return Give(pVal, product::kBuild); }
+    AUTO_NUMBER_READ(LastError, lastError_.load())
+    AUTO_TEXT_READ(Version, product::kVersion)
+    AUTO_TEXT_READ(Build, product::kBuild)
     virtual STDMETHODIMP get_Module(BSTR* pVal) noexcept { return Give(pVal, product::kModule); }
     STDMETHODIMP GetErrorDescription(LONG lCode, BSTR* pVal) noexcept override {
         return Give(pVal, DescribeError(lCode));
@@ -177,6 +145,24 @@ class ObjectAuto : public Automation<Interface> {
     HRESULT Method(Work&& work, std::source_location where = std::source_location::current()) noexcept {
         lastError_ = Guard(work, where).Number();
         return S_OK;
+    }
+
+    // Runs a method that puts something out: the argument of `work`, of any type that Put knows. Without a
+    // pointer: 33005. The output is emptied before the work and gets what that leaves in its argument,
+    // whatever the code.
+    template <class Out, class Work>
+    HRESULT Output(Out* pVal, Work&& work,
+                   std::source_location where = std::source_location::current()) noexcept {
+        return Method(
+            [&] {
+                if (pVal == nullptr) return result::InvalidParameter;
+                ArgumentOf<std::remove_cvref_t<Work>> value{};
+                PutNothing(pVal, value);
+                const ResultCode code = work(value);
+                Put(pVal, value);
+                return code;
+            },
+            where);
     }
 
   private:
@@ -204,36 +190,4 @@ class ObjectAuto : public Automation<Interface> {
     }
 
     std::atomic<std::int32_t> lastError_ = 0;  // a worker thread may set it too
-};
-
-// A class with log and activity files, which its engine writes.
-template <class Interface>
-class ProtocolAuto : public ObjectAuto<Interface> {
-  public:
-    STDMETHODIMP get_LogFile(BSTR* pVal) noexcept override { return Give(pVal, this->Base().LogFile()); }
-    STDMETHODIMP put_LogFile(BSTR newVal) noexcept override {
-        return Set(newVal, [this](const std::string& name) { this->Base().SetLogFile(name); });
-    }
-    virtual STDMETHODIMP get_ActivityFile(BSTR* pVal) noexcept {
-        return Give(pVal, this->Base().ActivityFile());
-    }
-    virtual STDMETHODIMP put_ActivityFile(BSTR newVal) noexcept {
-        return Set(newVal, [this](const std::string& name) { this->Base().SetActivityFile(name); });
-    }
-
-  protected:
-    // The class's own AdvancedSettings property.
-    HRESULT GiveAdvancedSettings(BSTR* pVal) noexcept { return Give(pVal, this->Base().AdvancedSettings()); }
-    HRESULT StoreAdvancedSettings(BSTR newVal) noexcept {
-        return Set(newVal, [this](const std::string& text) { this->Base().SetAdvancedSettings(text); });
-    }
-
-    template <class Setter>
-    HRESULT Set(BSTR text, Setter setter) noexcept {
-        try {
-            setter(AnsiOf(text));
-        } catch (...) {  // a setter has no result code; what cannot be stored is not stored
-        }
-        return S_OK;
-    }
 };

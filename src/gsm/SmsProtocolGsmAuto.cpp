@@ -4,7 +4,6 @@
 #include "foundation/serial/TelephonyWin.h"
 #include "gsm/GsmModem.h"
 #include "sms/SmsChannelAuto.h"
-#include "sms/SmsDeliveryStatusAuto.h"
 
 namespace {
 
@@ -21,22 +20,18 @@ class SmsProtocolGsmAuto final : public SmsChannelAuto<ISmsProtocolGsm, CGsmMode
     AUTO_TEXT(SMSC, engine_.settings.smsc)
 
     STDMETHODIMP GetDeviceCount(LONG* pVal) noexcept override {
-        return Method([&] {
-            if (pVal == nullptr) return result::InvalidParameter;
-            *pVal = static_cast<LONG>(TelephonyLines().size());
+        return Output(pVal, [](std::size_t& count) {
+            count = TelephonyLines().size();
             return result::Success;
         });
     }
-
     STDMETHODIMP GetDevice(LONG lDevice, BSTR* pVal) noexcept override {
-        return Method([&] {
-            if (pVal == nullptr) return result::InvalidParameter;
-            *pVal = nullptr;
+        return Output(pVal, [lDevice](std::optional<std::string>& name) {
             const std::vector<std::string> lines = TelephonyLines();
             if (lDevice < 0 || static_cast<std::size_t>(lDevice) >= lines.size()) {
                 return result::TelephonyDeviceNotFound;
             }
-            *pVal = NewBstr(lines[static_cast<std::size_t>(lDevice)]);
+            name = lines[static_cast<std::size_t>(lDevice)];
             return result::Success;
         });
     }
@@ -44,45 +39,27 @@ class SmsProtocolGsmAuto final : public SmsChannelAuto<ISmsProtocolGsm, CGsmMode
     STDMETHODIMP EnterPin(BSTR bstrPIN) noexcept override {
         return Method([&] { return engine_.EnterPin(AnsiOf(bstrPIN)); });
     }
-
     STDMETHODIMP SendCommand(BSTR bstrCommand, LONG lTimeout, BSTR* pbstrResponse) noexcept override {
-        return Method([&] {
-            if (pbstrResponse == nullptr) return result::InvalidParameter;
-            *pbstrResponse = nullptr;
-            std::string response;
-            const ResultCode code =
-                engine_.SendCommand(AnsiOf(bstrCommand), static_cast<std::uint32_t>(lTimeout), response);
-            *pbstrResponse = NewBstr(response);
-            return code;
+        return Output(pbstrResponse, [&](std::string& response) {
+            return engine_.SendCommand(AnsiOf(bstrCommand), static_cast<std::uint32_t>(lTimeout), response);
         });
     }
-
     STDMETHODIMP Receive(LONG* pVal) noexcept override {
-        return Method([&] {
-            if (pVal == nullptr) return result::InvalidParameter;
-            *pVal = 0;
+        return Output(pVal, [&](std::size_t& count) {
             const ResultCode code = engine_.Receive();
-            *pVal = static_cast<LONG>(engine_.Received().Count());
+            count = engine_.Received().Count();
             return code;
         });
     }
-
     STDMETHODIMP DeleteMessage(LONG lIndex) noexcept override {
         return Method([&] { return engine_.DeleteMessage(lIndex); });
     }
-
     STDMETHODIMP DeleteAllMessages(LONG bAll) noexcept override {
         return Method([&] { return engine_.DeleteAllMessages(bAll != 0); });
     }
-
     STDMETHODIMP QueryStatus(BSTR bstrReference, VARIANT* pVal) noexcept override {
-        return Method([&] {
-            if (pVal == nullptr) return result::InvalidParameter;
-            GiveObject(pVal, nullptr);
-            CSmsDeliveryReport report;
-            const ResultCode code = engine_.QueryStatus(AnsiOf(bstrReference), report);
-            if (code == result::Success) GiveDeliveryStatus(pVal, report);
-            return code;
+        return GiveStatus(pVal, [&](CSmsDeliveryReport& report) {
+            return engine_.QueryStatus(AnsiOf(bstrReference), report);
         });
     }
 };

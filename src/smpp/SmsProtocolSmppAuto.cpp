@@ -2,82 +2,50 @@
 #include "NeltCtrl.h"
 #include "smpp/SmppProtocol.h"
 #include "sms/SmsChannelAuto.h"
-#include "sms/SmsDeliveryStatusAuto.h"
+
+// A list of optional parameters as a property is its text form.
+static BSTR NewBstr(const CTLVRecords& records) { return NewBstr(records.ToText()); }
+static void Take(CTLVRecords& records, BSTR text) { records.FromText(WideOf(text)); }
 
 namespace {
 
-// The integer in a VARIANT, of any width, or a boolean as 0 or 1.
-bool IntegerIn(const VARIANT& value, std::uint32_t& number) {
-    switch (value.vt) {
-        case VT_BOOL:
-            number = value.boolVal != VARIANT_FALSE ? 1 : 0;
-            return true;
-        case VT_I1:
-        case VT_UI1:
-        case VT_I2:
-        case VT_UI2:
-        case VT_I4:
-        case VT_UI4:
-        case VT_INT:
-        case VT_UINT:
-        case VT_R8: {
-            VARIANT wide;
-            ::VariantInit(&wide);
-            if (FAILED(::VariantChangeType(&wide, const_cast<VARIANT*>(&value), 0, VT_I8))) return false;
-            number = static_cast<std::uint32_t>(wide.llVal);
-            return true;
-        }
-        default:
-            return false;
-    }
-}
-
 // Takes a value into a record; false for a VARIANT that is neither number nor text.
 bool TakeValue(const VARIANT& value, CTLVRecord& record) {
-    const VARIANT* inner = &value;
-    for (int depth = 0; inner->vt == (VT_VARIANT | VT_BYREF) && inner->pvarVal != nullptr && depth < 8;
-         ++depth) {
-        inner = inner->pvarVal;
-    }
-    VARIANT plain;
-    ::VariantInit(&plain);
-    if (FAILED(::VariantCopyInd(&plain, const_cast<VARIANT*>(inner)))) return false;
-    std::uint32_t number = 0;
-    bool taken = true;
-    if (IntegerIn(plain, number)) {
-        record.SetInteger(number);
-    } else if (plain.vt == VT_BSTR) {
-        record.text = WideOf(plain.bstrVal);
+    const VARIANT found = ValueIn(&value);
+    if (const auto number = IntegerIn(found)) {
+        record.SetInteger(*number);
+    } else if (found.vt == VT_BSTR) {
+        record.text = WideOf(found.bstrVal);
     } else {
-        taken = false;
+        return false;
     }
-    ::VariantClear(&plain);
-    return taken;
+    return true;
 }
 
-void GiveValue(const CTLVRecord& record, VARIANT* out) {
-    ::VariantInit(out);
+VARIANT ValueOf(const CTLVRecord& record) {
+    VARIANT value{};
     switch (record.type) {
         case TLVType::kByte:
-            out->vt = VT_UI1;
-            out->bVal = record.byteValue;
+            value.vt = VT_UI1;
+            value.bVal = record.byteValue;
             break;
         case TLVType::kWord:
-            out->vt = VT_I2;
-            out->iVal = static_cast<SHORT>(record.wordValue);
+            value.vt = VT_I2;
+            value.iVal = static_cast<SHORT>(record.wordValue);
             break;
         case TLVType::kLong:
-            out->vt = VT_I4;
-            out->lVal = static_cast<LONG>(record.longValue);
+            value.vt = VT_I4;
+            value.lVal = static_cast<LONG>(record.longValue);
             break;
         default:
-            out->vt = VT_BSTR;
-            out->bstrVal = NewBstr(record.text);
+            value.vt = VT_BSTR;
+            value.bstrVal = NewBstr(record.text);
             break;
     }
+    return value;
 }
 
-class SmsProtocolSmppAuto final : public SmsChannelAuto<ISmsProtocolSmpp, CSmppProtocol> {
+class SmsProtocolSmppAuto final : public ProviderAuto<SmsChannelAuto<ISmsProtocolSmpp, CSmppProtocol>> {
   public:
     SmsProtocolSmppAuto() {
         engine_.SetFailureHandler([this](ResultCode code) { SetLastError(code); });
@@ -101,21 +69,9 @@ class SmsProtocolSmppAuto final : public SmsChannelAuto<ISmsProtocolSmpp, CSmppP
     AUTO_NUMBER(SystemCharSet, engine_.settings.charSet)
     AUTO_TEXT(AddressRange, engine_.settings.addressRange)
     AUTO_NUMBER(DeliveryReportFormat, engine_.settings.reportFormat)
-    STDMETHODIMP get_sysTLVRecordsTX(BSTR* pVal) noexcept override {
-        return Give(pVal, engine_.settings.transmitTlvs.ToText());
-    }
-    STDMETHODIMP put_sysTLVRecordsTX(BSTR newVal) noexcept override {
-        return StoreTlvs(engine_.settings.transmitTlvs, newVal);
-    }
-    STDMETHODIMP get_sysTLVRecordsRX(BSTR* pVal) noexcept override {
-        return Give(pVal, engine_.settings.receiveTlvs.ToText());
-    }
-    STDMETHODIMP put_sysTLVRecordsRX(BSTR newVal) noexcept override {
-        return StoreTlvs(engine_.settings.receiveTlvs, newVal);
-    }
-    STDMETHODIMP get_IsConnected(LONG* pVal) noexcept override {
-        return Give(pVal, engine_.IsConnected() ? -1 : 0);
-    }
+    AUTO_TEXT(sysTLVRecordsTX, engine_.settings.transmitTlvs)
+    AUTO_TEXT(sysTLVRecordsRX, engine_.settings.receiveTlvs)
+    AUTO_FLAG_READ(IsConnected, engine_.IsConnected())
 
     STDMETHODIMP Connect() noexcept override {
         return Method([&] { return engine_.Connect(); });
@@ -126,7 +82,6 @@ class SmsProtocolSmppAuto final : public SmsChannelAuto<ISmsProtocolSmpp, CSmppP
             return result::Success;
         });
     }
-
     STDMETHODIMP SetTLVValue(LONG lType, LONG lTag, VARIANT vtValue) noexcept override {
         return Method([&] {
             if (lType < 1 || lType > 6) return result::TlvInvalidType;
@@ -139,42 +94,25 @@ class SmsProtocolSmppAuto final : public SmsChannelAuto<ISmsProtocolSmpp, CSmppP
             return result::Success;
         });
     }
-
     STDMETHODIMP GetTLVValue(LONG lTag, VARIANT* pVal) noexcept override {
-        return Method([&] {
-            if (pVal == nullptr) return result::InvalidParameter;
-            ::VariantInit(pVal);
+        return Output(pVal, [&](VariantOwner& value) {
             if (lTag < 1 || lTag > 0xFFFF) return result::TlvInvalidTag;
             const CTLVRecord* record = engine_.settings.receiveTlvs.Find(static_cast<std::uint32_t>(lTag));
             if (record == nullptr) return result::TlvNotFound;
-            GiveValue(*record, pVal);
+            *value.Receive() = ValueOf(*record);
             return result::Success;
         });
     }
-
     STDMETHODIMP QueryStatus(BSTR bstrReference, LONG bWait, VARIANT* pVal) noexcept override {
-        return Method([&] {
-            if (pVal == nullptr) return result::InvalidParameter;
-            GiveObject(pVal, nullptr);
-            CSmsDeliveryReport report;
-            const ResultCode code = engine_.QueryStatus(AnsiOf(bstrReference), bWait != 0, report);
-            if (code == result::Success || code == result::SmppTimedOut) GiveDeliveryStatus(pVal, report);
-            return code;
+        return GiveStatus(pVal, [&](CSmsDeliveryReport& report) {
+            return engine_.QueryStatus(AnsiOf(bstrReference), bWait != 0, report);
         });
     }
-
     STDMETHODIMP CountReceivedMessages(LONG* pVal) noexcept override {
-        return Method([&] {
-            if (pVal == nullptr) return result::InvalidParameter;
-            *pVal = static_cast<LONG>(engine_.Received().Count());
+        return Output(pVal, [&](std::size_t& count) {
+            count = engine_.Received().Count();
             return result::Success;
         });
-    }
-    STDMETHODIMP ProviderLoadConfig(BSTR bstrConfigFile) noexcept override {
-        return Method([&] { return engine_.LoadConfig(AnsiOf(bstrConfigFile)); });
-    }
-    STDMETHODIMP ProviderSaveConfig(BSTR bstrConfigFile) noexcept override {
-        return Method([&] { return engine_.SaveConfig(AnsiOf(bstrConfigFile)); });
     }
     STDMETHODIMP Sleep(LONG lMilliseconds) noexcept override {
         return Method([&] {
@@ -191,14 +129,6 @@ class SmsProtocolSmppAuto final : public SmsChannelAuto<ISmsProtocolSmpp, CSmppP
     }
     void Giving(const CSmsMessageX& message) override { engine_.settings.receiveTlvs = message.TlvRecords; }
     void WalkEnded() override { engine_.Received().RemoveRead(); }  // the caller has seen them all
-
-    HRESULT StoreTlvs(CTLVRecords& records, BSTR text) noexcept {
-        try {
-            records.FromText(WideOf(text));
-        } catch (...) {  // a setter has no result code
-        }
-        return S_OK;
-    }
 };
 
 }  // namespace

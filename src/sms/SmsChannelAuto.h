@@ -1,38 +1,21 @@
-// What the channels that send and receive have in common: the walk over received messages, the report files.
+// What the channels that send and receive have in common: sending, the walk over received messages, the
+// reports.
 #pragma once
-#include "foundation/ErrorTexts.h"
-#include "frame/AutomationAuto.h"
+#include "frame/ProtocolAuto.h"
+#include "sms/SmsDeliveryStatusAuto.h"
 #include "sms/SmsMessageAuto.h"
 
-#include <utility>
+#include <optional>
 
 template <class Interface, class Engine>
-class SmsChannelAuto : public ProtocolAuto<Interface> {
+class SmsChannelAuto : public ProtocolAuto<Interface, Engine> {
   public:
-    STDMETHODIMP get_AdvancedSettings(BSTR* pVal) noexcept override {
-        return this->GiveAdvancedSettings(pVal);
-    }
-    STDMETHODIMP put_AdvancedSettings(BSTR newVal) noexcept override {
-        return this->StoreAdvancedSettings(newVal);
-    }
-
-    STDMETHODIMP Clear() noexcept override {
-        return this->Method([&] {
-            engine_.Clear();
-            return result::Success;
-        });
-    }
-
     STDMETHODIMP Send(VARIANT* pMessage, BSTR* pVal) noexcept override {
-        return this->Method([&] {
-            if (pMessage == nullptr || pVal == nullptr) return result::InvalidParameter;
-            *pVal = nullptr;
+        return this->Output(pVal, [&](std::optional<std::string>& references) {
+            if (pMessage == nullptr) return result::InvalidParameter;
             CSmsMessageX message;
-            if (const ResultCode code = Prepare(pMessage, message); code != result::Success) return code;
-            std::string references;
-            const ResultCode code = engine_.Send(message, references);
-            *pVal = NewBstr(references);
-            return code;
+            const ResultCode code = Prepare(pMessage, message);
+            return code == result::Success ? engine_.Send(message, references.emplace()) : code;
         });
     }
 
@@ -62,10 +45,8 @@ class SmsChannelAuto : public ProtocolAuto<Interface> {
     }
 
   protected:
-    template <class... Arguments>
-    explicit SmsChannelAuto(Arguments&&... arguments) : engine_(std::forward<Arguments>(arguments)...) {}
-
-    CVrmBase& Base() override { return engine_; }
+    using ProtocolAuto<Interface, Engine>::ProtocolAuto;
+    using ProtocolAuto<Interface, Engine>::engine_;
 
     // Copies the caller's message for sending.
     virtual ResultCode Prepare(VARIANT* from, CSmsMessageX& message) {
@@ -75,19 +56,26 @@ class SmsChannelAuto : public ProtocolAuto<Interface> {
     virtual void Giving(const CSmsMessageX& /*message*/) {}
     virtual void WalkEnded() {}
 
-    Engine engine_;
+    // Gives the report that `query` finds; one that was waited for in vain is given as it is.
+    template <class Query>
+    HRESULT GiveStatus(VARIANT* pVal, Query query) noexcept {
+        return this->Output(pVal, [&](ComPointer<IDispatch>& status) {
+            CSmsDeliveryReport report;
+            const ResultCode code = query(report);
+            if (code == result::Success || code == result::SmppTimedOut) status = NewDeliveryStatus(report);
+            return code;
+        });
+    }
 
   private:
     template <class Read>
     HRESULT GiveMessage(VARIANT* pVal, Read read) noexcept {
-        return this->Method([&] {
-            if (pVal == nullptr) return result::InvalidParameter;
-            GiveObject(pVal, nullptr);
+        return this->Output(pVal, [&](ComPointer<IDispatch>& object) {
             CSmsMessageX message;
             const ResultCode code = read(message);
             if (code != result::Success) return code;
             Giving(message);
-            GiveSmsMessage(pVal, message);
+            object = NewSmsMessage(message);
             return code;
         });
     }

@@ -12,7 +12,7 @@ struct Row {
 };
 
 constexpr auto kConstants = std::to_array<Row>({
-#define SMS_CONSTANT(name, value, dispid, help) {#name, value, help},
+#define CONSTANTS_AS_ROWS
 #include "sms/SmsConstants.inc"
 });
 

@@ -5,7 +5,7 @@
 #include <string_view>
 
 namespace sms {
-#define SMS_CONSTANT(name, value, dispid, help) inline constexpr std::int32_t name = value;
+#define CONSTANTS_AS_VALUES
 #include "sms/SmsConstants.inc"
 }  // namespace sms
 

@@ -6,8 +6,7 @@ namespace {
 
 class SmsConstantsAuto final : public Automation<ISmsConstants> {
   public:
-#define SMS_CONSTANT(name, value, dispid, help) \
-    STDMETHODIMP get_##name(LONG* pVal) noexcept override { return Give(pVal, value); }
+#define CONSTANTS_AS_GETTERS
 #include "sms/SmsConstants.inc"
 };
 

@@ -1,22 +1,28 @@
 #include "sms/SmsDeliveryStatusAuto.h"
 
-#include "foundation/ErrorTexts.h"
+#include "NeltCtrl.h"
 #include "frame/AutomationAuto.h"
 
 namespace {
 
 class SmsDeliveryStatusAuto final : public Automation<ISmsDeliveryStatus> {
   public:
+    SmsDeliveryStatusAuto() = default;
+    explicit SmsDeliveryStatusAuto(const CSmsDeliveryReport& report)
+        : status_(report.status),
+          statusCode_(report.statusCode),
+          completedTime_(TimeText(SystemClock(), report.completedTime)),
+          completedTimeSecs_(report.completedTime),
+          isCompleted_(IsCompletedStatus(report.status) ? -1 : 0),
+          providerReference_(report.providerReference) {}
+
     AUTO_NUMBER(Status, status_)
     AUTO_NUMBER(StatusCode, statusCode_)
     AUTO_TEXT(StatusCompletedTime, completedTime_)
     AUTO_NUMBER(StatusCompletedTimeSecs, completedTimeSecs_)
     AUTO_NUMBER(IsCompleted, isCompleted_)
     AUTO_TEXT(ProviderReference, providerReference_)
-
-    STDMETHODIMP get_StatusDescription(BSTR* pVal) noexcept override {
-        return Give(pVal, DeliveryStatusText(status_));
-    }
+    AUTO_TEXT_READ(StatusDescription, DeliveryStatusText(status_))
 
   private:
     std::int32_t status_ = 0;
@@ -31,23 +37,6 @@ class SmsDeliveryStatusAuto final : public Automation<ISmsDeliveryStatus> {
 
 IUnknown* CreateSmsDeliveryStatus() { return new SmsDeliveryStatusAuto; }
 
-ResultCode FillStatus(const CSmsDeliveryReport& report, const VARIANT* target) {
-    const auto status = ComPointer<ISmsDeliveryStatus>::In(target);
-    if (!status) return result::InvalidMessageObject;
-    BSTR time = NewBstr(TimeText(SystemClock(), report.completedTime));
-    BSTR provider = NewBstr(report.providerReference);
-    status->put_Status(report.status);
-    status->put_StatusCode(report.statusCode);
-    status->put_StatusCompletedTimeSecs(report.completedTime);
-    status->put_StatusCompletedTime(time);
-    status->put_ProviderReference(provider);
-    status->put_IsCompleted(IsCompletedStatus(report.status) ? -1 : 0);
-    ::SysFreeString(time);
-    ::SysFreeString(provider);
-    return result::Success;
-}
-
-void GiveDeliveryStatus(VARIANT* out, const CSmsDeliveryReport& report) {
-    GiveObject(out, new SmsDeliveryStatusAuto);
-    (void)FillStatus(report, out);
+ComPointer<IDispatch> NewDeliveryStatus(const CSmsDeliveryReport& report) {
+    return ComPointer<IDispatch>(new SmsDeliveryStatusAuto(report));
 }

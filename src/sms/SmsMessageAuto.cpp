@@ -1,13 +1,46 @@
 #include "sms/SmsMessageAuto.h"
 
+#include "NeltCtrl.h"
 #include "foundation/Addresses.h"
 #include "foundation/ErrorTexts.h"
 #include "frame/AutomationAuto.h"
+#include "frame/OwnObjectAuto.h"
 
 namespace {
 
+// Every field that an SmsMessage shows, with the property that shows it.
+template <class Visit>
+void EachField(Visit visit) {
+    visit(&CSmsMessageX::Sender, &ISmsMessage::get_Sender);
+    visit(&CSmsMessageX::Recipient, &ISmsMessage::get_Recipient);
+    visit(&CSmsMessageX::ServiceType, &ISmsMessage::get_ServiceType);
+    visit(&CSmsMessageX::SMSC, &ISmsMessage::get_SMSC);
+    visit(&CSmsMessageX::Time, &ISmsMessage::get_Time);
+    visit(&CSmsMessageX::Data, &ISmsMessage::get_Data);
+    visit(&CSmsMessageX::Format, &ISmsMessage::get_Format);
+    visit(&CSmsMessageX::ValidityPeriod, &ISmsMessage::get_ValidityPeriod);
+    visit(&CSmsMessageX::TimeSecs, &ISmsMessage::get_TimeSecs);
+    visit(&CSmsMessageX::DCS, &ISmsMessage::get_DCS);
+    visit(&CSmsMessageX::ESM, &ISmsMessage::get_ESM);
+    visit(&CSmsMessageX::PID, &ISmsMessage::get_PID);
+    visit(&CSmsMessageX::SourceTON, &ISmsMessage::get_SourceTON);
+    visit(&CSmsMessageX::SourceNPI, &ISmsMessage::get_SourceNPI);
+    visit(&CSmsMessageX::DestinationTON, &ISmsMessage::get_DestinationTON);
+    visit(&CSmsMessageX::DestinationNPI, &ISmsMessage::get_DestinationNPI);
+    visit(&CSmsMessageX::RequestDeliveryStatus, &ISmsMessage::get_RequestDeliveryStatus);
+}
+
+void CopyFields(const CSmsMessageX& from, CSmsMessageX& to) {
+    EachField([&](auto field, auto) { to.*field = from.*field; });
+}
+
 class SmsMessageAuto final : public Automation<ISmsMessage> {
   public:
+    SmsMessageAuto() = default;
+    explicit SmsMessageAuto(const CSmsMessageX& record) { CopyFields(record, record_); }
+
+    const CSmsMessageX& Record() const { return record_; }
+
     STDMETHODIMP Clear() noexcept override {
         record_.Clear();
         return S_OK;
@@ -28,48 +61,37 @@ class SmsMessageAuto final : public Automation<ISmsMessage> {
     AUTO_NUMBER(DestinationTON, record_.DestinationTON)
     AUTO_NUMBER(DestinationNPI, record_.DestinationNPI)
     AUTO_TEXT(ServiceType, record_.ServiceType)
-
-    STDMETHODIMP get_RequestDeliveryStatus(LONG* pVal) noexcept override {
-        return Give(pVal, record_.RequestDeliveryStatus ? -1 : 0);
-    }
-    STDMETHODIMP put_RequestDeliveryStatus(LONG newVal) noexcept override {
-        record_.RequestDeliveryStatus = newVal != 0;
-        return S_OK;
-    }
+    AUTO_FLAG(RequestDeliveryStatus, record_.RequestDeliveryStatus)
 
   private:
+    bool IsOwnIid(REFIID iid) const override { return IsEqualIID(iid, OwnIid<SmsMessageAuto>()); }
+
     CSmsMessageX record_;
 };
 
-// A BSTR that an accessor gave or that one is to be given.
-class Text {
-  public:
-    Text() = default;
-    template <class Value>
-    explicit Text(const Value& value) : text_(NewBstr(value)) {}
-    Text(const Text&) = delete;
-    Text& operator=(const Text&) = delete;
-    ~Text() { ::SysFreeString(text_); }
-    BSTR* operator&() { return &text_; }
-    BSTR get() const { return text_; }
-
-  private:
-    BSTR text_ = nullptr;
-};
-
-using TextGetter = HRESULT (STDMETHODCALLTYPE ISmsMessage::*)(BSTR*);
-using NumberGetter = HRESULT (STDMETHODCALLTYPE ISmsMessage::*)(LONG*);
-
-std::string Read(ISmsMessage* source, TextGetter getter) {
-    Text text;
-    (source->*getter)(&text);
-    return AnsiOf(text.get());
+template <class Field>
+void Read(ISmsMessage* source, HRESULT (STDMETHODCALLTYPE ISmsMessage::*getter)(BSTR*), Field& field) {
+    BstrOwner text;
+    (source->*getter)(text.Receive());
+    Take(field, text.Get());
 }
 
-std::int32_t Read(ISmsMessage* source, NumberGetter getter) {
+template <class Field>
+void Read(ISmsMessage* source, HRESULT (STDMETHODCALLTYPE ISmsMessage::*getter)(LONG*), Field& field) {
     LONG value = 0;
     (source->*getter)(&value);
-    return value;
+    Take(field, value);
+}
+
+ResultCode ReadFields(IUnknown* object, CSmsMessageX& record) {
+    if (const auto own = OwnObject<SmsMessageAuto>(object)) {
+        CopyFields(own->Record(), record);
+        return result::Success;
+    }
+    const auto foreign = InterfaceOf<ISmsMessage>(object);
+    if (!foreign) return result::InvalidMessageObject;
+    EachField([&](auto field, auto getter) { Read(foreign.Get(), getter, record.*field); });
+    return result::Success;
 }
 
 }  // namespace
@@ -77,57 +99,14 @@ std::int32_t Read(ISmsMessage* source, NumberGetter getter) {
 IUnknown* CreateSmsMessage() { return new SmsMessageAuto; }
 
 ResultCode CopyFromAutomation(const VARIANT* value, CSmsMessageX& record) {
-    const auto source = ComPointer<ISmsMessage>::In(value);
-    if (!source) return result::InvalidMessageObject;
-    ISmsMessage* const from = source.get();
-    record.Sender = Read(from, &ISmsMessage::get_Sender);
-    Recipient recipient = ParseRecipient(Read(from, &ISmsMessage::get_Recipient));
+    const ResultCode code = ReadFields(ObjectIn(value), record);
+    if (code != result::Success) return code;
+    Recipient recipient = ParseRecipient(record.Recipient);
     record.Recipient = std::move(recipient.address);
     record.DestinationPort = recipient.port;
-    record.ServiceType = Read(from, &ISmsMessage::get_ServiceType);
-    record.SMSC = Read(from, &ISmsMessage::get_SMSC);
-    record.Time = Read(from, &ISmsMessage::get_Time);
-    Text data;
-    from->get_Data(&data);
-    record.Data = WideOf(data.get());
-    record.Format = Read(from, &ISmsMessage::get_Format);
-    record.ValidityPeriod = Read(from, &ISmsMessage::get_ValidityPeriod);
-    record.TimeSecs = Read(from, &ISmsMessage::get_TimeSecs);
-    record.DCS = Read(from, &ISmsMessage::get_DCS);
-    record.ESM = Read(from, &ISmsMessage::get_ESM);
-    record.PID = Read(from, &ISmsMessage::get_PID);
-    record.SourceTON = Read(from, &ISmsMessage::get_SourceTON);
-    record.SourceNPI = Read(from, &ISmsMessage::get_SourceNPI);
-    record.DestinationTON = Read(from, &ISmsMessage::get_DestinationTON);
-    record.DestinationNPI = Read(from, &ISmsMessage::get_DestinationNPI);
-    record.RequestDeliveryStatus = Read(from, &ISmsMessage::get_RequestDeliveryStatus) != 0;
     return result::Success;
 }
 
-ResultCode CopyToAutomation(const CSmsMessageX& record, ISmsMessage* target) {
-    if (target == nullptr) return result::InvalidMessageObject;
-    target->put_Sender(Text(record.Sender).get());
-    target->put_Recipient(Text(record.Recipient).get());
-    target->put_ServiceType(Text(record.ServiceType).get());
-    target->put_SMSC(Text(record.SMSC).get());
-    target->put_Time(Text(record.Time).get());
-    target->put_Data(Text(record.Data).get());
-    target->put_Format(record.Format);
-    target->put_ValidityPeriod(record.ValidityPeriod);
-    target->put_TimeSecs(record.TimeSecs);
-    target->put_RequestDeliveryStatus(record.RequestDeliveryStatus ? -1 : 0);
-    target->put_DCS(record.DCS);
-    target->put_ESM(record.ESM);
-    target->put_PID(record.PID);
-    target->put_SourceTON(record.SourceTON);
-    target->put_SourceNPI(record.SourceNPI);
-    target->put_DestinationTON(record.DestinationTON);
-    target->put_DestinationNPI(record.DestinationNPI);
-    return result::Success;
-}
-
-void GiveSmsMessage(VARIANT* out, const CSmsMessageX& record) {
-    auto* message = new SmsMessageAuto;
-    GiveObject(out, message);
-    (void)CopyToAutomation(record, message);
+ComPointer<IDispatch> NewSmsMessage(const CSmsMessageX& record) {
+    return ComPointer<IDispatch>(new SmsMessageAuto(record));
 }

@@ -1,29 +1,19 @@
-// What the content builders have in common: clearing, encoding, and the result.
+// What the content builders have in common: encoding, and the result.
 #pragma once
 #include "NeltCtrl.h"
-#include "frame/AutomationAuto.h"
+#include "frame/EngineAuto.h"
 
 template <class Interface, class Content>
-class BuilderAuto : public ObjectAuto<Interface> {
+class BuilderAuto : public EngineAuto<Interface, Content> {
   public:
-    STDMETHODIMP Clear() noexcept override {
-        return this->Method([this] {
-            content_.Clear();
-            return result::Success;
-        });
-    }
     STDMETHODIMP Encode() noexcept override {
         return this->Method([this] {
-            content_.Encode();
+            engine_.Encode();
             return result::Success;
         });
     }
-    STDMETHODIMP get_EncodedMessage(BSTR* pVal) noexcept override {
-        return Give(pVal, content_.EncodedMessage);
-    }
+    AUTO_TEXT_READ(EncodedMessage, engine_.EncodedMessage)
 
   protected:
-    CVrmBase& Base() override { return content_; }
-
-    Content content_;
+    using EngineAuto<Interface, Content>::engine_;
 };

@@ -35,7 +35,8 @@ void CSmsDataMmsNotification::Encode() {
         out.Octet(mms::header::kSubject);
         out.TextString(Subject);
     }
-    out.Octets({mms::header::kMessageClass, static_cast<std::uint8_t>(Class + mms::kClassBase),
+    out.Octets({mms::header::kMessageClass,
+                static_cast<std::uint8_t>(static_cast<std::uint32_t>(Class) + mms::kClassBase),
                 mms::header::kMessageSize, kLongLength});
     out.Long(static_cast<std::uint32_t>(MessageSize));
     out.Octets({mms::header::kExpiry, kLongLength + 2, mms::kAbsoluteTime, kLongLength});

@@ -6,16 +6,14 @@ namespace {
 class SmsDataMmsNotificationAuto final
     : public BuilderAuto<ISmsDataMmsNotification, CSmsDataMmsNotification> {
   public:
-    AUTO_TEXT(From, content_.From)
-    AUTO_TEXT(Subject, content_.Subject)
-    AUTO_NUMBER(Class, content_.Class)
-    AUTO_NUMBER(Expiration, content_.Expiration)
-    AUTO_TEXT(ContentLocation, content_.ContentLocation)
-    AUTO_NUMBER(MessageSize, content_.MessageSize)
-    AUTO_TEXT(TransactionId, content_.TransactionId)
-    STDMETHODIMP put_EncodedMessage(BSTR newVal) noexcept override {
-        return Store(content_.EncodedMessage, newVal);
-    }
+    AUTO_TEXT(From, engine_.From)
+    AUTO_TEXT(Subject, engine_.Subject)
+    AUTO_NUMBER(Class, engine_.Class)
+    AUTO_NUMBER(Expiration, engine_.Expiration)
+    AUTO_TEXT(ContentLocation, engine_.ContentLocation)
+    AUTO_NUMBER(MessageSize, engine_.MessageSize)
+    AUTO_TEXT(TransactionId, engine_.TransactionId)
+    AUTO_TEXT(EncodedMessage, engine_.EncodedMessage)
 };
 
 }  // namespace

@@ -5,8 +5,8 @@ namespace {
 
 class SmsDataWapBookmarkAuto final : public BuilderAuto<ISmsDataWapBookmark, CSmsDataWapBookmark> {
   public:
-    AUTO_TEXT(Description, content_.Description)
-    AUTO_TEXT(URL, content_.URL)
+    AUTO_TEXT(Description, engine_.Description)
+    AUTO_TEXT(URL, engine_.URL)
 };
 
 }  // namespace

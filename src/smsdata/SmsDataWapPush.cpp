@@ -10,7 +10,7 @@
 namespace {
 
 constexpr std::uint8_t kVersion12 = 0x02;
-constexpr std::uint8_t kActionBase = 5;  // the token of action 1 is 6, in both documents
+constexpr std::uint32_t kActionBase = 5;  // the token of action 1 is 6, in both documents
 
 // The tokens of the href attribute follow each other in this order, in both documents. A prefix is taken out
 // of the link before the next is looked for, so that the "www." forms are never chosen; receivers have come
@@ -35,7 +35,7 @@ Link LinkOf(std::string url, std::uint8_t hrefToken) {
 
 // Nothing for 0, the receiver's default.
 void WriteAction(OctetWriter& out, std::int32_t action) {
-    if (action != 0) out.Octet(static_cast<std::uint8_t>(action + kActionBase));
+    if (action != 0) out.Octet(static_cast<std::uint8_t>(static_cast<std::uint32_t>(action) + kActionBase));
 }
 
 void WriteLink(OctetWriter& out, const std::string& url, std::uint8_t hrefToken) {

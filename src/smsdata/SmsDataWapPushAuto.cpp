@@ -5,12 +5,12 @@ namespace {
 
 class SmsDataWapPushAuto final : public BuilderAuto<ISmsDataWapPush, CSmsDataWapPush> {
   public:
-    AUTO_TEXT(SignalReference, content_.SignalReference)
-    AUTO_NUMBER(SignalAction, content_.SignalAction)
-    AUTO_TEXT(Description, content_.Description)
-    AUTO_TEXT(URL, content_.URL)
-    AUTO_NUMBER(ConnectionType, content_.ConnectionType)
-    AUTO_NUMBER(ExecuteAction, content_.ExecuteAction)
+    AUTO_TEXT(SignalReference, engine_.SignalReference)
+    AUTO_NUMBER(SignalAction, engine_.SignalAction)
+    AUTO_TEXT(Description, engine_.Description)
+    AUTO_TEXT(URL, engine_.URL)
+    AUTO_NUMBER(ConnectionType, engine_.ConnectionType)
+    AUTO_NUMBER(ExecuteAction, engine_.ExecuteAction)
 };
 
 }  // namespace

@@ -42,6 +42,8 @@ TEST(WapPush, ServiceIndications) {
              Row{"hthttp://tp://www.a", "", "", 0,
                  "0D 03 'a' 00  01 03 00 01 01"},                       // looked for one after the other
              Row{"x", "", "", -5, "0B 03 'x' 00  00  01 03 00 01 01"},  // any number, one octet
+             Row{"x", "", "", INT32_MAX, "0B 03 'x' 00  04  01 03 00 01 01"},
+             Row{"x", "", "", INT32_MIN, "0B 03 'x' 00  05  01 03 00 01 01"},
          }) {
         CSmsDataWapPush push;
         push.URL = row.url;
@@ -60,6 +62,8 @@ TEST(WapPush, ServiceLoads) {
              std::tuple{"https://x.org/", 2, 1, "0B 03 'x.org/' 00 07 01"},
              std::tuple{"http://x.org/", 1, -1, "09 03 'x.org/' 00 06 01"},
              std::tuple{"ftp://x", 0, 7, "08 03 'ftp://x' 00 01"},
+             std::tuple{"ftp://x", INT32_MAX, INT32_MAX, "08 03 'ftp://x' 00 04 01"},
+             std::tuple{"ftp://x", INT32_MIN, INT32_MIN, "08 03 'ftp://x' 00 05 01"},
          }) {
         CSmsDataWapPush push;
         push.URL = url;
@@ -141,6 +145,22 @@ TEST(MmsNotification, WritesTheFieldsThatAreSet) {
     full.Clear();
     EXPECT_EQ(std::tuple(full.From, full.Expiration, full.Class, full.EncodedMessage),
               std::tuple("", 24, 0, ""));
+}
+
+TEST(MmsNotification, TakesTheLimitsOfItsNumbers) {
+    VirtualClock clock;
+    for (const auto& [limit, messageClass, size] :
+         {std::tuple{INT32_MAX, "7F", "7FFFFFFF"}, std::tuple{INT32_MIN, "80", "80000000"}}) {
+        CSmsDataMmsNotification notification(clock);
+        notification.Class = notification.MessageSize = notification.Expiration = limit;
+        notification.TransactionId = "t";
+        notification.Encode();
+        std::string expiry;
+        hex::AppendNumber(expiry, static_cast<std::uint32_t>(clock.Now() + limit * std::int64_t{3600}));
+        EXPECT_TRUE(notification.EncodedMessage.ends_with(Expected(
+            std::string("8A") + messageClass + " 8E 04" + size + " 88 06 80 04" + expiry + " 83 00")))
+            << notification.EncodedMessage;
+    }
 }
 
 TEST(VCard, WritesTheLinesInTheOrderOfTheCard) {

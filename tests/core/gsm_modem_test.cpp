@@ -1,8 +1,5 @@
-// Serial texts and lines, AT replies, and the modem dialogues, against a scripted modem in virtual time.
-#include "foundation/ErrorTexts.h"
-#include "foundation/serial/VrmComIO.h"
+// The GSM channel's dialogues, from the opening to the report, against a scripted modem in virtual time.
 #include "gsm/GsmModem.h"
-#include "sms/DeviceOptions.h"
 #include "support/ScriptedModem.h"
 #include "support/TemporaryFolder.h"
 
@@ -10,207 +7,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-class Serial : public testing::Test {
-  protected:
-    void Open(SerialSettings settings = {.device = "COM3"}) { ASSERT_EQ(port.Open(std::move(settings)), 0); }
-
-    VirtualClock clock;
-    ScriptedModem modem{clock};
-    CVrmComIO port{modem, clock};
-};
-
-TEST_F(Serial, ChoosesPortOrTelephonyByName) {
-    struct Row {
-        const char* device;
-        std::uint32_t speed;
-        bool telephony;
-        std::uint32_t usedSpeed;
-    };
-    for (const Row& row : {Row{"COM3", 0, false, 115200}, Row{"com12", 9600, false, 9600},
-                           Row{"Standard Modem", 0, true, 0}}) {
-        Open({.device = row.device, .speed = row.speed});
-        EXPECT_EQ(modem.viaTelephony, row.telephony);
-        EXPECT_EQ(modem.settings.speed, row.usedSpeed);
-        EXPECT_EQ(port.Open({.device = "COM3"}), 30103);
-        port.Close();
-    }
-    EXPECT_EQ(port.Open({.device = "COM3", .speed = 1}), 30113);
-    EXPECT_EQ(port.Open({.device = ""}), 30201);
-    modem.openResult = ResultCode(30104);
-    EXPECT_EQ(port.Open({.device = "COM3"}), 30104);
-    EXPECT_FALSE(port.IsOpen());
-}
-
-TEST_F(Serial, AnUnknownOpenErrorIsLogged) {
-    const TemporaryFolder folder;
-    port.SetLogFile(folder.File("log"));
-    modem.openResult = ResultCode(30104);
-    for (const auto& [error, logged] : {std::pair{2U, false}, {5U, false}, {31U, true}}) {
-        std::remove(folder.File("log").c_str());
-        modem.systemError = error;
-        (void)port.Open({.device = "COM3"});
-        const std::string log = TemporaryFolder::Read(folder.File("log"));
-        EXPECT_EQ(
-            log.find("Unknown error occured while opening serial port  : [0x0000001F]") != std::string::npos,
-            logged);
-        EXPECT_NE(
-            log.find("OPEN DEVICE   [Velqar Build 5.3.10.1123 (x64)], device=[COM3], baudrate=[115200], "
-                     "result=[Generic open port error]\n"),
-            std::string::npos);
-    }
-}
-
-TEST_F(Serial, WritesTextsWithTheirTerminator) {
-    port.WriteString("AT");  // not open: nothing happens
-    EXPECT_EQ(port.WriteBytes("x"), 30114);
-    std::string line;
-    EXPECT_EQ(port.ReadString(line, 10, 100), 30114);
-    EXPECT_EQ(port.ReadBytes(line, 10, 100), 30114);
-    Open();
-    port.WriteString("AT");
-    port.WriteString("0001\x1a");
-    port.WriteString("");
-    EXPECT_EQ(modem.written, "AT\r0001\x1a");
-    modem.written.clear();
-    port.WriteString(std::string(5000, 'x'));
-    EXPECT_EQ(modem.written.size(), 4097U);
-    port.Close();
-    modem.written.clear();
-    Open({.device = "COM3", .writeDelay = 50, .characterDelay = 20});
-    const auto before = clock.Slept();
-    port.WriteString("ATZ");
-    EXPECT_EQ(modem.written, "ATZ\r");
-    EXPECT_EQ(clock.Slept() - before, 50U + 4 * 20);
-}
-
-TEST_F(Serial, ASlowWriteToADeadLineEnds) {
-    Open({.device = "COM3", .characterDelay = 20});
-    modem.dead = true;
-    const auto before = clock.Slept();
-    port.WriteString("ATZ");
-    EXPECT_LE(clock.Slept() - before, 5000U + 4 * 20 + 20);
-}
-
-TEST_F(Serial, ReadsLinesHoweverTheyArrive) {
-    struct Row {
-        const char* name;
-        std::string octets;
-        std::size_t maximum;
-        std::string line;
-        std::int32_t code;
-    };
-    for (const std::size_t fragment : {0, 1, 3}) {
-        modem.Fragment(fragment);
-        for (const Row& row : {
-                 Row{"empty lines are skipped", "\r\nOK\r\n", 100, "OK", 0},
-                 Row{"blanks are trimmed", "\r\n  a b \t\r", 100, "a b", 0},
-                 Row{"cut by the time-out", "half", 100, "half", 0},
-                 Row{"cut by the maximum", "abcdef\r", 4, "abcd", 0},
-                 Row{"nothing", "", 100, "", 30115},
-                 Row{"only line ends", "\r\n\r\n\r\n", 100, "", 30115},
-                 Row{"embedded zero", std::string("a\0b\r", 4), 100, std::string("a\0b", 3), 0},
-             }) {
-            Open();
-            modem.Give(row.octets);
-            std::string line;
-            const auto before = clock.Slept();
-            EXPECT_EQ(port.ReadString(line, row.maximum, 1000), row.code) << row.name;
-            EXPECT_EQ(line, row.line) << row.name;
-            EXPECT_LE(clock.Slept() - before, 1000U) << row.name;
-            port.Close();
-        }
-    }
-}
-
-TEST_F(Serial, ReadsOctetsUntilCountOrTimeout) {
-    Open();
-    modem.Give("abcdef");
-    std::string octets;
-    EXPECT_EQ(port.ReadBytes(octets, 4, 100), 0);
-    EXPECT_EQ(octets, "abcd");
-    EXPECT_EQ(port.ReadBytes(octets, 4, 100), 0);
-    EXPECT_EQ(octets, "ef");
-    EXPECT_EQ(port.ReadBytes(octets, 4, 100), 30115);
-}
-
-TEST_F(Serial, AFloodCostsNoMoreThanTheTimeout) {
-    Open();
-    modem.endless = true;
-    for (const char* flood : {"\r\n\r\n", "RING\r\n", "no end "}) {
-        modem.flood = flood;
-        const auto before = clock.Slept();
-        (void)port.Exchange("AT", 5000);
-        EXPECT_LE(clock.Slept() - before, 6100U) << flood;
-    }
-}
-
-TEST_F(Serial, ExchangesClassifyTheLastLine) {
-    struct Row {
-        const char* reply;
-        const char* expected;
-        AtStatus status;
-        std::int32_t code;
-    };
-    Open();
-    for (const Row& row : {
-             Row{"\r\nOK\r\n", "", AtStatus::kOk, 0},
-             Row{"AT\r\r\nOK\r\n", "", AtStatus::kOk, 0},
-             Row{"\r\nok\r\n", "", AtStatus::kOk, 0},
-             Row{"\r\nCONNECT 9600\r\n", "", AtStatus::kConnect, 0},
-             Row{"\r\nERROR\r\n", "", AtStatus::kError, 30352},
-             Row{"\r\n+CMS ERROR: 38\r\n", "", AtStatus::kError, 33160},
-             Row{"\r\n+CMS ERROR: 330\r\n", "", AtStatus::kError, 33170},
-             Row{"\r\n+CMS ERROR:27\r\n", "", AtStatus::kError, 34031},
-             Row{"\r\n+CMS ERROR: 500\r\n", "", AtStatus::kError, 30352},
-             Row{"\r\n+CMS ERROR: xyz\r\n", "", AtStatus::kError, 30352},
-             Row{"\r\n+CME ERROR: 10\r\n", "", AtStatus::kError, 33140},
-             Row{"\r\n+CME ERROR: 38\r\n", "", AtStatus::kError, 30352},
-             Row{"\r\nNO DIALTONE\r\n", "", AtStatus::kNoDialtone, 30353},
-             Row{"\r\nNO CARRIER\r\n", "", AtStatus::kNoCarrier, 30354},
-             Row{"\r\nNO ANSWER\r\n", "", AtStatus::kNoAnswer, 30355},
-             Row{"\r\nBUSY\r\n", "", AtStatus::kBusy, 30356},
-             Row{"\r\n+X: 1\r\n\r\nOK\r\n", "+X:", AtStatus::kExpected, 0},
-             Row{"\r\n> ", ">", AtStatus::kExpected, 0},
-             Row{"", "", AtStatus::kNone, 30350},
-             Row{"\r\nwhat\r\n", "", AtStatus::kUnexpected, 30351},
-         }) {
-        modem.On("AT", {row.reply});
-        const AtExchange exchange = port.Exchange("AT", 3000, row.expected);
-        EXPECT_EQ(exchange.outcome.status, row.status) << row.reply;
-        EXPECT_EQ(exchange.outcome.code, row.code) << row.reply;
-    }
-    modem.On("AT", {"\r\n+X: 1"});  // half a line is no answer
-    EXPECT_EQ(port.Exchange("AT", 3000, "+X:").outcome.code, 30351);
-    const auto before = clock.Slept();
-    modem.On("AT", {"\r\n> "});
-    (void)port.Exchange("AT", 3000, ">");
-    EXPECT_EQ(clock.Slept(), before);  // a prompt is not waited behind
-}
-
-TEST_F(Serial, CommandListsStopAtTheFirstFailure) {
-    Open();
-    modem.On("AT2", {"\r\nCONNECT\r\n"});
-    modem.On("AT3", {"\r\nERROR\r\n"});
-    EXPECT_EQ(port.RunCommandList("AT1;;AT1;"), 0);
-    EXPECT_EQ(port.RunCommandList("AT1;AT2;AT1"), 30351);
-    EXPECT_EQ(port.RunCommandList("AT3;AT1"), 30352);
-    EXPECT_EQ(modem.commands, (std::vector<std::string>{"AT1", "AT1", "AT1", "AT2", "AT3"}));
-}
-
-TEST(DeviceOptions, FlowControlSetsTheLineControls) {
-    SerialSettings settings;
-    ApplyFlowControl(settings, 0);
-    EXPECT_EQ(settings.ctsFlow + settings.rtsControl + settings.xonXoff + settings.dsrFlow, 0U);
-    ApplyFlowControl(settings, 1);
-    EXPECT_EQ(settings.ctsFlow, 2U);
-    EXPECT_EQ(settings.rtsControl, 2U);
-    ApplyFlowControl(settings, 2);
-    EXPECT_EQ(settings.ctsFlow, 1U);
-    EXPECT_EQ(settings.xonXoff, 1U);
-}
-
-// --- the dialogues
 
 class Gsm : public testing::Test {
   protected:
@@ -357,25 +153,11 @@ TEST_F(Gsm, ReportsAreRequestedWithTheLowestSupportedValues) {
     EXPECT_EQ(gsm.Reports().Query("17")->status, 1);
     for (const char* answer :
          {"\r\n+CNMI: (1,2),(0-3),(0,2),(0,1),(1)\r\n\r\nOK\r\n", "\r\n+CNMI: (1,2)\r\n\r\nOK\r\n",
-          "\r\nERROR\r\n", "\r\n+CNMI: ,,,\r\n\r\nOK\r\n"}) {
+          "\r\n+CNMI: (1),(0),2,(2),(1)\r\n\r\nOK\r\n", "\r\nERROR\r\n", "\r\n+CNMI: ,,,\r\n\r\nOK\r\n"}) {
         modem.On("AT+CNMI=?", {answer});
         modem.commands.clear();
         EXPECT_EQ(Send(message), 33151) << answer;
         EXPECT_FALSE(Sent("AT+CMGS=14"));
-    }
-}
-
-TEST(Cnmi, ListsAreRangesOrValues) {
-    for (const auto& [list, values] : {std::pair{"(0-2)", 7U},
-                                       {"0,2", 5U},
-                                       {"(3)", 8U},
-                                       {"2-9", 12U},
-                                       {"", 0U},
-                                       {"7", 0U},
-                                       {"1-0", 0U},
-                                       {"x", 0U},
-                                       {"-", 1U}}) {
-        EXPECT_EQ(ParseCnmiList(list), values) << list;
     }
 }
 
@@ -406,67 +188,6 @@ TEST_F(Gsm, KeywordsChooseTheMode) {
     message.Recipient = "S12345";
     EXPECT_EQ(Send(message), 0);
     EXPECT_TRUE(Sent("AT+CMGS=\"12345\""));
-}
-
-TEST_F(Gsm, PinsAreEnteredOnceAndMasked) {
-    const TemporaryFolder folder;
-    gsm.SetLogFile(folder.File("log"));
-    gsm.SetActivityFile(folder.File("activity"));
-    for (const char* pin : {"123", "123456789", "", "12a4", "12\"\r"})
-        EXPECT_EQ(gsm.EnterPin(pin), 33142) << pin;
-    EXPECT_EQ(modem.openings, 0);
-
-    modem.On("AT+CPIN?", {"\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n"});
-    modem.On("AT+CPIN=\"1111\"", {"\r\n+CME ERROR: 16\r\n"});
-    EXPECT_EQ(gsm.EnterPin("1111"), 33142);
-    const std::size_t before = modem.commands.size();
-    EXPECT_EQ(gsm.EnterPin("1111"), 33142);
-    EXPECT_EQ(modem.commands.size(), before);
-
-    modem.On("AT+CREG?", {"\r\n+CREG: 0,2\r\n\r\nOK\r\n", "\r\n+CREG: 0,1\r\n\r\nOK\r\n"});
-    EXPECT_EQ(gsm.EnterPin("2222"), 0);
-    EXPECT_EQ(Count("AT+CREG?"), 2);
-    EXPECT_EQ(modem.openings, modem.closings);
-    const std::string log = TemporaryFolder::Read(folder.File("log"));
-    EXPECT_EQ(log.find("2222"), std::string::npos);
-    EXPECT_NE(log.find("AT+CPIN=\"****\""), std::string::npos);
-    EXPECT_EQ(log.find("Successfully registered"), std::string::npos);
-
-    modem.On("AT+CREG?", {"\r\n+CREG: 0,2\r\n\r\nOK\r\n"});
-    EXPECT_EQ(gsm.EnterPin("3333"), 0);
-    EXPECT_EQ(Count("AT+CREG?"), 12);
-    EXPECT_NE(TemporaryFolder::Read(folder.File("log")).find("Successfully registered"), std::string::npos);
-}
-
-TEST_F(Gsm, PinStatesHaveTheirCodes) {
-    for (const auto& [reply, code] : {std::pair{"\r\n+CPIN: READY\r\n\r\nOK\r\n", 0},
-                                      {"\r\nERROR\r\n", 33140},
-                                      {"\r\n+CME ERROR: 10\r\n", 33140},
-                                      {"", 30350}}) {
-        modem.On("AT+CPIN?", {reply});
-        EXPECT_EQ(gsm.EnterPin("1234"), code) << reply;
-        EXPECT_FALSE(Sent("AT+CPIN=\"1234\""));
-    }
-}
-
-TEST_F(Gsm, RawCommandsGiveTheWholeReply) {
-    std::string response;
-    modem.On("ATI", {"\r\nMaker\r\nModel\r\n\r\nOK\r\n"});
-    EXPECT_EQ(gsm.SendCommand("ATI", 2000, response), 0);
-    EXPECT_EQ(response, "Maker\r\nModel\r\nOK");
-    modem.On("ATQ", {"\r\n+CME ERROR: 11\r\n"});
-    EXPECT_EQ(gsm.SendCommand("ATQ", 2000, response), 33141);
-    modem.On("ATS", {""});
-    const auto before = clock.Slept();
-    EXPECT_EQ(gsm.SendCommand("ATS", 2000, response), 30350);
-    EXPECT_EQ(clock.Slept() - before, 2500U);
-    modem.On("ATW", {"\r\nhm\r\n"});
-    EXPECT_EQ(gsm.SendCommand("ATW", 2000, response), 30351);
-    modem.endless = true;
-    modem.flood = std::string(1000, 'x') + "\r\n";
-    modem.On("ATF", {""});
-    EXPECT_EQ(gsm.SendCommand("ATF", 100'000, response), 30351);
-    EXPECT_LE(response.size(), 70'000U);
 }
 
 constexpr const char* kHello = "00040B911316111111F10000621112406180000AE8329BFD4697D9EC37";
@@ -529,12 +250,6 @@ TEST_F(Gsm, AListingThatBreaksOffHasACodeAndAnEnd) {
         EXPECT_EQ(gsm.Receive(), row.code) << row.reply;
         EXPECT_EQ(gsm.Received().Count(), row.received);
     }
-    modem.endless = true;
-    for (const char* flood : {"RING\r\n", "\r\n", "+CMGL: 1,1,,2\r\n"}) {
-        modem.On("AT+CMGL=1", {""});
-        modem.flood = flood;
-        EXPECT_EQ(gsm.Receive(), 30350) << flood;
-    }
 }
 
 TEST_F(Gsm, AMissingStorageIsNamed) {
@@ -561,6 +276,53 @@ TEST_F(Gsm, DeletesByStorageAndKey) {
     EXPECT_EQ(gsm.Received().Count(), 1U);
     EXPECT_EQ(gsm.DeleteAllMessages(false), 0);
     EXPECT_EQ(gsm.Received().Count(), 0U);
+}
+
+TEST_F(Gsm, DeletionGoesOnAfterAnErrorButNotAfterSilence) {
+    modem.On("AT+CPMS=?", {"\r\n+CPMS: (\"SM\")\r\n\r\nOK\r\n"});
+    modem.On("AT+CMGL=1", {Listed(3, kHello) + Listed(4, kHello) + "\r\nOK\r\n"});
+    for (const auto& [reply, code, second] : {std::tuple{"\r\nERROR\r\n", 30352, 1}, {"", 30350, 0}}) {
+        ASSERT_EQ(gsm.Receive(), 0);
+        ASSERT_EQ(gsm.Received().Count(), 2U);
+        modem.On("AT+CMGD=3", {reply});
+        modem.commands.clear();
+        EXPECT_EQ(gsm.DeleteAllMessages(true), code);
+        EXPECT_EQ(Count("AT+CMGD=4"), second) << code;
+    }
+}
+
+TEST_F(Gsm, MmsNotificationsStayUnlessAllAreDeleted) {
+    modem.On("AT+CPMS=?", {"\r\n+CPMS: (\"SM\")\r\n\r\nOK\r\n"});
+    modem.On("AT+CMGL=1", {Listed(3, kHello) + "\r\nOK\r\n"});
+    for (const auto& [all, deleted] : {std::pair{false, 0}, {true, 1}}) {
+        ASSERT_EQ(gsm.Receive(), 0);
+        CSmsMessageX notification;
+        notification.Format = sms::asMESSAGEFORMAT_NOTIFICATION_MMS;
+        notification.StorageLocation = "SM0007;";
+        notification.SetSinglePart();
+        gsm.Received().Add(notification);
+        ASSERT_EQ(gsm.Received().Count(), 2U);
+        modem.commands.clear();
+        EXPECT_EQ(gsm.DeleteAllMessages(all), 0);
+        EXPECT_EQ(Count("AT+CMGD=3"), 1);
+        EXPECT_EQ(Count("AT+CMGD=7"), deleted);
+    }
+}
+
+TEST_F(Gsm, FilesAreThoseOfTheWholeChannel) {
+    const TemporaryFolder folder;
+    gsm.SetLogFile(folder.File("log"));
+    gsm.SetActivityFile(folder.File("activity"));
+    ASSERT_EQ(Send(Message()), 0);
+    const std::string log = TemporaryFolder::Read(folder.File("log"));
+    const std::string activity = TemporaryFolder::Read(folder.File("activity"));
+    for (const char* line :
+         {"OPEN DEVICE ", "WRITE STRING, string=[AT+CMGS=14]", "RECIPIENT ADDRESS : +31612345678",
+          "MESSAGE FORMAT    : TEXT\n", "CLOSE DEVICE"})
+        EXPECT_NE(log.find(line), std::string::npos) << line;
+    for (const char* line : {"Open Device (COM3), Result = ", "Sending command [AT+CMGS=14]...", "Reply: [>]",
+                             "Device Closed (COM3)"})
+        EXPECT_NE(activity.find(line), std::string::npos) << line;
 }
 
 TEST_F(Gsm, IncompletePartsAreNotDeleted) {

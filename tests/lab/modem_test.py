@@ -48,6 +48,27 @@ class Commands(unittest.TestCase):
         self.assertEqual(port.exchange("", "\x1b"), ["OK"])
         self.assertEqual(port.exchange("AT+CMGD=1"), ["OK"])
 
+    def test_settings_can_be_read_back(self):
+        port = Port(self, "--message", "text ME +31611111111 Hi", "--storages", "SM,ME")
+        for command, reply in [
+            ("ATI", "Lab Modem OK"), ("AT+CSQ", "+CSQ: 20,99 OK"), ("AT+CSCS?", '+CSCS: "GSM" OK'),
+            ("AT+CSCS=?", '+CSCS: ("GSM","IRA") OK'), ("AT+CSCS=IRA", "OK"), ("AT+CSCS=UCS2", "ERROR"),
+            ("AT+CSCS?", '+CSCS: "IRA" OK'), ("AT+CMGF?", "+CMGF: 0 OK"), ("AT+CMGF=1", "OK"), ("AT+CMGF?", "+CMGF: 1 OK"),
+            ("AT+CPMS?", '+CPMS: "SM",0,50,"SM",0,50,"SM",0,50 OK'), ('AT+CPMS="ME","SM"', "+CPMS: 1,50,0,50,0,50 OK"),
+            ('AT+CPMS="ME","SM","SR"', "ERROR"), ('AT+CPMS="ME","SM","ME","SM"', "ERROR"),
+            ("AT+CPMS?", '+CPMS: "ME",1,50,"SM",0,50,"SM",0,50 OK'), ('AT+CPMS="ME","SM","ME"', "+CPMS: 1,50,0,50,1,50 OK"),
+            ("AT+CSCA?", '+CSCA: "+31653131313",145 OK'), ("AT+CSCA=1234", "OK"), ("AT+CSCA?", '+CSCA: "1234",129 OK'),
+            ("AT+CMGR=2", "+CMS ERROR: 321"), ("AT+CMGR=", "+CMS ERROR: 321"), ("\x1b", None), ("AT", "OK"),
+        ]:
+            with self.subTest(command):
+                if reply is None:
+                    os.write(port.terminal, command.encode() + b"\r")  # is no command: nothing answers it
+                else:
+                    self.assertEqual(port.exchange(command), reply.split())
+        pdu = port.exchange("AT+CMGR=1")
+        self.assertEqual((pdu[:2], len(pdu[2]) // 2 - 8, pdu[3]), (["+CMGR:", "0,,21"], 21, "OK"))
+        self.assertEqual(port.exchange("AT+CMGL=4")[:2], ["+CMGL:", "1,1,,21"])
+
     def test_a_storage_that_is_not_there(self):
         port = Port(self, "--storages", "ME", "--combined")
         self.assertEqual(port.exchange("AT+CMGD=1"), ["+CMS", "ERROR:", "321"])

@@ -30,13 +30,11 @@ function Show(what) { WScript.Echo(what + "|" + smpp.LastError); }
 """
 
 
-def run_script(server, body, timeout=120):
-    with wine.folder() as path:
-        file = path / "test.js"
-        file.write_text(HEAD + body, encoding="utf-8")
-        started = time.time()
-        code, output = wine.script(file, server.port, timeout=timeout)
-        return output.split("\n")[:-1], time.time() - started, code
+def run_script(server, body):
+    """What the script printed, and the seconds that it took."""
+    started = time.time()
+    lines = wine.lines_of(HEAD + body, "js", server.port)
+    return lines, time.time() - started
 
 
 class Examples(unittest.TestCase):
@@ -66,12 +64,69 @@ class Examples(unittest.TestCase):
             self.assertEqual(wine.run(*arguments, "secret", "+31612345678", "Hi"), (0, "Status: Delivered\n"))
 
 
+    def test_no_letter_is_lost(self):
+        rows = [(name, text) for name in ("send.vbs", "send.js", "smpp_example.exe")
+                for text in (wine.GSM_TEXT, wine.UNICODE_TEXT)]
+        for name, text in rows:
+            with self.subTest(name, text=text), smsc("--alphabet", "gsm") as server:
+                arguments = ("127.0.0.1", server.port, "me", "pw", "+31612345678", text)
+                done = (wine.run(name, "send", *arguments) if name.endswith(".exe") else
+                        wine.script(EXAMPLES / name, *arguments))
+                self.assertEqual(done, (0, "Status: Delivered\n"))
+                sent, = server.submitted()
+                self.assertEqual((sent["data_coding"], sent["text"]), (0 if text == wine.GSM_TEXT else 8, text))
+
+    def test_letters_come_in(self):
+        for kind in ("vbs", "js"):
+            with self.subTest(kind), smsc("--alphabet", "gsm", "--deliver", "+31611111111 Grüße @ [é]") as server:
+                self.assertEqual(wine.script(EXAMPLES / f"receive.{kind}", "127.0.0.1", server.port, "me", "pw", "1"),
+                                 (0, "From +31611111111: Grüße @ [é]\n"))
+
+
+class NetSmpp(unittest.TestCase):
+    """A server made with the Net::SMPP of Perl."""
+
+    def test_a_whole_session(self):
+        server = subprocess.Popen(["perl", pathlib.Path(__file__).with_name("smpp_server.pl")], stdout=subprocess.PIPE, text=True)
+        try:
+            lines = wine.lines_of(HEAD + """
+smpp.SystemPassword = "secret";
+smpp.Connect(); Show(smpp.IsConnected);
+var message = Message("Hello");
+var status = smpp.QueryStatus(smpp.Send(message), true);
+Show(status.StatusDescription);
+message.Data = "\\u041f"; message.Format = 22; message.RequestDeliveryStatus = false;
+Show(smpp.Send(message) != "");
+var waited = 0;
+do { smpp.Sleep(10); message = smpp.GetFirstMessage(); } while (smpp.LastError != 0 && ++waited < 500);
+Show(message.Sender + " " + message.Data);
+smpp.Disconnect(); Show(smpp.IsConnected);
+""", "js", server.stdout.readline().strip())
+            got = list(map(json.loads, server.communicate(timeout=10)[0].splitlines()))
+        finally:
+            server.kill()
+            server.wait()
+        self.assertEqual(lines, ["-1|0", "Delivered|0", "true|0", "+31611111111 Hello from Perl|0", "0|0"])
+        submit = {"pdu": "submit_sm", "status": 0, "source_addr": "", "destination_addr": "31612345678", "dest_addr_ton": 1,
+                  "dest_addr_npi": 1, "esm_class": 0}
+        wanted = [
+            {"pdu": "bind_transceiver", "status": 0, "system_id": "test", "password": "secret", "interface_version": 0x34},
+            {"pdu": "deliver_sm_resp", "status": 0},
+            {"pdu": "deliver_sm_resp", "status": 0},
+            submit | {"registered_delivery": 1, "data_coding": 0, "text": b"Hello".hex()},
+            submit | {"registered_delivery": 0, "data_coding": 8, "text": "041f"},
+            {"pdu": "unbind", "status": 0},
+        ]
+        self.assertCountEqual(got, wanted)
+        self.assertEqual([pdu["pdu"] for pdu in got][::len(got) - 1], ["bind_transceiver", "unbind"])
+
+
 class Session(unittest.TestCase):
     def test_every_kind_of_receipt_is_matched(self):
         for options in ([], ["--ids", "dec"], ["--receipt-ids", "dec"], ["--receipt-ids", "hex"], ["--receipts", "tlv"],
                         ["--seconds"], ["--early"]):
             with self.subTest(options), smsc(*options) as server:
-                lines, _, _ = run_script(server, """
+                lines, _ = run_script(server, """
 smpp.Connect(); Show(smpp.IsConnected);
 var reference = smpp.Send(Message(new Array(40).join("A long text. ")));
 var status = smpp.QueryStatus(reference, true);
@@ -93,7 +148,7 @@ smpp.Disconnect(); Show(smpp.IsConnected);
         ]
         for name, rules, wanted, limit in rows:
             with self.subTest(name), smsc("--receipts", "none", rules=rules) as server:
-                lines, seconds, _ = run_script(server, """
+                lines, seconds = run_script(server, """
 smpp.Connect();
 var status = smpp.QueryStatus(smpp.Send(Message("x")), true);
 Show(status.StatusDescription + " " + status.StatusCode);
@@ -115,14 +170,14 @@ smpp.Disconnect();
             ("no such host", [], "smpp.Server = 'no.such.host.invalid';", "33201"),
         ]:
             with self.subTest(name), smsc(rules=rules) as server:
-                lines, _, _ = run_script(server, body + "smpp.Connect(); Show(''); Show(smpp.Send(Message('x')));")
+                lines, _ = run_script(server, body + "smpp.Connect(); Show(''); Show(smpp.Send(Message('x')));")
                 self.assertEqual(lines[0], "|" + wanted)
                 self.assertEqual(lines[1].split("|")[1], "33205")
 
     def test_tlvs_and_provider_files(self):
         with wine.folder() as path, smsc() as server:
             file = json.dumps(wine.windows_path(path / "provider.ini"))
-            lines, _, _ = run_script(server, f"""
+            lines, _ = run_script(server, f"""
 smpp.SetTLVValue(2, 0x020B, 2948); Show("");
 smpp.SetTLVValue(4, 0x001D, "text"); Show("");
 smpp.SetTLVValue(9, 1, 1); Show("");
@@ -143,7 +198,7 @@ smpp.Connect(); var r = smpp.Send(Message("x")); smpp.QueryStatus(r, true); smpp
 
     def test_many_connections_and_messages(self):
         with smsc("--quiet", "--receipts", "none") as server:
-            lines, _, _ = run_script(server, """
+            lines, _ = run_script(server, """
 var all = [];
 for (var i = 0; i < 10; ++i) {
     var one = new ActiveXObject("Quorvane.SmsProtocolSmpp");

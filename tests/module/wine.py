@@ -2,7 +2,6 @@
 import contextlib
 import pathlib
 import shutil
-import subprocess
 import sys
 import tempfile
 
@@ -10,23 +9,23 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 sys.path.insert(0, str(ROOT / "lab"))
 from base.launch import Counterpart  # noqa: E402
 
-PREFIX = ROOT / "build/wine"
-IN_WINE = ROOT / "scripts/in-wine.sh"
+from base.wine import IN_WINE, PREFIX, run, script, windows_path  # noqa: E402, F401
+
+# Texts that the alphabet of GSM holds, and that it does not: the second loses four letters in it.
+GSM_TEXT, UNICODE_TEXT = "Café à 5 € [Ω] @", "Fête à l'hôtel, garçon `Ж"
+
+END = "The script came to its end"
 
 
-def run(*arguments, timeout=120, encoding="utf-8"):
-    """Runs a Windows program; gives its exit code and what it printed."""
-    done = subprocess.run([IN_WINE, *map(str, arguments)], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                          stderr=subprocess.DEVNULL, timeout=timeout, check=False)
-    return done.returncode, done.stdout.decode(encoding, "replace").replace("\r", "")
-
-
-def windows_path(path):
-    return "Z:" + str(path).replace("/", "\\")
-
-
-def script(path, *arguments, timeout=120):
-    return run("cscript", "//nologo", windows_path(path), *arguments, timeout=timeout, encoding="cp850")
+def lines_of(text, kind, *arguments, timeout=120):
+    """What a script printed that must come to its end: an error in it shows in no other way."""
+    with folder() as path:
+        file = path / f"test.{kind}"
+        file.write_text(f'{text}\nWScript.Echo("{END}")\n', encoding="utf-8")
+        lines = script(file, *arguments, timeout=timeout)[1].split("\n")
+    if lines[-2:] != [END, ""]:
+        raise AssertionError(f"the script stopped after {lines[:-1]}")
+    return lines[:-2]
 
 
 class Modem(Counterpart):

@@ -1,6 +1,5 @@
 #include "foundation/serial/AtReply.h"
 
-#include "foundation/ErrorTexts.h"
 #include "foundation/Text.h"
 
 #include <algorithm>
@@ -14,13 +13,14 @@ struct FinalResult {
     std::string_view text;
     AtStatus status;
     ResultCode code;
+    bool endsLines = false;  // also ends a reply of many lines
 };
 
 // In the order in which they are looked for. "+CMS ERROR" and "+CME ERROR" get their code from the number.
 constexpr auto kFinalResults = std::to_array<FinalResult>({
-    {"OK", AtStatus::kOk, result::Success},
+    {"OK", AtStatus::kOk, result::Success, true},
     {"CONNECT", AtStatus::kConnect, result::Success},
-    {"ERROR", AtStatus::kError, result::ModemError},
+    {"ERROR", AtStatus::kError, result::ModemError, true},
     {"NO DIALTONE", AtStatus::kNoDialtone, result::ModemNoDialtone},
     {"NO CARRIER", AtStatus::kNoCarrier, result::ModemNoCarrier},
     {"NO ANSWER", AtStatus::kNoAnswer, result::ModemNoAnswer},
@@ -76,11 +76,14 @@ ResultCode ErrorCode(std::string_view upper) {
 }  // namespace
 
 bool EndsReply(std::string_view line, std::string_view expected) {
+    return ClassifyReply(line, expected).status > AtStatus::kUnexpected;
+}
+
+bool EndsLines(std::string_view line) {
     const std::string upper = Upper(line);
-    return std::ranges::any_of(
-               kFinalResults,
-               [&](const FinalResult& row) { return upper.find(row.text) != std::string::npos; }) ||
-           (!expected.empty() && upper.find(Upper(expected)) != std::string::npos);
+    return std::ranges::any_of(kFinalResults, [&](const FinalResult& row) {
+        return row.endsLines && upper.find(row.text) != std::string::npos;
+    });
 }
 
 AtOutcome ClassifyReply(std::string_view reply, std::string_view expected) {

@@ -3,7 +3,6 @@
 #pragma once
 #include "foundation/ResultCode.h"
 
-#include <cstdint>
 #include <string_view>
 
 enum class AtStatus {
@@ -26,6 +25,10 @@ struct AtOutcome {
 
 // True when the line ends the reply: it holds a final result or the expected text.
 bool EndsReply(std::string_view line, std::string_view expected);
+
+// True when the line ends a reply of many lines. Their texts may hold the words of the other results, so that
+// only "OK" and "ERROR" end it.
+bool EndsLines(std::string_view line);
 
 // Classifies the last line of a reply; letters compare without case.
 AtOutcome ClassifyReply(std::string_view reply, std::string_view expected);

@@ -1,6 +1,5 @@
 #include "foundation/serial/KorComIO.h"
 
-#include "foundation/ErrorTexts.h"
 #include "foundation/Text.h"
 
 #include <algorithm>
@@ -99,7 +98,8 @@ bool CKorComIO::Fill(std::uint32_t wait) {
     return size > 0;
 }
 
-ResultCode CKorComIO::ReadBytes(std::string& octets, std::size_t count, std::uint32_t timeout) {
+ResultCode CKorComIO::ReadBytes(std::string& octets, std::size_t count, std::uint32_t timeout,
+                                const Enough& enough) {
     octets.clear();
     if (!IsOpen()) return result::PortNotOpen;
     const Timer timer(GetClock(), timeout);
@@ -112,6 +112,7 @@ ResultCode CKorComIO::ReadBytes(std::string& octets, std::size_t count, std::uin
         const std::size_t size = std::min(count - octets.size(), receivedEnd_ - receivedAt_);
         octets.append(&received_[receivedAt_], size);
         receivedAt_ += size;
+        if (enough && enough(octets)) break;
     }
     return octets.empty() && count != 0 ? result::PortNothingReceived : result::Success;
 }

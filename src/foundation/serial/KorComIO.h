@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -33,8 +34,11 @@ class CKorComIO : public CKorBase {
     // 0, or 30114 when not open.
     ResultCode WriteBytes(std::string_view octets);
 
-    // Reads until `count` octets are there or the time-out (ms) passes; 30114, or 30115 when nothing came.
-    ResultCode ReadBytes(std::string& octets, std::size_t count, std::uint32_t timeout);
+    // Reads until `count` octets are there, `enough` says so of those that are, or the time-out (ms) passes;
+    // 30114, or 30115 when nothing came.
+    using Enough = std::function<bool(std::string_view octets)>;
+    ResultCode ReadBytes(std::string& octets, std::size_t count, std::uint32_t timeout,
+                         const Enough& enough = {});
 
     // Reads one line, trimmed; empty lines are skipped. A line ends at the terminator, at `maximum`
     // characters, or when it consists of `prompt` (not empty) alone, after which no terminator comes. 30114,

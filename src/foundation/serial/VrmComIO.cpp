@@ -5,19 +5,27 @@
 #include "foundation/Text.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace {
 constexpr std::uint32_t kLineTime = 1000;
 constexpr std::uint32_t kListCommandTime = 2000;
 constexpr char kCarriageReturn = '\r';
 constexpr std::string_view kPrompt = ">";  // what a modem asks for data with; no line end follows it
+constexpr std::size_t kLongestResponse = 65536;
+constexpr int kMostListed = 10000;
+
+bool IsHexText(std::string_view line) {
+    return line.size() >= 2 && line.find_first_not_of("0123456789ABCDEFabcdef") == std::string_view::npos;
+}
+
+}  // namespace
 
 std::string MaskPin(std::string_view command) {
     std::string masked(command);
     if (ContainsNoCase(masked, "AT+CPIN")) std::ranges::replace_if(masked, IsDigit, '*');
     return masked;
 }
-}  // namespace
 
 CVrmComIO::CVrmComIO(SerialOpener& opener, Clock& clock) : CKorComIO("CVrmComIO", opener, clock) {}
 
@@ -27,7 +35,7 @@ ResultCode CVrmComIO::Open(SerialSettings settings) {
     const ResultCode code = port ? OpenPort(settings) : OpenTelephony(settings);
     Log(logmask::kVerbatim, "OPEN DEVICE   [Velqar Build %s], device=[%s], baudrate=[%d], result=[%s]\n",
         product::kBuild, settings.device.c_str(), static_cast<int>(settings.speed),
-        DescribeError(code).data());
+        std::string(DescribeError(code)).c_str());
     return code;
 }
 
@@ -54,8 +62,9 @@ ResultCode CVrmComIO::WriteBytes(std::string_view octets) {
     return CKorComIO::WriteBytes(octets);
 }
 
-ResultCode CVrmComIO::ReadBytes(std::string& octets, std::size_t count, std::uint32_t timeout) {
-    const ResultCode code = CKorComIO::ReadBytes(octets, count, timeout);
+ResultCode CVrmComIO::ReadBytes(std::string& octets, std::size_t count, std::uint32_t timeout,
+                                const Enough& enough) {
+    const ResultCode code = CKorComIO::ReadBytes(octets, count, timeout, enough);
     if (code != result::Success) {
         Log(logmask::kVerbatim, "READ BYTES, #bytes=[%d]\n", static_cast<int>(octets.size()));
     }
@@ -87,6 +96,45 @@ AtExchange CVrmComIO::Exchange(std::string_view command, std::uint32_t timeout, 
     }
     Log(logmask::kActivity, "Reply: [%s]\n", exchange.reply.c_str());
     return exchange;
+}
+
+AtExchange CVrmComIO::Collect(std::string_view command, std::uint32_t timeout) {
+    WriteString(command);
+    std::string all;
+    std::string line;
+    const Timer timer(GetClock(), timeout);
+    while (all.size() < kLongestResponse) {
+        std::string next;
+        if (ReadString(next, kLongestLine, timer.Remaining()) != result::Success) break;
+        line = std::move(next);
+        if (!all.empty()) all += "\r\n";
+        all += line;
+        if (EndsLines(line) || timer.Expired()) break;
+    }
+    return {ClassifyReply(line, {}), std::move(all)};
+}
+
+ResultCode CVrmComIO::Listing(std::string_view command, std::string_view header, std::uint32_t timeout,
+                              const TakeEntry& take) {
+    WriteString(command);
+    std::optional<std::int32_t> number;
+    Timer quiet(GetClock(), timeout);
+    for (int listed = 0; listed < kMostListed && !quiet.Expired();) {
+        std::string line;
+        if (ReadString(line, kLongestLine, timeout) != result::Success) break;
+        Log(logmask::kActivity, "Reply: [%s]\n", line.c_str());
+        if (const std::size_t at = FindNoCase(line, header); at != std::string::npos) {
+            number = ToInt(std::string_view(line).substr(at + header.size()));
+            quiet = Timer(GetClock(), timeout);
+            ++listed;
+        } else if (number && IsHexText(line)) {
+            take(*number, line);
+            number.reset();
+        } else if (EndsLines(line)) {
+            return ClassifyReply(line, {}).code;
+        }
+    }
+    return result::ModemNoResponse;
 }
 
 ResultCode CVrmComIO::RunCommandList(std::string_view list) {

@@ -4,13 +4,18 @@
 #include "foundation/serial/AtReply.h"
 #include "foundation/serial/KorComIO.h"
 
+#include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
 struct AtExchange {
     AtOutcome outcome;
-    std::string reply;  // the last line read, trimmed
+    std::string reply;  // the last line read, trimmed; of Collect all lines
 };
+
+// A command as it may be logged: the digits of a PIN command are masked.
+std::string MaskPin(std::string_view command);
 
 class CVrmComIO : public CKorComIO {
   public:
@@ -28,11 +33,23 @@ class CVrmComIO : public CKorComIO {
     ResultCode ReadString(std::string& line, std::size_t maximum, std::uint32_t timeout,
                           std::string_view prompt = {});
     ResultCode WriteBytes(std::string_view octets);
-    ResultCode ReadBytes(std::string& octets, std::size_t count, std::uint32_t timeout);
+    ResultCode ReadBytes(std::string& octets, std::size_t count, std::uint32_t timeout,
+                         const Enough& enough = {});
 
     // Sends a command (unless empty) and reads lines until a final result, the expected text or the time-out
-    // (ms). Digits of a PIN command are masked in the log.
+    // (ms).
     AtExchange Exchange(std::string_view command, std::uint32_t timeout, std::string_view expected = {});
+
+    // Sends a command and gives all lines of the reply, joined by CR LF, up to "OK", "ERROR", the time-out
+    // (ms) or 64 KiB.
+    AtExchange Collect(std::string_view command, std::uint32_t timeout);
+
+    // Sends a command whose reply lists entries, and hands on each: a line with `header` and the entry's
+    // number, then one of hexadecimal text. Other lines (unsolicited results, noise) are passed over. The
+    // code of the final result; 30350 when none came within `timeout` (ms) of the last entry.
+    using TakeEntry = std::function<void(std::int32_t number, const std::string& hexText)>;
+    ResultCode Listing(std::string_view command, std::string_view header, std::uint32_t timeout,
+                       const TakeEntry& take);
 
     // Exchanges each command of a list separated by ";", 2000 ms each; the first failure ends it.
     ResultCode RunCommandList(std::string_view list);

@@ -1,11 +1,9 @@
 // A modem in virtual time: answers written octets by rules, and lets every time-out cost nothing.
 #pragma once
-#include "foundation/ErrorTexts.h"
 #include "foundation/serial/SerialDevice.h"
 #include "support/VirtualClock.h"
 
 #include <deque>
-#include <functional>
 #include <map>
 #include <string>
 #include <utility>
@@ -22,6 +20,10 @@ class ScriptedModem : public SerialOpener {
     }
     void Otherwise(std::string answer) { otherwise_ = std::move(answer); }
     void Give(const std::string& octets) { incoming_ += octets; }
+    // Octets that come so many ms from now; in the order of their times.
+    void GiveAfter(std::uint32_t milliseconds, std::string octets) {
+        late_.emplace_back(clock_->Slept() + milliseconds, std::move(octets));
+    }
     // Answers go out this many octets a read; 0 = all at once.
     void Fragment(std::size_t size) { fragment_ = size; }
 
@@ -103,6 +105,12 @@ class ScriptedModem : public SerialOpener {
             clock_->Sleep(1);
             incoming_ = flood;
         }
+        if (incoming_.empty() && !late_.empty() && late_.front().first <= clock_->Slept() + wait) {
+            const std::uint64_t due = late_.front().first;
+            if (due > clock_->Slept()) clock_->Sleep(static_cast<std::uint32_t>(due - clock_->Slept()));
+            incoming_ = std::move(late_.front().second);
+            late_.pop_front();
+        }
         if (incoming_.empty()) {
             clock_->Sleep(wait);
             return 0;
@@ -119,5 +127,6 @@ class ScriptedModem : public SerialOpener {
     std::string otherwise_ = "\r\nOK\r\n";
     std::string pending_;
     std::string incoming_;
+    std::deque<std::pair<std::uint64_t, std::string>> late_;  // {when it comes, octets}
     std::size_t fragment_ = 0;
 };

@@ -1,0 +1,87 @@
+// A GSM modem as every channel that works through one needs it, 3GPP TS 27.005 and 27.007: opening and the
+// opening dialogue, the PIN, raw commands, and what lies in its storages. The channel adds its own dialogue.
+#pragma once
+#include "foundation/ResultCode.h"
+#include "foundation/serial/VrmComIO.h"
+#include "gsm/GsmStorage.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+// What the caller sets.
+struct GsmSettings {
+    std::string device;       // "COM1", or the name of a telephony line
+    std::uint32_t speed = 0;  // bits per second; 0 = 115200
+    std::string initString;   // an AT command sent first; empty = none
+    std::int32_t flowControl = sms::asDEVICEFLOWCONTROL_DEFAULT;
+    std::int32_t messageStorage = sms::asSTORAGE_ALL;  // where messages and reports are read from
+    std::int32_t reportsStorage = sms::asSTORAGE_ALL;  // kept for the caller; reading goes by messageStorage
+    std::string smsc;                                  // empty = the SIM's own
+};
+
+// What channels log in words of their own.
+struct GsmDeviceTexts {
+    const char* noSim = "Either the device is not a GSM device or the SIM card is not inserted !\n";
+};
+
+class CGsmDevice : public CVrmComIO {
+  public:
+    static constexpr std::uint32_t kCommandTime = 5000;  // ms
+
+    explicit CGsmDevice(SerialOpener& opener, Clock& clock = SystemClock(), const GsmDeviceTexts& texts = {})
+        : CVrmComIO(opener, clock), texts_(texts) {}
+
+    class Session;  // the device open for one operation
+
+    // Both open the device for themselves; the codes are those of the channels' methods of the same names.
+    ResultCode EnterPin(const GsmSettings& settings, std::string_view pin);
+    ResultCode SendCommand(const GsmSettings& settings, std::string_view command, std::uint32_t timeout,
+                           std::string& response);
+
+    // All that follows works on the open device.
+
+    // The opening dialogue.
+    ResultCode Initialise(const GsmSettings& settings);
+    // Notes the storages that the device offers.
+    ResultCode AskStorages();
+    unsigned OfferedStorages() const { return offeredStorages_; }
+
+    // One command with the usual time-out, and the last line of its reply if wanted.
+    ResultCode Command(std::string_view command, std::string_view expected = {},
+                       std::string* reply = nullptr);
+
+    ResultCode Select(const GsmStorage& storage);
+    // Hands on the PDUs of a storage, those read before and then the unread ones; 33150 when the device lacks
+    // the storage.
+    ResultCode List(const GsmStorage& storage, const TakeEntry& take);
+
+  private:
+    ResultCode OpenFor(const GsmSettings& settings);
+    void CloseFor(const GsmSettings& settings);
+    ResultCode CheckPin(std::string_view pin);
+    void WaitForRegistration();
+
+    GsmDeviceTexts texts_;
+    std::string rejectedPin_;  // stays known for the life of the object
+    unsigned offeredStorages_ = 0;
+};
+
+// The settings must outlive it.
+class CGsmDevice::Session {
+  public:
+    Session(CGsmDevice& device, const GsmSettings& settings)
+        : device_(&device), settings_(&settings), code_(device.OpenFor(settings)) {}
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+    ~Session() { device_->CloseFor(*settings_); }
+    ResultCode Code() const { return code_; }  // of the opening
+
+  private:
+    CGsmDevice* device_;
+    const GsmSettings* settings_;
+    ResultCode code_;
+};
+
+// A command with its value in double quotes.
+std::string Quoted(std::string_view command, std::string_view value);

@@ -1,0 +1,45 @@
+"""What all examples have in common; those that cannot run here are at least read."""
+import pathlib
+import re
+import sys
+import unittest
+
+sys.path.insert(0, str(pathlib.Path(__file__).parent))
+import wine  # noqa: E402
+from wire import gsm  # noqa: E402
+
+EXAMPLES = wine.ROOT / "examples"
+PROGRAMS = ["gsm_example.exe", "smpp_example.exe"]
+
+
+class Alphabet(unittest.TestCase):
+    def test_every_example_that_sends_a_text_knows_the_alphabet(self):
+        beyond = {char for char in map(chr, range(0x10000)) if char not in gsm.CODES} | {"\f", "\x1b"}
+        for file in EXAMPLES.glob("[gs]*/*"):
+            if file.stem in ("receive", "pin"):
+                continue
+            text = file.read_text(encoding="utf-8")
+            with self.subTest(file.name):
+                pieces = re.findall(r"""["'(]((?:\[\^|\\x)[^"')]*)["')]""", text)
+                pattern = re.compile("".join(pieces))
+                self.assertEqual({char for char in map(chr, range(0x10000)) if pattern.search(char)}, beyond)
+                if file.suffix == ".ps1":
+                    self.assertIn("-cmatch", text)  # -match takes ç for Ç
+
+
+class Usage(unittest.TestCase):
+    def test_without_arguments_an_example_tells_them(self):
+        for file in sorted(EXAMPLES.glob("*/*.[vj][bs]*")):
+            with self.subTest(file.name):
+                code, output = wine.script(file)
+                self.assertEqual(code, 2)
+                self.assertRegex(output, rf"^cscript {file.name} (COM5|127\.0\.0\.1 2775 user password)[^\n]*\n$")
+        for program in PROGRAMS:
+            with self.subTest(program):
+                code, output = wine.run(program)
+                self.assertEqual(code, 2)
+                self.assertRegex(output, rf"^{program.removesuffix('.exe')} send [^\n]* \| receive [^\n]*\n$")
+
+
+if __name__ == "__main__":
+    unittest.main()
