@@ -316,6 +316,21 @@ TEST_F(Session, NoReceiptIsLostWhenTooManyAreHeld) {
     EXPECT_EQ(received.Count(), 257U);
 }
 
+TEST_F(Session, ForgetsReportsAfterADay) {
+    settings.serverKeepAlive = 0;
+    Bind();
+    reports.RecordSent("old", ReportWanted::kNo);
+    clock.Sleep(86'400'000);
+    session.OnTick();
+    EXPECT_TRUE(reports.Query("old").has_value());
+    clock.Sleep(9'999);
+    session.OnTick();  // every ten seconds only
+    EXPECT_TRUE(reports.Query("old").has_value());
+    clock.Sleep(1);
+    session.OnTick();
+    EXPECT_FALSE(reports.Query("old").has_value());
+}
+
 TEST_F(Session, LogsEachCommandByItsName) {
     const TemporaryFolder folder;
     settings.dumpFlags = 0;
