@@ -174,6 +174,40 @@ TEST_F(Device, PinsAreEnteredOnce) {
     EXPECT_EQ(modem.closings, 1);
 }
 
+TEST_F(Device, APinIsGivenToAWaitingSimOnly) {
+    struct Row {
+        const char* state;
+        const char* answer;
+        std::int32_t code;
+        bool given, registers;
+    };
+    const char* const kOk = "\r\nOK\r\n";
+    modem.On("AT+CREG?", {"\r\n+CREG: 0,1\r\n\r\nOK\r\n"});
+    for (const Row& row : {Row{"SIM PIN", kOk, 0, true, true}, Row{"SIM PIN", "", 30350, true, false},
+                           Row{"READY", kOk, 0, false, false}, Row{"SIM PUK", kOk, 0, false, false}}) {
+        const TemporaryFolder folder;
+        device.SetActivityFile(folder.File("activity"));
+        modem.On("AT+CPIN?", {std::string("\r\n+CPIN: ") + row.state + "\r\n\r\nOK\r\n"});
+        modem.On("AT+CPIN=\"12345678\"", {row.answer});
+        modem.commands.clear();
+        EXPECT_EQ(device.EnterPin(settings, "12345678"), row.code) << row.state << row.answer;
+        EXPECT_EQ(Sent("AT+CPIN=\"12345678\""), row.given) << row.state;
+        EXPECT_EQ(Sent("AT+CREG?"), row.registers) << row.state << row.answer;
+        const std::string activity = TemporaryFolder::Read(folder.File("activity"));
+        EXPECT_NE(activity.find("Checking PIN code..."), std::string::npos);
+        EXPECT_EQ(activity.find("PIN code OK!") != std::string::npos, row.registers);
+    }
+}
+
+// Over telephony nothing else drops what the modem has said before.
+TEST_F(Device, WhatCameBeforeThePinQuestionIsNoAnswer) {
+    modem.On("AT+CPIN?", {"\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n"});
+    modem.On("AT+CREG?", {"\r\n+CREG: 0,1\r\n\r\nOK\r\n"});
+    modem.Give("\r\n+CPIN: READY\r\n");
+    EXPECT_EQ(device.EnterPin({.device = "A modem line"}, "1234"), 0);
+    EXPECT_TRUE(Sent("AT+CPIN=\"1234\""));
+}
+
 TEST_F(Device, RegistrationIsWaitedFor) {
     struct Row {
         std::vector<std::string> answers;

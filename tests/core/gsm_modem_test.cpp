@@ -50,6 +50,35 @@ TEST_F(Gsm, SendsOnePdu) {
     EXPECT_EQ(clock.Slept(), 500U);  // settling after the opening, and nothing else
 }
 
+TEST_F(Gsm, EveryFieldOfAMessageGoesIntoItsPdu) {
+    struct Row {
+        const char* smsc;
+        std::int32_t validity;
+        std::uint32_t port;
+        const char* length;
+        const char* pdu;
+    };
+    const TemporaryFolder folder;
+    for (const Row& row : {
+             Row{"", 60, 0, "15", "0011000B911316325476F800000B0161"},
+             Row{"", 0, 2948, "21", "0041000B911316325476F80000090605040B84000061"},
+             Row{"+31653131313", 0, 0, "21", "07911356131313F301000B911316325476F800000161"},
+         }) {
+        gsm.SetLogFile(folder.File(row.pdu));
+        modem.On(std::string("AT+CMGS=") + row.length, {"\r\n> "});
+        modem.On(row.pdu, {"\r\n+CMGS: 3\r\n\r\nOK\r\n"});
+        CSmsMessageX message = Message();
+        message.SMSC = row.smsc;
+        message.ValidityPeriod = row.validity;
+        message.DestinationPort = row.port;
+        EXPECT_EQ(Send(message), 0) << row.pdu;
+        EXPECT_EQ(references, "3") << row.pdu;
+        const std::string log = TemporaryFolder::Read(folder.File(row.pdu));
+        EXPECT_EQ(log.find("VALIDITY PERIOD   : 60 min\n") != std::string::npos, row.validity != 0);
+        EXPECT_NE(log.find("READ STRING,  string=[+CMGS: 3]"), std::string::npos);
+    }
+}
+
 TEST_F(Gsm, TheOpeningDialogueHasItsExits) {
     struct Row {
         const char* command;
@@ -122,6 +151,19 @@ TEST_F(Gsm, SendsThePartsOfALongMessageASecondApart) {
     EXPECT_EQ(gsm.Reports().Count(), 2U);
 }
 
+TEST_F(Gsm, APartThatFailsTakesTheReferencesOfTheOthersWithIt) {
+    CSmsMessageX message = Message(u"00112233");
+    message.Format = sms::asMESSAGEFORMAT_UNICODE_MULTIPART;
+    message.Data = std::u16string(71, u'a');
+    modem.On("AT+CMGS=153", {"\r\n> "});
+    modem.On("AT+CMGS=27", {"\r\n+CMS ERROR: 500\r\n"});
+    modem.Otherwise("\r\n+CMGS: 7\r\n\r\nOK\r\n");
+    for (const char* command : {"ATE0", "AT+CMEE=1", "AT+CMGF=0"}) modem.On(command, {"\r\nOK\r\n"});
+    EXPECT_EQ(Send(message), 30352);
+    EXPECT_EQ(references, "");
+    EXPECT_EQ(gsm.Reports().Count(), 0U);
+}
+
 TEST_F(Gsm, ABusyNetworkIsTriedThreeTimes) {
     struct Row {
         std::vector<std::string> answers;
@@ -184,10 +226,13 @@ TEST_F(Gsm, KeywordsChooseTheMode) {
     }
     gsm.SetAdvancedSettings("ForceTextMode");
     modem.On("AT+CMGS=\"12345\"", {"\r\n> "});
-    CSmsMessageX message = Message(u"hi");
-    message.Recipient = "S12345";
-    EXPECT_EQ(Send(message), 0);
-    EXPECT_TRUE(Sent("AT+CMGS=\"12345\""));
+    for (const char* recipient : {"S12345", "A12345", "N12345", "G12345"}) {
+        modem.commands.clear();
+        CSmsMessageX message = Message(u"hi");
+        message.Recipient = recipient;
+        EXPECT_EQ(Send(message), 0) << recipient;
+        EXPECT_TRUE(Sent("AT+CMGS=\"12345\"")) << recipient;
+    }
 }
 
 constexpr const char* kHello = "00040B911316111111F10000621112406180000AE8329BFD4697D9EC37";
@@ -232,8 +277,56 @@ TEST_F(Gsm, ReceivesMessagesAndReportsAmongNoise) {
     EXPECT_EQ(message.Sender, "+31611111111");
     EXPECT_EQ(message.StorageLocation, "SM0003;");
     EXPECT_EQ(message.Time, "11/21/2026 04:16:08 AM");
+    EXPECT_EQ(message.ReceivedTime, clock.Now());
     EXPECT_EQ(gsm.Reports().Query("17")->status, 2);
     EXPECT_EQ(modem.commands.back(), "AT+CMGD=5");
+}
+
+TEST_F(Gsm, ReceivedFieldsAreThoseOfThePdu) {
+    gsm.settings.messageStorage = 1;
+    struct Row {
+        const char* pdu;
+        std::int32_t format;
+        std::u16string data;
+        const char* smsc;
+    };
+    for (const Row& row : {
+             Row{"00040B911316111111F10008621112406180000400E90041", 20, u"\u00e9A", ""},
+             Row{"00040B911316111111F100046211124061800002FF41", 10, u"\u00ffA", ""},
+             Row{"07911356131313F3040B911316111111F10000621112406180000161", 0, u"a", "+31653131313"},
+         }) {
+        modem.On("AT+CMGL=1", {Listed(1, row.pdu) + "\r\nOK\r\n"});
+        ASSERT_EQ(gsm.Receive(), 0);
+        CSmsMessageX message;
+        ASSERT_EQ(gsm.Received().First(message), 0) << row.pdu;
+        EXPECT_EQ(message.Format, row.format) << row.pdu;
+        EXPECT_EQ(message.Data, row.data) << row.pdu;
+        EXPECT_EQ(message.SMSC, row.smsc) << row.pdu;
+    }
+}
+
+// What the listing gave counts; a deletion's failure is told when the listing had none.
+TEST_F(Gsm, TheCodeIsThatOfTheListingBeforeThatOfTheDeletion) {
+    gsm.settings.messageStorage = 1;
+    const TemporaryFolder folder;
+    gsm.SetLogFile(folder.File("log"));
+    const std::string report = std::string(kReport).replace(std::string(kReport).size() - 2, 2, "41");
+    struct Row {
+        const char* end;
+        const char* deletion;
+        std::int32_t code;
+    };
+    for (const Row& row :
+         {Row{"\r\n+CMS ERROR: 310\r\n", "\r\nOK\r\n", 33140}, Row{"\r\nOK\r\n", "\r\nERROR\r\n", 30352},
+          Row{"\r\n+CMS ERROR: 310\r\n", "\r\nERROR\r\n", 33140}}) {
+        modem.On("AT+CMGL=1", {Listed(5, report) + row.end});
+        modem.On("AT+CMGD=5", {row.deletion});
+        EXPECT_EQ(gsm.Receive(), row.code) << row.end << row.deletion;
+        EXPECT_EQ(gsm.Reports().Query("17")->status, 5);
+        EXPECT_EQ(gsm.Reports().Query("17")->statusCode, 0x41);
+    }
+    EXPECT_NE(TemporaryFolder::Read(folder.File("log")).find("Report received for message 17, status = 41\n"),
+              std::string::npos);
 }
 
 TEST_F(Gsm, AListingThatBreaksOffHasACodeAndAnEnd) {
@@ -255,7 +348,15 @@ TEST_F(Gsm, AListingThatBreaksOffHasACodeAndAnEnd) {
 TEST_F(Gsm, AMissingStorageIsNamed) {
     gsm.settings.messageStorage = 2;
     modem.On("AT+CPMS=\"ME\"", {"\r\nERROR\r\n"});
+    const TemporaryFolder folder;
+    gsm.SetLogFile(folder.File("log"));
+    gsm.SetActivityFile(folder.File("activity"));
     EXPECT_EQ(gsm.Receive(), 33150);
+    for (const char* file : {"log", "activity"}) {
+        EXPECT_NE(TemporaryFolder::Read(folder.File(file)).find("Invalid message storage specified"),
+                  std::string::npos)
+            << file;
+    }
 }
 
 TEST_F(Gsm, DeletesByStorageAndKey) {
@@ -345,9 +446,16 @@ TEST_F(Gsm, QueriesReadReportsAtMostEveryTenSeconds) {
     CSmsDeliveryReport report;
     EXPECT_EQ(gsm.QueryStatus("", report), 34050);
     EXPECT_EQ(gsm.QueryStatus("17", report), 33061);
-    const int openings = modem.openings;
+    int openings = modem.openings;
+    clock.Sleep(10'000 - static_cast<std::uint32_t>(clock.Slept() % 1000));
     EXPECT_EQ(gsm.QueryStatus("17", report), 33061);
     EXPECT_EQ(modem.openings, openings);
+    clock.Sleep(1000);
+    EXPECT_EQ(gsm.QueryStatus("17", report), 33061);
+    EXPECT_EQ(modem.openings, ++openings);
+    clock.SetNow(clock.Now() - 3600);  // a clock set back
+    EXPECT_EQ(gsm.QueryStatus("17", report), 33061);
+    EXPECT_EQ(modem.openings, ++openings);
     gsm.settings.messageStorage = 4;
     modem.On("AT+CMGL=0", {Listed(5, kReport) + "\r\nOK\r\n", "\r\nOK\r\n"});
     clock.Sleep(11'000);
@@ -390,10 +498,21 @@ TEST_F(Gsm, ClearForgetsAllButTheRejectedPin) {
     modem.On("AT+CPIN=\"1111\"", {"\r\nERROR\r\n"});
     (void)gsm.EnterPin("1111");
     gsm.Reports().RecordSent("1", ReportWanted::kNo);
+    gsm.Received().Add({});
+    const TemporaryFolder folder;
+    gsm.SetLogFile(folder.File("log"));
+    gsm.SetActivityFile(folder.File("activity"));
+    CSmsDeliveryReport report;
+    (void)gsm.QueryStatus("1", report);
     gsm.Clear();
     EXPECT_EQ(gsm.settings.device, "");
     EXPECT_EQ(gsm.Reports().Count(), 0U);
-    const int openings = modem.openings;
+    EXPECT_EQ(gsm.Received().Stored(), 0U);
+    EXPECT_EQ(gsm.LogFile() + gsm.ActivityFile(), "");
+    int openings = modem.openings;
+    gsm.settings.device = "COM3";
+    (void)gsm.QueryStatus("1", report);
+    EXPECT_EQ(modem.openings, ++openings);  // when reports were read last is forgotten as well
     EXPECT_EQ(gsm.EnterPin("1111"), 33142);
     EXPECT_EQ(modem.openings, openings);
 }

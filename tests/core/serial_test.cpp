@@ -33,7 +33,9 @@ TEST_F(Serial, ChoosesPortOrTelephonyByName) {
         EXPECT_EQ(modem.viaTelephony, row.telephony);
         EXPECT_EQ(modem.settings.speed, row.usedSpeed);
         EXPECT_EQ(port.Open({.device = "COM3"}), 30103);
+        EXPECT_TRUE(modem.dtr && modem.rts) << row.device;
         port.Close();
+        EXPECT_FALSE(modem.dtr || modem.rts) << row.device;
     }
     EXPECT_EQ(port.Open({.device = "COM3", .speed = 1}), 30113);
     EXPECT_EQ(port.Open({.device = ""}), 30201);

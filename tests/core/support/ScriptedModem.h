@@ -33,6 +33,7 @@ class ScriptedModem : public SerialOpener {
     int openings = 0;
     int closings = 0;
     bool viaTelephony = false;
+    bool dtr = false, rts = false;  // as last set
     ResultCode openResult = result::Success;
     std::uint32_t systemError = 2;
     bool dead = false;     // reads and writes fail
@@ -58,8 +59,8 @@ class ScriptedModem : public SerialOpener {
         }
         int Read(std::span<char> buffer, std::uint32_t wait) override { return modem_->Read(buffer, wait); }
         void Purge() override { modem_->incoming_.clear(); }
-        void SetDtr(bool) override {}
-        void SetRts(bool) override {}
+        void SetDtr(bool on) override { modem_->dtr = on; }
+        void SetRts(bool on) override { modem_->rts = on; }
 
       private:
         ScriptedModem* modem_;
