@@ -1,12 +1,15 @@
 #include "foundation/TextFile.h"
 
 #include "foundation/FileReplace.h"
+#include "foundation/Hex.h"
 #include "foundation/Text.h"
+#include "foundation/UniqueNumber.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -20,6 +23,37 @@ bool IsName(const std::string& name) { return name.find('\0') == std::string::np
 
 File Open(const std::string& name, const char* mode) {
     return File(IsName(name) ? std::fopen(name.c_str(), mode) : nullptr);
+}
+
+constexpr int kReplaceAttempts = 5;
+constexpr std::uint32_t kReplacePause = 20;
+
+bool Write(File file, const std::function<bool(const TextSink&)>& produce) {
+    const bool produced = produce([&file](std::string_view text) {
+        return std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
+    });
+    return std::fclose(file.release()) == 0 && produced;
+}
+
+// Copies one file over another, for a file that cannot be replaced because somebody reads it.
+bool CopyInto(const std::string& name, const std::string& from) {
+    const File in = Open(from, "rb");
+    File out = Open(name, "wb");
+    if (!in || !out) return false;
+    std::string piece(kTextPiece, '\0');
+    bool whole = true;
+    while (const std::size_t size = std::fread(piece.data(), 1, piece.size(), in.get())) {
+        whole = whole && std::fwrite(piece.data(), 1, size, out.get()) == size;
+    }
+    return std::fclose(out.release()) == 0 && whole && std::ferror(in.get()) == 0;
+}
+
+bool PutInPlace(const std::string& name, const std::string& beside, Clock& clock) {
+    for (int attempt = 0; attempt < kReplaceAttempts; ++attempt) {
+        if (attempt > 0) clock.Sleep(kReplacePause);
+        if (ReplaceFileBy(name, beside)) return true;
+    }
+    return CopyInto(name, beside);
 }
 
 }  // namespace
@@ -47,14 +81,43 @@ bool WriteTextFile(const std::string& name, std::string_view text) {
     return std::fclose(file.release()) == 0 && written;
 }
 
-bool ReplaceTextFile(const std::string& name, std::string_view text) {
+bool ReplaceTextFile(const std::string& name, const std::function<bool(const TextSink&)>& produce,
+                     Clock& clock) {
     if (!IsName(name) || !CanReplaceFile(name)) return false;
-    const std::string beside = name + ".new";
-    if (!WriteTextFile(beside, text) || !ReplaceFileBy(name, beside)) {
-        (void)std::remove(beside.c_str());
-        return false;
+    std::string beside = name + ".";
+    hex::AppendNumber(beside, UniqueNumber());  // two writers of one file do not meet
+    beside += ".new";
+    File file = Open(beside, "wt+");
+    if (!file) {  // there is no place beside it, for its name or for its folder
+        file = Open(name, "wt+");
+        return file && Write(std::move(file), produce);
     }
-    return true;
+    const bool written = Write(std::move(file), produce) && PutInPlace(name, beside, clock);
+    (void)std::remove(beside.c_str());
+    return written;
+}
+
+bool ReadTextPieces(const std::string& name, const std::function<void(std::string_view)>& take,
+                    std::size_t pieceSize) {
+    const File file = Open(name, "rb");
+    if (!file) return false;
+    std::string piece;
+    bool any = false;
+    for (;;) {
+        const std::size_t kept = piece.size();  // a carriage return, whose line feed may follow
+        piece.resize(kept + pieceSize);
+        const std::size_t size = std::fread(&piece[kept], 1, pieceSize, file.get());
+        piece.resize(kept + size);
+        if (size == 0) break;
+        any = true;
+        const bool mayGoOn = piece.back() == '\r';
+        if (mayGoOn) piece.pop_back();
+        ReplaceAll(piece, "\r\n", "\n");
+        if (!piece.empty()) take(piece);
+        piece.assign(mayGoOn ? 1 : 0, '\r');
+    }
+    if (!piece.empty()) take(piece);
+    return any || std::ferror(file.get()) == 0;  // a folder opens on some systems
 }
 
 bool AppendTextFile(const std::string& name, std::string_view text) {

@@ -18,6 +18,7 @@ constexpr std::uint32_t kPartPause = 1000;
 constexpr std::uint32_t kRetryPause = 2000;
 constexpr int kSubmitAttempts = 3;
 constexpr std::int64_t kReportsMaximumAge = 10;  // seconds
+constexpr char kRecipientSeparator = '/';  // in the reference of a report that is for none of the messages
 constexpr unsigned kEvent = logmask::kActivity | logmask::kVerbatim;
 
 }  // namespace
@@ -95,8 +96,8 @@ ResultCode CGsmModem::Send(const CSmsMessageX& message, std::string& references)
         return code;
     }
     for (const std::string_view reference : Split(references, {&kReferenceSeparator, 1})) {
-        reports_.RecordSent(std::string(reference),
-                            message.RequestDeliveryStatus ? ReportWanted::kYes : ReportWanted::kNo);
+        reports_.RecordSent(reference, message.RequestDeliveryStatus ? ReportWanted::kYes : ReportWanted::kNo,
+                            message.Recipient);
     }
     return result::Success;
 }
@@ -223,8 +224,13 @@ ResultCode CGsmModem::ReadStorage(const GsmStorage& storage) {
 
 void CGsmModem::TakeReport(const CGsmStatusPdu& status) {
     Log(kEvent, "Report received for message %d, status = %02X\n", status.messageReference, status.status);
-    reports_.Update(std::to_string(status.messageReference), StatusOfOctet(status.status),
-                    status.dischargeSeconds, status.status);
+    std::string reference = std::to_string(status.messageReference);
+    if (AdvancedSetting("CheckReports", 0) != 0 &&
+        reports_.IsOfAnother(reference, status.recipient.digits, status.dischargeSeconds)) {
+        reference += kRecipientSeparator + status.recipient.digits;
+        Log(kEvent, "Report is for another message, kept as [%s]\n", reference.c_str());
+    }
+    reports_.Update(reference, StatusOfOctet(status.status), status.dischargeSeconds, status.status);
 }
 
 void CGsmModem::TakeMessage(const std::string& pdu, std::int32_t index, std::string key) {

@@ -4,6 +4,7 @@
 #include "foundation/ErrorTexts.h"
 #include "foundation/Hex.h"
 #include "foundation/Product.h"
+#include "foundation/UniqueNumber.h"
 
 #include <algorithm>
 #include <chrono>
@@ -21,7 +22,6 @@ constexpr std::size_t kReadSize = 65536;
 constexpr std::int32_t kLastPort = 65535;
 constexpr std::int32_t kDefaultWindow = 10;
 constexpr std::int32_t kDumpAll = 255;
-constexpr std::uint32_t kReferencesPerSecond = 64;  // so that a later object begins behind an earlier one's
 
 std::uint32_t TimeOf(std::int32_t milliseconds) {
     return static_cast<std::uint32_t>(std::max(milliseconds, 0));
@@ -30,12 +30,7 @@ std::uint32_t TimeOf(std::int32_t milliseconds) {
 }  // namespace
 
 CSmppProtocol::CSmppProtocol(Clock& clock)
-    : CVrmBase("CSmppProtocol", clock),
-      socket_(clock),
-      reports_(clock),
-      received_(clock),
-      builder_(clock),
-      nextReference_(static_cast<std::uint32_t>(clock.Now()) * kReferencesPerSecond) {}
+    : CVrmBase("CSmppProtocol", clock), socket_(clock), reports_(clock), received_(clock), builder_(clock) {}
 
 CSmppProtocol::~CSmppProtocol() { Disconnect(); }
 
@@ -120,6 +115,17 @@ void CSmppProtocol::Disconnect() {
     if (ran) Log(logmask::kVerbatim, "Disconnected\n");
 }
 
+// Enters a message under a reference that no report has, not even a loaded one, and appends the reference.
+std::string_view CSmppProtocol::EnterNew(std::string& references) {
+    const std::size_t start = references.size();
+    for (;;) {
+        hex::AppendNumber(references, UniqueNumber());
+        const std::string_view reference = std::string_view(references).substr(start);
+        if (reports_.RecordNew(reference, ReportWanted::kSubmitRequested)) return reference;
+        references.resize(start);
+    }
+}
+
 ResultCode CSmppProtocol::Send(const CSmsMessageX& message, std::string& references) {
     references.clear();
     if (!IsConnected()) return result::SmppNotBound;
@@ -130,10 +136,7 @@ ResultCode CSmppProtocol::Send(const CSmsMessageX& message, std::string& referen
     }
     for (const std::string& pdu : pdus_) {
         if (!references.empty()) references += kReferenceSeparator;
-        const std::size_t start = references.size();
-        hex::AppendNumber(references, nextReference_++);
-        const std::string_view reference = std::string_view(references).substr(start);
-        reports_.RecordSent(reference, ReportWanted::kSubmitRequested);
+        const std::string_view reference = EnterNew(references);
         const std::scoped_lock guard(lock_);
         intake_.Push({pdu, reference, message.RequestDeliveryStatus});
     }

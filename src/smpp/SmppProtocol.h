@@ -61,6 +61,8 @@ class CSmppProtocol : public CVrmBase {
     ResultCode AwaitBind();
     void LogConnect(ResultCode code);
 
+    std::string_view EnterNew(std::string& references);
+
     void Work();
     void Serve(CSmppSession& session);
     void ReportBind(const CSmppSession& session, bool isOpen);
@@ -79,7 +81,6 @@ class CSmppProtocol : public CVrmBase {
     SmppSubmitBuilder builder_;
     std::vector<std::string> pdus_;  // of the message being sent; kept for their memory
     std::function<void(ResultCode)> onFailure_;
-    std::uint32_t nextReference_;
 
     std::thread worker_;
     net::Waiter waiter_;

@@ -2,6 +2,7 @@
 
 #include "foundation/ErrorTexts.h"
 #include "foundation/Hex.h"
+#include "foundation/UniqueNumber.h"
 #include "smpp/SmppReceived.h"
 #include "smpp/SmppStatus.h"
 
@@ -28,7 +29,6 @@ constexpr std::uint32_t kIdleTick = 1000;      // ms
 constexpr std::size_t kTraceSlack = 2048;
 constexpr std::uint32_t kUnansweredStatus = 0xFFFFFFFF;
 constexpr std::uint32_t kUnknownError = 0xFF;  // ESME_RUNKNOWNERR
-constexpr const char* kNoMessageId = "N/A";
 
 std::uint32_t ReadWord(std::string_view octets, std::size_t at = 0) {
     std::uint32_t value = 0;
@@ -48,12 +48,11 @@ CSmppSession::CSmppSession(CKorBase& log, const SmppSettings& settings, CSmsDeli
       settings_(&settings),
       reports_(&reports),
       clock_(&clock),
-      receipts_(log, reports, received, clock),
+      receipts_(log, reports, received, clock, inFlight_),
       pace_(clock.Ticks()),
       bindResult_(result::SmppTimedOut),
       lastKeepAlive_(clock.Ticks()),
-      lastService_(clock.Ticks()),
-      dataReference_(static_cast<std::uint32_t>(clock.Now())) {}
+      lastService_(clock.Ticks()) {}
 
 std::uint32_t CSmppSession::NextSequence() {
     const std::uint32_t sequence = sequence_;
@@ -163,14 +162,15 @@ void CSmppSession::OnBytes(std::string_view octets) {
     }
     input_ = std::string(rest);
     RecordAnswers();
+    receipts_.Settle();
 }
 
-// Receipts that waited for one of the answers are tried again.
+// Receipts that waited for one of the answers find their message now.
 void CSmppSession::RecordAnswers() {
     if (answers_.empty()) return;
     reports_->RecordAnswers(answers_);
+    receipts_.TakeAnswers(answers_);
     answers_.clear();
-    receipts_.Retry();
 }
 
 // What is done with a command; each is logged by its name first.
@@ -248,7 +248,7 @@ void CSmppSession::OnSubmitResponse(std::string_view octets) {
 
 void CSmppSession::OnGenericNack(std::string_view /*octets*/) {
     if (const auto submit = inFlight_.Complete(header_.sequence_number)) {
-        Finish(*submit, header_.command_status != 0 ? header_.command_status : kUnknownError, kNoMessageId);
+        Finish(*submit, header_.command_status != 0 ? header_.command_status : kUnknownError, {});
     }
 }
 
@@ -270,13 +270,13 @@ void CSmppSession::OnData(std::string_view octets) {
     Receive(SmppReceivedMessage(pdu, settings_->charSet, *clock_));
     CSmppDataSmResp response;
     response.sequence_number = header_.sequence_number;
-    hex::AppendNumber(response.message_id, dataReference_++);
+    hex::AppendNumber(response.message_id, UniqueNumber());
     Send(response, "data_sm_resp");
 }
 
 void CSmppSession::Receive(CSmsMessageX message) {
     RecordAnswers();  // it may be a receipt for one of them
-    receipts_.Take(std::move(message), inFlight_.Size() != 0);
+    receipts_.Take(std::move(message));
 }
 
 // --- submitting
@@ -292,6 +292,7 @@ void CSmppSession::Finish(const SmppInFlight& submit, std::uint32_t status, cons
     if (status == kUnansweredStatus) {
         log_->Log(logmask::kVerbatim, "Message Reference [%s]\n", messageId.c_str());
         reports_->SetStatus(submit.reference, sms::asDELIVERYSTATUS_FAILED, -1);
+        reports_->RecordProviderReference(submit.reference, messageId);
         return;
     }
     const ResultCode code = SubmitResultOf(status);
@@ -337,16 +338,17 @@ void CSmppSession::OnTick() {
     const std::uint32_t now = clock_->Ticks();
     pace_.Advance(now);
     if (state_ != State::kBound) return;
-    inFlight_.Expire(now, kResponseTime,
-                     [this](const SmppInFlight& submit) { Finish(submit, kUnansweredStatus, kNoMessageId); });
+    inFlight_.Expire(now, kResponseTime, [this](const SmppInFlight& submit) {
+        Finish(submit, kUnansweredStatus, std::string(kNoProviderReference));
+    });
     const std::uint32_t interval = KeepAliveInterval();
     if (interval != 0 && now - lastKeepAlive_ >= interval) KeepAlive();
     if (state_ != State::kBound) return;
     if (now - lastService_ >= kServiceInterval) {
         lastService_ = now;
         reports_->RemoveOlderThan(kReportsKept);
-        receipts_.Retry();
     }
+    receipts_.Settle();
     Submit();
 }
 

@@ -106,7 +106,6 @@ class CSmppSession {
     std::uint32_t unansweredKeepAlives_ = 0;
     std::uint32_t lastKeepAlive_ = 0;
     std::uint32_t lastService_ = 0;
-    std::uint32_t dataReference_ = 0;
 
     std::string input_;
     std::string output_;

@@ -3,6 +3,8 @@
 #include "foundation/Clock.h"
 #include "foundation/HashIndex.h"
 #include "foundation/ResultCode.h"
+#include "foundation/TextFile.h"
+#include "sms/PackedText.h"
 #include "sms/SmsConstants.h"
 #include "sms/SmsReceipt.h"
 
@@ -14,6 +16,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 // One report. All times are seconds since 1970.
@@ -41,12 +44,26 @@ struct SubmitAnswer {
     std::string providerReference;
 };
 
+// How far a receipt's id may be from the one that the server gave, each level with those before it.
+enum class ReceiptMatch : std::uint8_t {
+    kExact,   // converted when receipts are decimal; padded to the length of the server's ids, or as it is
+    kLoose,   // without regard to case and leading zeros, when a single message has such an id
+    kGuessed  // in the other base, when a single message has such an id, of six digits or more
+};
+
+// What stands for the provider's identifier of a message that was never answered. It names no message.
+inline constexpr std::string_view kNoProviderReference = "N/A";
+
 class CSmsDeliveryReports {
   public:
     explicit CSmsDeliveryReports(Clock& clock = SystemClock()) : clock_(&clock) {}
 
-    // Enters a sent message, replacing a report of the same reference.
-    void RecordSent(std::string_view reference, ReportWanted wanted);
+    // Enters a sent message, replacing a report of the same reference. The recipient is remembered as far as
+    // IsOfAnother needs it, not saved.
+    void RecordSent(std::string_view reference, ReportWanted wanted, std::string_view recipient = {});
+
+    // Enters a sent message; false when its reference is taken.
+    [[nodiscard]] bool RecordNew(std::string_view reference, ReportWanted wanted);
 
     // Names the identifier under which the provider's receipts speak of the reference.
     void RecordProviderReference(std::string_view reference, std::string_view providerReference);
@@ -60,11 +77,23 @@ class CSmsDeliveryReports {
     void Update(std::string_view reference, std::int32_t status, std::int32_t completedTime,
                 std::int32_t statusCode);
 
+    // Whether what the network reports under the reference cannot be of the message that has it: it was final
+    // more than a day before the message was sent, or the last six digits of the recipient are others.
+    bool IsOfAnother(std::string_view reference, std::string_view recipient,
+                     std::int32_t completedTime) const;
+
     // Changes the status of an existing report only.
     void SetStatus(std::string_view reference, std::int32_t status, std::int32_t statusCode);
 
     // Applies an SMPP receipt; the reference it was for, or nothing when none is known.
-    std::optional<std::string> ApplyReceipt(const SmsReceipt& receipt);
+    std::optional<std::string> ApplyReceipt(const SmsReceipt& receipt, ReceiptMatch match);
+
+    // Keeps a receipt that is for no message under its own id; false when a sent message has that reference.
+    [[nodiscard]] bool KeepForeign(const SmsReceipt& receipt);
+
+    // Hashes of the ids in which an answer may name the receipt's message, as LooseHash makes them; the base
+    // is not guessed.
+    std::array<std::uint32_t, 2> AnswerHashes(const SmsReceipt& receipt) const;
 
     std::optional<CSmsDeliveryReport> Query(std::string_view reference) const;
 
@@ -95,34 +124,60 @@ class CSmsDeliveryReports {
   private:
     // What finds a report. Provider references are hashed without regard to case and leading zeros, so that
     // one index finds them both as they are and loosely.
-    enum class Key { kReference, kProvider };
-    enum class Match { kExact, kLoose };
+    enum class Key : std::uint8_t { kReference, kProvider };
+
+    // A report as it is held. References are mostly eight digits, server ids rarely more than eighteen
+    // characters; longer ones lie in `longTexts_`.
     struct Record {
-        CSmsDeliveryReport report;
+        std::int32_t status = 0, completedTime = 0, statusCode = 0, extra = 0, createdTime = 0;
+        std::uint32_t recipientTail = 0;  // the last six digits behind a 1; 0 = not known
+        PackedText<8> reference;
+        PackedText<18> provider;
         bool isHeld = false;
+        bool isSent = false;  // not only heard of
+    };
+    // What a loose look-up has found.
+    struct Candidates {
+        std::optional<std::uint32_t> place;
+        bool areSeveral = false;
+        std::optional<std::uint32_t> Only() const { return areSeveral ? std::nullopt : place; }
     };
 
     HashIndex& IndexOf(Key key) { return indexes_[static_cast<std::size_t>(key)]; }
     const HashIndex& IndexOf(Key key) const { return indexes_[static_cast<std::size_t>(key)]; }
-    static std::uint32_t HashOf(Key key, std::string_view text);
-    const std::string& TextOf(Key key, std::uint32_t place) const;
-    std::optional<std::uint32_t> PlaceOf(Key key, std::string_view text, Match match = Match::kExact) const;
-    void Enter(Key key, std::uint32_t place);
-    void Withdraw(Key key, std::uint32_t place);
+    std::string_view TextOf(Key key, std::uint32_t place) const;
+    void PutText(Key key, std::uint32_t place, std::string_view text);
+    std::optional<std::uint32_t> PlaceOf(Key key, std::string_view text) const;
+    void FindLoosely(std::string_view providerReference, Candidates& found) const;
+    CSmsDeliveryReport ReportAt(std::uint32_t place) const;
 
-    CSmsDeliveryReport* Find(std::string_view reference);
-    CSmsDeliveryReport* FindByProvider(std::string_view id);
-    std::uint32_t Insert(CSmsDeliveryReport report);
+    std::uint32_t Insert(std::string_view reference, std::int32_t createdTime);
+    std::uint32_t InsertNew(std::string_view reference, std::int32_t createdTime);
     void Erase(std::uint32_t place);
     void NameProvider(std::uint32_t place, std::string_view providerReference);
-    void PutStatus(CSmsDeliveryReport& report, std::int32_t status, std::int32_t statusCode) const;
+    void TakeProviderReference(std::uint32_t place, std::string_view providerReference);
+    void PutSent(Record& record, ReportWanted wanted) const;
+    void PutStatus(Record& record, std::int32_t status, std::int32_t statusCode) const;
+
+    std::optional<std::string> AnswerForm(std::string_view receiptId) const;
+    std::optional<std::uint32_t> PlaceOfReceipt(const SmsReceipt& receipt, ReceiptMatch match) const;
+    std::optional<std::uint32_t> GuessedPlaceOf(std::string_view id) const;
+
+    std::vector<CSmsDeliveryReport> Slice(std::uint32_t& place) const;
+    bool Write(const TextSink& sink) const;
+    void Add(std::string_view piece, bool swapped);
+    // Adds the whole records at the start of the text and gives the place behind them; npos when the list
+    // ends.
+    std::size_t AddWhole(std::string_view text, bool swapped, bool isLast);
 
     Clock* clock_;
     mutable std::mutex lock_;
     std::deque<Record> records_;  // in places that stay
     std::vector<std::uint32_t> freePlaces_;
-    std::array<HashIndex, 2> indexes_;  // by Key
-    std::size_t providerReferenceLength_ = 0;
-    std::int32_t oldest_ = INT32_MAX;  // no report was created before
+    std::array<std::unordered_map<std::uint32_t, std::string>, 2> longTexts_;  // by Key, then by place
+    std::array<HashIndex, 2> indexes_;                                         // by Key
+    std::size_t providerReferenceLength_ = 0;  // of the newest report that has one
+    std::int32_t newestNamed_ = INT32_MIN;     // when that report was created
+    std::int32_t oldest_ = INT32_MAX;          // no report was created before
     std::int32_t receiptFormat_ = sms::asSMPPDELIVERYREPORTFORMAT_HEX;
 };

@@ -8,6 +8,7 @@
 #include <array>
 #include <cstdio>
 #include <functional>
+#include <utility>
 
 namespace {
 
@@ -66,7 +67,7 @@ void CSmsMessagesX::Add(CSmsMessageX record) {
     const auto [entry, isNew] = groups_.try_emplace({record.Sender, record.Recipient, record.PartReference});
     Group& group = entry->second;
     group.smallestCount = isNew ? record.PartCount : std::min(group.smallestCount, record.PartCount);
-    group.parts[record.PartNumber].push_back(nextSequence_);
+    group.parts[record.PartNumber].insert(nextSequence_);
     if (!group.changed) {
         group.changed = true;
         changed_.push_back(&*entry);
@@ -83,18 +84,49 @@ bool CSmsMessagesX::HasAllParts(const Group& group, std::uint32_t count) const {
     return std::distance(group.parts.begin(), end) == static_cast<std::ptrdiff_t>(count);
 }
 
-void CSmsMessagesX::Complete(CSmsMessageX record) {
-    record.State = MessageState::kComplete;
-    if (record.DestinationPort == wapport::kPush &&
-        (record.SourcePort == wapport::kConnectionlessWsp || record.SourcePort == 0)) {
-        RecogniseNotification(record);
+// One pass has the outcome of walking all waiting records in arrival order, but only touches those that can
+// change: single messages, groups that gained a part, and parts whose time has come. Each step either happens
+// or does not; after one that could not, the next pass looks at every part.
+void CSmsMessagesX::Pass() {
+    {
+        const std::scoped_lock guard(lock_);
+        const bool all = std::exchange(incomplete_, true);
+        const std::vector<Sequence> candidates = all ? AllParts() : Candidates();
+        for (; !arrived_.empty(); arrived_.pop_front()) fresh_.push_back(std::move(arrived_.front()));
+        for (const Sequence sequence : candidates) CombineFrom(sequence);
+        incomplete_ = false;
     }
-    complete_.push_back(std::move(record));
+    // The decoder may take its time: whoever adds messages does not wait for it.
+    for (CSmsMessageX& record : fresh_) {
+        if (record.State == MessageState::kPending) RecogniseNotification(record);
+        record.State = MessageState::kComplete;
+    }
+    const std::scoped_lock guard(lock_);
+    for (; !fresh_.empty(); fresh_.pop_front()) complete_.push_back(std::move(fresh_.front()));
 }
 
-// One pass has the outcome of walking all waiting records in arrival order, but only touches those that can
-// change: single messages, groups that gained a part, and parts whose time has come.
-void CSmsMessagesX::Pass() {
+// A message takes the oldest part of each number, which need not be the one that triggers it; that one goes
+// on until it is used too or has to wait.
+void CSmsMessagesX::CombineFrom(Sequence sequence) {
+    for (;;) {
+        const auto trigger = parts_.find(sequence);
+        if (trigger == parts_.end()) return;
+        const Part& part = trigger->second;
+        const bool whole = HasAllParts(part.group->second, part.record.PartCount);
+        if (!whole && part.due > clock_->Now()) return;
+        Combine(trigger, !whole);
+    }
+}
+
+std::vector<CSmsMessagesX::Sequence> CSmsMessagesX::AllParts() {
+    for (Groups::value_type* entry : changed_) entry->second.changed = false;
+    changed_.clear();
+    std::vector<Sequence> all;
+    for (const auto& [sequence, part] : parts_) all.push_back(sequence);
+    return all;
+}
+
+std::vector<CSmsMessagesX::Sequence> CSmsMessagesX::Candidates() {
     std::vector<Sequence> candidates;
     for (Groups::value_type* entry : changed_) {
         Group& group = entry->second;
@@ -109,66 +141,59 @@ void CSmsMessagesX::Pass() {
     for (auto due = due_.begin(); due != due_.end() && due->first <= now; ++due)
         candidates.push_back(due->second);
     std::ranges::sort(candidates);
-
-    for (CSmsMessageX& record : arrived_) Complete(std::move(record));
-    arrived_.clear();
-    for (const Sequence sequence : candidates) {
-        const auto trigger = parts_.find(sequence);
-        if (trigger == parts_.end()) continue;  // merged by an earlier one
-        const Part& part = trigger->second;
-        const bool whole = HasAllParts(part.group->second, part.record.PartCount);
-        if (whole || part.due <= now) Combine(trigger, !whole);
-    }
+    return candidates;
 }
 
-void CSmsMessagesX::Combine(std::map<Sequence, Part>::iterator trigger, bool withGaps) {
+void CSmsMessagesX::Combine(PartPlace trigger, bool withGaps) {
     CSmsMessageX whole;
-    {
-        const CSmsMessageX& from = trigger->second.record;
-        whole.TimeSecs = from.TimeSecs;
-        whole.Sender = from.Sender;
-        whole.Recipient = from.Recipient;
-        whole.SMSC = from.SMSC;
-        whole.Format = from.Format;
-        whole.PartCount = 1;
-        if (!withGaps) {  // a message completed by the time-out keeps no time text, no arrival and no ports
-            whole.ReceivedTime = from.ReceivedTime;
-            whole.Time = from.Time;
-            whole.SourcePort = from.SourcePort;
-            whole.DestinationPort = from.DestinationPort;
-        }
+    const CSmsMessageX& from = trigger->second.record;
+    whole.TimeSecs = from.TimeSecs;
+    whole.Sender = from.Sender;
+    whole.Recipient = from.Recipient;
+    whole.SMSC = from.SMSC;
+    whole.Format = from.Format;
+    whole.PartCount = 1;
+    if (!withGaps) {  // a message completed by the time-out keeps no time text, no arrival and no ports
+        whole.ReceivedTime = from.ReceivedTime;
+        whole.Time = from.Time;
+        whole.SourcePort = from.SourcePort;
+        whole.DestinationPort = from.DestinationPort;
     }
-    const std::uint32_t count = trigger->second.record.PartCount;
     Group& group = trigger->second.group->second;
-    std::vector<std::map<Sequence, Part>::iterator> merged{trigger};
-    for (std::uint32_t number = 1; number <= count; ++number) {
+    std::vector<PartPlace> used;  // what is not used goes on waiting
+    for (std::uint32_t number = 1; number <= from.PartCount; ++number) {
         const auto found = group.parts.find(number);
         if (found == group.parts.end()) {
             whole.Data += kMissingPart;
             continue;
         }
-        const auto part = parts_.find(found->second.front());
-        whole.Data += part->second.record.Data;
-        whole.StorageLocation += part->second.record.StorageLocation;
-        if (part != trigger) merged.push_back(part);
+        used.push_back(parts_.find(*found->second.begin()));
+        whole.Data += used.back()->second.record.Data;
+        whole.StorageLocation += used.back()->second.record.StorageLocation;
     }
-    for (const auto& part : merged) RemovePart(part);
     whole.Id = nextId_++;
-    Complete(std::move(whole));
+    fresh_.push_back(std::move(whole));
+    for (const PartPlace& part : used) RemovePart(part);
 }
 
-void CSmsMessagesX::RemovePart(std::map<Sequence, Part>::iterator part) {
+void CSmsMessagesX::RemovePart(PartPlace part) {
     Groups::value_type* entry = part->second.group;
     Group& group = entry->second;
     const auto numbered = group.parts.find(part->second.record.PartNumber);
-    std::erase(numbered->second, part->first);
+    numbered->second.erase(part->first);
     if (numbered->second.empty()) group.parts.erase(numbered);
-    if (group.parts.empty()) groups_.erase(groups_.find(entry->first));
     due_.erase({part->second.due, part->first});
     parts_.erase(part);
+    if (!group.parts.empty()) return;
+    if (group.changed) std::erase(changed_, entry);
+    groups_.erase(groups_.find(entry->first));
 }
 
 void CSmsMessagesX::RecogniseNotification(CSmsMessageX& record) {
+    if (record.DestinationPort != wapport::kPush ||
+        (record.SourcePort != wapport::kConnectionlessWsp && record.SourcePort != 0)) {
+        return;
+    }
     const std::string octets = LowOctets(record.Data);
     if (octets.size() <= kContentTypeAt) return;
     const std::string_view content = std::string_view(octets).substr(kContentTypeAt);
@@ -188,13 +213,13 @@ void CSmsMessagesX::RecogniseNotification(CSmsMessageX& record) {
 }
 
 void CSmsMessagesX::Process() {
-    const std::scoped_lock guard(lock_);
+    const std::scoped_lock pass(passLock_);
     Pass();
 }
 
 ResultCode CSmsMessagesX::First(CSmsMessageX& message) {
+    Process();
     const std::scoped_lock guard(lock_);
-    Pass();
     next_ = 0;
     if (complete_.empty()) return result::NoMoreMessages;
     message = CSmsMessageX(complete_[next_++]);
@@ -202,8 +227,8 @@ ResultCode CSmsMessagesX::First(CSmsMessageX& message) {
 }
 
 ResultCode CSmsMessagesX::Next(CSmsMessageX& message) {
+    Process();
     const std::scoped_lock guard(lock_);
-    Pass();
     if (next_ >= complete_.size()) return result::NoMoreMessages;
     message = CSmsMessageX(complete_[next_++]);
     return result::Success;
@@ -217,14 +242,14 @@ ResultCode CSmsMessagesX::ByIndex(std::size_t index, CSmsMessageX& message) cons
 }
 
 std::size_t CSmsMessagesX::Count() {
+    Process();
     const std::scoped_lock guard(lock_);
-    Pass();
     return complete_.size();
 }
 
 std::size_t CSmsMessagesX::Stored() const {
-    const std::scoped_lock guard(lock_);
-    return complete_.size() + arrived_.size() + parts_.size();
+    const std::scoped_lock guard(passLock_, lock_);
+    return complete_.size() + fresh_.size() + arrived_.size() + parts_.size();
 }
 
 void CSmsMessagesX::Remove(std::size_t index) {
@@ -241,7 +266,9 @@ void CSmsMessagesX::RemoveRead() {
 }
 
 void CSmsMessagesX::Clear() {
-    const std::scoped_lock guard(lock_);
+    const std::scoped_lock guard(passLock_, lock_);
+    fresh_.clear();
+    incomplete_ = false;
     complete_.clear();
     next_ = 0;
     arrived_.clear();

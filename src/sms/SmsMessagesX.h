@@ -55,7 +55,7 @@ class CSmsMessagesX {
         std::size_t operator()(const Key& key) const;
     };
     struct Group {
-        std::map<std::uint32_t, std::vector<Sequence>> parts;  // by part number, in arrival order
+        std::map<std::uint32_t, std::set<Sequence>> parts;  // by part number, in arrival order
         std::uint32_t smallestCount = 0;
         bool changed = false;
     };
@@ -66,26 +66,33 @@ class CSmsMessagesX {
         std::int64_t due;
     };
 
+    using PartPlace = std::map<Sequence, Part>::iterator;
+
     void Pass();
-    void Complete(CSmsMessageX record);
+    std::vector<Sequence> Candidates();
+    std::vector<Sequence> AllParts();
     bool HasAllParts(const Group& group, std::uint32_t count) const;
-    void Combine(std::map<Sequence, Part>::iterator trigger, bool withGaps);
-    void RemovePart(std::map<Sequence, Part>::iterator part);
+    void CombineFrom(Sequence sequence);
+    void Combine(PartPlace trigger, bool withGaps);
+    void RemovePart(PartPlace part);
     void RecogniseNotification(CSmsMessageX& record);
     std::int64_t DueTime(std::int32_t timeSecs) const;
 
     Clock* clock_;
     std::int32_t segmentationTimeout_;
     MmsNotificationDecoder* decoder_;
-    mutable std::mutex lock_;
+    mutable std::mutex passLock_;     // one pass at a time; taken before the other
+    std::deque<CSmsMessageX> fresh_;  // complete, but not yet given; of the pass alone
+    mutable std::mutex lock_;         // of all that follows
     std::uint32_t nextId_ = 1;
     Sequence nextSequence_ = 0;
     std::deque<CSmsMessageX>
         complete_;          // in list order: what a pass completes always follows what was complete
     std::size_t next_ = 0;  // what Next returns
-    std::vector<CSmsMessageX> arrived_;  // single messages since the last pass
+    std::deque<CSmsMessageX> arrived_;  // single messages since the last pass
     std::map<Sequence, Part> parts_;
     Groups groups_;
     std::vector<Groups::value_type*> changed_;
+    bool incomplete_ = false;  // the last pass did not come to its end
     std::set<std::pair<std::int64_t, Sequence>> due_;
 };

@@ -4,6 +4,7 @@
 #include "foundation/Text.h"
 #include "sms/SmsConstants.h"
 
+#include <algorithm>
 #include <array>
 #include <cctype>
 
@@ -31,9 +32,14 @@ constexpr auto kStatWords = std::to_array<StatWord>({
     {"ACKED", sms::asDELIVERYSTATUS_ENROUTE},
 });
 
-// The text after the key and a colon, up to the next blank. A key that begins a word is preferred to one
-// inside a word, so that "valid:" is not taken for "id:".
-std::string_view ValueOf(std::string_view text, std::string_view key) {
+struct Value {
+    std::string_view text;
+    bool beginsWord = false;  // its key does
+};
+
+// The text after the key and a colon, up to the next blank; blanks before it are skipped. A key that begins a
+// word is preferred to one inside a word, so that "valid:" is not taken for "id:".
+Value ValueOf(std::string_view text, std::string_view key) {
     const std::string wanted = std::string(key) + ":";
     const std::size_t first = FindNoCase(text, wanted);
     if (first == std::string_view::npos) return {};
@@ -42,9 +48,18 @@ std::string_view ValueOf(std::string_view text, std::string_view key) {
            std::isalnum(static_cast<unsigned char>(text[at - 1])) != 0) {
         at = FindNoCase(text, wanted, at + 1);
     }
-    if (at == std::string_view::npos) at = first;
-    const std::string_view rest = text.substr(at + wanted.size());
-    return rest.substr(0, rest.find(' '));
+    const bool beginsWord = at != std::string_view::npos;
+    std::string_view rest = text.substr((beginsWord ? at : first) + wanted.size());
+    const std::size_t blanks = std::min(rest.size(), rest.find_first_not_of(' '));
+    rest.remove_prefix(blanks);
+    rest = rest.substr(0, rest.find(' '));
+    if (blanks > 0 && rest.find(':') != std::string_view::npos) rest = {};  // the next key
+    return {rest, beginsWord};
+}
+
+bool IsWord(std::string_view text) {
+    return !text.empty() &&
+           std::ranges::all_of(text, [](char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0; });
 }
 
 }  // namespace
@@ -63,10 +78,14 @@ std::optional<SmsReceipt> ParseReceipt(std::string_view text, Clock& clock) {
     ReplaceAllNoCase(normal, " DATE", "_DATE");
     ReplaceAll(normal, "  ", " ");
     SmsReceipt receipt;
-    receipt.id = ValueOf(normal, "ID");
-    receipt.status = ReceiptStatus(ValueOf(normal, "STAT"));
-    receipt.statusCode = ToInt(ValueOf(normal, "ERR"));
-    std::string done(ValueOf(normal, "DONE_DATE"));
+    const Value id = ValueOf(normal, "ID");
+    const Value stat = ValueOf(normal, "STAT");
+    receipt.id = id.text;
+    receipt.hasState = !stat.text.empty();
+    receipt.isWhole = !id.text.empty() && id.beginsWord && IsWord(stat.text) && stat.beginsWord;
+    receipt.status = ReceiptStatus(stat.text);
+    receipt.statusCode = ToInt(ValueOf(normal, "ERR").text);
+    std::string done(ValueOf(normal, "DONE_DATE").text);
     if (done.size() == 12) done += "000+";
     if (done.size() == 10) done += "00000+";
     receipt.completedTime = ParseSmppTime(done, clock);

@@ -13,6 +13,9 @@ struct SmsReceipt {
     std::int32_t status = 0;         // asDELIVERYSTATUS_...
     std::int32_t completedTime = 0;  // seconds since 1970; 0 when the text names none
     std::int32_t statusCode = 0;
+    bool hasState = false;   // it names a state
+    bool isWhole = false;    // its text holds an id and a state, and both keys begin a word
+    bool isPlainId = false;  // the id stands as the server gave it, not in a text
 };
 
 // Nothing when the text is no receipt (it holds no "ID").

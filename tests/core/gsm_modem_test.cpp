@@ -469,6 +469,47 @@ TEST_F(Gsm, QueriesReadReportsAtMostEveryTenSeconds) {
     EXPECT_EQ(gsm.QueryStatus("17", report), 30350);
 }
 
+// The modem counts its references to 255 only, so that an old report on the SIM may bear that of a new
+// message.
+TEST_F(Gsm, ReportsOfOtherMessagesAreKeptApartOnDemand) {
+    struct Row {
+        const char* recipient;
+        std::int64_t sent;
+        const char* setting;
+        std::int32_t status;
+        bool keptApart;
+    };
+    constexpr std::int64_t kDischarge = 1795234579;
+    for (const Row& row : {
+             Row{"+31687654321", kDischarge, "", 2, false},  // the reference alone decides
+             Row{"+31687654321", kDischarge, "CheckReports=0", 2, false},
+             Row{"+31687654321", kDischarge, "CheckReports=1", 1, true},
+             Row{"+31612345678", kDischarge, "CheckReports=1", 2, false},
+             Row{"+31612345678", kDischarge + 86'400, "CheckReports=1", 2, false},
+             Row{"+31612345678", kDischarge + 86'401, "CheckReports=1", 1, true},
+         }) {
+        gsm.Clear();
+        gsm.settings.device = "COM3";
+        gsm.settings.messageStorage = 1;
+        gsm.SetAdvancedSettings(row.setting);
+        clock.SetNow(row.sent);
+        gsm.Reports().RecordSent("17", ReportWanted::kYes, row.recipient);
+        modem.On("AT+CMGL=0", {Listed(5, kReport) + "\r\nOK\r\n"});
+        ASSERT_EQ(gsm.Receive(), 0);
+        EXPECT_EQ(gsm.Reports().Query("17")->status, row.status) << row.recipient << row.setting;
+        const auto kept = gsm.Reports().Query("17/31612345678");
+        ASSERT_EQ(kept.has_value(), row.keptApart);
+        if (kept) EXPECT_EQ(kept->status, 2);
+        EXPECT_EQ(modem.commands.back(), "AT+CMGD=5");
+    }
+}
+
+TEST_F(Gsm, RemembersWhomAMessageWasSentTo) {
+    ASSERT_EQ(Send(Message()), 0);
+    EXPECT_FALSE(gsm.Reports().IsOfAnother("17", "31612345678", 0));
+    EXPECT_TRUE(gsm.Reports().IsOfAnother("17", "31687654321", 0));
+}
+
 TEST_F(Gsm, TheStatusOfSeveralPartsIsThatOfTheWhole) {
     struct Row {
         std::vector<std::int32_t> parts;

@@ -3,6 +3,7 @@
 #include "support/VirtualClock.h"
 
 #include <gtest/gtest.h>
+#include <stdexcept>
 
 namespace {
 
@@ -196,6 +197,97 @@ TEST_F(Store, RecognisesMmsNotifications) {
         EXPECT_EQ(message.DestinationPort, 0U);
         EXPECT_TRUE(decoder.last.ends_with(row.pdu));
     }
+}
+
+TEST_F(Store, PartsThatAMessageDoesNotUseGoOnWaiting) {
+    store.Add(Part(1, 3, u"A1"));
+    store.Add(Part(1, 2, u"B1"));
+    store.Add(Part(2, 2, u"B2"));
+    EXPECT_EQ(Texts(), Lines{u"A1B2"});
+    EXPECT_EQ(store.Stored(), 2U);
+    store.Add(Part(2, 2, u"C2"));
+    EXPECT_EQ(Texts(), (Lines{u"A1B2", u"B1C2"}));
+
+    // The part whose time has come is not the one that is used first.
+    CSmsMessageX late = Part(1, 3, u"late", "+9");
+    late.TimeSecs -= kTimeout + 1;
+    store.Add(Part(1, 3, u"young", "+9"));
+    store.Add(late);
+    EXPECT_EQ(Texts(), (Lines{u"A1B2", u"B1C2", u"young* Missing Part ** Missing Part *",
+                              u"late* Missing Part ** Missing Part *"}));
+    EXPECT_EQ(store.Stored(), 4U);
+}
+
+class Thrower : public MmsNotificationDecoder {
+  public:
+    std::optional<MmsNotification> Decode(std::string_view pdu) override {
+        if (throwing && pdu == "BAD") throw std::runtime_error("decoder");
+        ++decoded;
+        return std::nullopt;
+    }
+    bool throwing = true;
+    int decoded = 0;
+};
+
+TEST_F(Store, APassThatFailsLosesNothingAndIsMadeUpFor) {
+    Thrower decoder;
+    CSmsMessagesX mms(clock, kTimeout, &decoder);
+    const auto push = [&](const char16_t* pdu) {
+        CSmsMessageX record = Single(u"\x01\x06\x01\u00be" + std::u16string(pdu));
+        record.SourcePort = 0;
+        record.DestinationPort = 2948;
+        mms.Add(record);
+    };
+    mms.Add(Single(u"first"));
+    push(u"GOOD");
+    push(u"BAD");
+    mms.Add(Part(1, 2, u"one"));
+    mms.Add(Part(2, 2, u"two"));
+    CSmsMessageX message;
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_THROW((void)mms.First(message), std::runtime_error);
+        EXPECT_EQ(mms.Stored(), 4U);
+        EXPECT_EQ(mms.ByIndex(0, message), 33060);
+    }
+    mms.Add(Single(u"last"));
+    decoder.throwing = false;
+    EXPECT_EQ(mms.Count(), 5U);
+    EXPECT_EQ(decoder.decoded, 2);  // each once
+    const Lines expected{u"first", u"WAP/WSP message", u"WAP/WSP message", u"onetwo", u"last"};
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        ASSERT_EQ(mms.ByIndex(i, message), 0);
+        EXPECT_EQ(message.Data, expected[i]);
+    }
+}
+
+TEST_F(Store, MessagesArriveWhileTheDecoderWorks) {
+    class Adder : public MmsNotificationDecoder {
+      public:
+        std::optional<MmsNotification> Decode(std::string_view) override {
+            store->Add(record);
+            return std::nullopt;
+        }
+        CSmsMessagesX* store = nullptr;
+        CSmsMessageX record;
+    };
+    Adder decoder;
+    CSmsMessagesX mms(clock, kTimeout, &decoder);
+    decoder.store = &mms;
+    decoder.record = Single(u"meanwhile");
+    CSmsMessageX record = Single(u"\x01\x06\x01\u00bePDU");
+    record.SourcePort = 0;
+    record.DestinationPort = 2948;
+    mms.Add(record);
+    EXPECT_EQ(mms.Count(), 1U);
+    EXPECT_EQ(mms.Count(), 2U);
+}
+
+TEST_F(Store, ManyWaitingDuplicatesEndTogether) {
+    for (int i = 0; i < 40'000; ++i) store.Add(Part(1, 2, u"again"));
+    EXPECT_EQ(store.Count(), 0U);
+    clock.Sleep((kTimeout + 1) * 1000U);
+    EXPECT_EQ(store.Count(), 40'000U);
+    EXPECT_EQ(store.Stored(), 40'000U);
 }
 
 TEST_F(Store, WhatWasReadIsForgottenOnDemandAndTheRestStays) {

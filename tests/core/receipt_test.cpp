@@ -26,6 +26,9 @@ TEST(Receipt, TakesItsFieldsWhereverTheyStand) {
              Row{"id:7 stat:REJECTED", "7", 8, 0, 0},
              Row{"id:7 stat:weird err:x", "7", 0, 0, 0},
              Row{"id:7 done date:99 stat:ACCEPTD", "7", 6, 0, 0},
+             Row{"id: 123 stat: DELIVRD err: 017", "123", 2, 0, 17},
+             Row{"id: stat:DELIVRD err: text:hi", "", 2, 0, 0},
+             Row{"id:0x7B stat:DELIVRD", "0x7B", 2, 0, 0},
              Row{"idle talk", "", 0, 0, 0},
          }) {
         const auto receipt = ParseReceipt(row.text, clock);
@@ -36,6 +39,21 @@ TEST(Receipt, TakesItsFieldsWhereverTheyStand) {
         EXPECT_EQ(receipt->statusCode, row.code) << row.text;
     }
     EXPECT_FALSE(ParseReceipt("hello there", clock));
+}
+
+TEST(Receipt, IsWholeWithAnIdAndAState) {
+    for (const auto& [text, whole] : {std::pair{"id:123 stat:DELIVRD", true},
+                                      {"ID:123 done date:2311150001 STAT:enroute", true},
+                                      {"id:123 please call back", false},
+                                      {"id:123 stat:", false},
+                                      {"id:123 stat:42%", false},
+                                      {"id: stat:DELIVRD", false},
+                                      {"stat:DELIVRD", false},
+                                      {"paid:123 stat:DELIVRD", false},
+                                      {"id:123 thermostat:high", false}}) {
+        const auto receipt = ParseReceipt(text);
+        EXPECT_EQ(receipt && receipt->isWhole, whole) << text;
+    }
 }
 
 TEST(SmppTime, ReadsAbsoluteAndRelativeForms) {

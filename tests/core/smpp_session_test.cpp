@@ -28,6 +28,24 @@ std::string Deliver(std::uint32_t sequence, const std::string& text, char esm = 
                    esm + "\0\0\0\0\0\0\0\0"s + static_cast<char>(text.size()) + text);
 }
 
+// Optional parameters, and their addition to a PDU.
+std::string Tlv(std::uint16_t tag, const std::string& value) {
+    std::string octets;
+    for (const std::size_t word : {std::size_t{tag}, value.size()}) {
+        octets.push_back(static_cast<char>(word >> 8));
+        octets.push_back(static_cast<char>(word));
+    }
+    return octets + value;
+}
+std::string ReceiptedId(const std::string& id) { return Tlv(0x1E, id + std::string(1, '\0')); }
+std::string State(char state) { return Tlv(0x427, {state}); }
+std::string WithTlvs(std::string pdu, const std::string& tlvs) {
+    pdu += tlvs;
+    pdu[2] = static_cast<char>(pdu.size() >> 8);
+    pdu[3] = static_cast<char>(pdu.size());
+    return pdu;
+}
+
 struct Sent {
     std::uint32_t command, status, sequence;
     bool operator==(const Sent&) const = default;
@@ -192,44 +210,243 @@ TEST_F(Session, AnAnsweredKeepAliveCountsAnew) {
     EXPECT_EQ(session.GetState(), CSmppSession::State::kBound);
 }
 
+TEST_F(Session, ALateResponseCountsAsIfInTime) {
+    settings.serverKeepAlive = 0;
+    Bind();
+    for (const char* reference : {"a", "b", "c", "d"}) Queue(reference);
+    session.OnTick();
+    Response(5, "D");
+    clock.Sleep(20'000);
+    session.OnTick();
+    EXPECT_EQ(Status("a"), 12);
+    EXPECT_EQ(reports.Query("a")->providerReference, "N/A");
+    session.OnBytes(Deliver(50, "id:N/A stat:DELIVRD", 4));  // which names no message
+    EXPECT_EQ(Status("a"), 12);
+    clock.Sleep(60'000);
+    Response(2, "A");
+    EXPECT_EQ(Status("a"), 1);
+    EXPECT_EQ(reports.Query("a")->statusCode, 0);
+    EXPECT_EQ(reports.Query("a")->providerReference, "A");
+    Response(3, "", 8);
+    EXPECT_EQ(Status("b"), 8);
+    session.OnBytes(Pdu(0x80000000, 3, 4));
+    EXPECT_EQ(Status("c"), 8);
+    session.OnBytes(Deliver(51, "id:A stat:DELIVRD", 4));
+    EXPECT_EQ(Status("a"), 2);
+    Response(2, "X");  // a second answer is nobody's
+    EXPECT_EQ(reports.Query("a")->providerReference, "A");
+    EXPECT_EQ(Status("d"), 1);
+}
+
 TEST_F(Session, ReceiptsFindTheirMessageAlsoWhenTheyOvertakeTheResponse) {
     Bind();
     Queue("a");
     Queue("b");
     session.OnTick();
-    session.OnBytes(Deliver(50, "id:00B sub:001 done date:2311150001 stat:DELIVRD err:000", 4));
+    session.OnBytes(Deliver(50, "id:00B sub:001 done date:2311150001 stat:ACCEPTD err:000", 4));
+    session.OnBytes(Deliver(51, "id:00B sub:001 done date:2311150001 stat:DELIVRD err:000", 4));
+    session.OnBytes(Deliver(52, "id:unknown stat:DELIVRD", 4));
     EXPECT_EQ(Status("b"), 10);
-    Response(2, "A");
     Response(3, "00b");
-    EXPECT_EQ(Status("b"), 2);
-    session.OnBytes(Deliver(51, "id:A stat:UNDELIV err:5", 4));
+    EXPECT_EQ(Status("b"), 2);  // in the order of their arrival
+    EXPECT_EQ(received.Count(), 0U);
+    Response(2, "A");
+    session.OnBytes(Deliver(53, "id:A stat:UNDELIV err:5", 4));
     EXPECT_EQ(Status("a"), 5);
     EXPECT_EQ(reports.Query("a")->statusCode, 5);
-    EXPECT_EQ(received.Count(), 0U);
-    session.OnBytes(Deliver(52, "id:unknown stat:DELIVRD", 4));
-    EXPECT_EQ(received.Count(), 0U);
-    session.OnClosed();
     CSmsMessageX message;
     ASSERT_EQ(received.First(message), 0);  // nobody's receipt is given as a message, not lost
     EXPECT_EQ(message.Format, 30);
+    EXPECT_EQ(received.Count(), 1U);
 }
 
-TEST_F(Session, ReceiptsByTlv) {
-    using namespace std::string_literals;
+// A message counts as a receipt when the server marks it, or when it is one in every respect.
+TEST_F(Session, NoIncomingTextVanishes) {
+    struct Row {
+        const char* text;
+        char esm;
+        std::int32_t status;
+        std::int32_t format;  // of the message given; -1 = none
+    };
+    for (const Row& row : {
+             Row{"Order id:16 please call back", 0, 1, 0}, Row{"id:16 stat:DELIVRD", 0, 2, -1},
+             Row{"id:16 stat:DELIVRD", 4, 2, -1}, Row{"id:16", 4, 0, -1},  // as documented
+             Row{"id:016 stat:DELIVRD", 0, 1, 0},                          // not exact
+             Row{"id:016 stat:DELIVRD", 4, 2, -1},                         //
+             Row{"id:99 stat:DELIVRD", 0, 1, 0},                           //
+             Row{"id:99 stat:DELIVRD", 4, 1, 30},                          //
+             Row{"no receipt at all", 4, 1, 30},                           //
+             Row{"Your id:16 has the stat:us", 0x40, 1, 0},  // broken header, and no word "stat"
+         }) {
+        reports.Clear();
+        received.Clear();
+        reports.RecordSent("a", ReportWanted::kYes);
+        reports.RecordProviderReference("a", "16");
+        CSmppSession other(log, settings, reports, received, clock);
+        other.OnBytes(Deliver(5, row.text, row.esm));
+        EXPECT_EQ(Status("a"), row.status) << row.text;
+        CSmsMessageX message;
+        message.Format = -1;
+        (void)received.First(message);
+        EXPECT_EQ(message.Format, row.format) << row.text;
+    }
+}
+
+TEST_F(Session, AnUnmarkedReceiptIsHeldTooAndElseItIsAMessage) {
     Bind();
     Queue("a");
     session.OnTick();
-    Response(2, "M1");
-    const std::string id = "\x00\x1E\x00\x03M1\0"s;
-    std::string pdu = Deliver(60, "", 4) + id + "\x04\x27\x00\x01\x05"s;
-    pdu[3] = static_cast<char>(pdu.size());
-    session.OnBytes(pdu);
-    EXPECT_EQ(Status("a"), 5);
-    std::string stateless = Deliver(61, "", 4) + id;
-    stateless[3] = static_cast<char>(stateless.size());
-    session.OnBytes(stateless);
-    EXPECT_EQ(Status("a"), 5);
+    session.OnBytes(Deliver(50, "id:A1 stat:DELIVRD") + Deliver(51, "id:B1 stat:DELIVRD") +
+                    Deliver(52, "id:C1 please call back"));
+    EXPECT_EQ(received.Count(), 1U);
+    Response(2, "A1");
+    EXPECT_EQ(Status("a"), 2);
+    ASSERT_EQ(received.Count(), 2U);
+    CSmsMessageX message;
+    ASSERT_EQ(received.ByIndex(1, message), 0);
+    EXPECT_EQ(message.Data, u"id:B1 stat:DELIVRD");
+    EXPECT_EQ(message.Format, 0);
+}
+
+TEST_F(Session, ReceiptsByTextAndByParameter) {
+    struct Row {
+        const char* text;
+        std::string tlvs;
+        std::int32_t status, completed, code;
+    };
+    const std::int32_t now = 1'700'000'000, done = 1700006460;
+    for (const bool isEarly : {false, true}) {
+        for (const Row& row : {
+                 Row{"", ReceiptedId("M1") + State(5), 5, now, 0},
+                 Row{"", ReceiptedId("M1") + State(1), 1, 0, 0},
+                 Row{"", ReceiptedId("M1"), 1, 0, 0},  // no state: dropped
+                 Row{"id:M1", ReceiptedId("M1") + State(2), 2, now, 0},
+                 Row{"id:M1", State(2), 2, now, 0},
+                 Row{"id:M1 stat:DELIVRD err:7 done date:2311150001", ReceiptedId("M1") + State(5), 5, done,
+                     7},
+                 Row{"id:M1 stat:DELIVRD err:7 done date:2311150001", ReceiptedId("M1"), 2, done, 7},
+                 Row{"id:7 stat:DELIVRD err:7 done date:2311150001", ReceiptedId("M1"), 2, done, 7},
+                 Row{"id:M1 stat:DELIVRD err:7 done date:2311150001", ReceiptedId("7"), 2, done, 7},
+             }) {
+            reports.Clear();
+            CSmppSession other(log, settings, reports, received, clock);
+            other.StartBind();
+            other.OnBytes(Pdu(0x80000009, 0, 1));
+            reports.RecordSent("a", ReportWanted::kYes);
+            other.Queue({Pdu(4, 0, 0), "a", true});
+            other.OnTick();
+            const std::string receipt = WithTlvs(Deliver(60, row.text, 4), row.tlvs);
+            const std::string response = Pdu(0x80000004, 0, 2, std::string("M1\0", 3));
+            for (const std::string& pdu :
+                 isEarly ? std::vector{receipt, response} : std::vector{response, receipt})
+                other.OnBytes(pdu);
+            const CSmsDeliveryReport report = *reports.Query("a");
+            EXPECT_EQ(report.status, row.status) << row.text << isEarly;
+            EXPECT_EQ(report.completedTime, row.completed) << row.text << isEarly;
+            EXPECT_EQ(report.statusCode, row.code) << row.text << isEarly;
+            EXPECT_EQ(received.Count(), 0U);
+        }
+    }
+}
+
+TEST_F(Session, AForeignParameterIsKeptUnderItsId) {
+    session.OnBytes(WithTlvs(Deliver(5, ""), ReceiptedId("F1") + State(2)));
+    EXPECT_EQ(Status("F1"), 2);
     EXPECT_EQ(received.Count(), 0U);
+    reports.RecordSent("F2", ReportWanted::kYes);
+    session.OnBytes(WithTlvs(Deliver(6, ""), ReceiptedId("F2") + State(2)));  // not the id of ours
+    EXPECT_EQ(Status("F2"), 1);
+    EXPECT_EQ(received.Count(), 1U);
+}
+
+// Whatever the form, and however many overtake their responses at once.
+TEST_F(Session, AllReceiptsOfALargeWindowFindTheirMessages) {
+    settings.windowSize = 500;
+    Bind();
+    for (int i = 0; i < 5000; ++i) Queue(std::to_string(i));
+    std::uint32_t answered = 2;
+    for (int round = 0; round < 10; ++round) {
+        session.OnTick();
+        const std::size_t sent = TakeOutput().size();
+        std::string receipts, responses;
+        for (std::size_t i = 0; i < sent; ++i, ++answered) {
+            const std::string id = "M" + std::to_string(answered);
+            receipts += answered % 3 == 0   ? WithTlvs(Deliver(9, "", 4), ReceiptedId(id) + State(2))
+                        : answered % 3 == 1 ? Deliver(9, "id:" + id + " stat:DELIVRD", 4)
+                                            : Deliver(9, "id:" + id + " stat:DELIVRD");
+            responses += Pdu(0x80000004, 0, answered, id + std::string(1, '\0'));
+        }
+        session.OnBytes(receipts);
+        session.OnBytes(responses);
+        TakeOutput();
+    }
+    int delivered = 0;
+    for (int i = 0; i < 5000; ++i) delivered += Status(std::to_string(i)) == 2 ? 1 : 0;
+    EXPECT_EQ(delivered, 5000);
+    EXPECT_EQ(received.Count(), 0U);
+}
+
+TEST_F(Session, AReceiptWaitsForWhatWasInFlightBeforeItAndNothingElse) {
+    settings.serverKeepAlive = 0;
+    Bind();
+    for (int i = 0; i < 300; ++i)
+        session.OnBytes(Deliver(9, "id:F" + std::to_string(i) + " stat:DELIVRD", 4));
+    EXPECT_EQ(received.Count(), 300U);  // nothing is in flight
+    received.Clear();
+    Queue("a");
+    session.OnTick();
+    clock.Sleep(1);
+    session.OnBytes(Deliver(9, "id:F stat:DELIVRD", 4));
+    clock.Sleep(1);
+    Queue("b");
+    session.OnTick();
+    EXPECT_EQ(received.Count(), 0U);
+    Response(2, "A");
+    EXPECT_EQ(received.Count(), 1U);
+    session.OnBytes(Deliver(9, "id:G stat:DELIVRD", 4));
+    EXPECT_EQ(received.Count(), 1U);
+    clock.Sleep(19'999);
+    session.OnTick();
+    EXPECT_EQ(received.Count(), 1U);
+    clock.Sleep(1);
+    session.OnTick();  // which is as long as a response may take
+    EXPECT_EQ(received.Count(), 2U);
+}
+
+TEST_F(Session, WhatIsHeldIsBoundedAndNothingOfItIsLost) {
+    Bind();
+    Queue("a");
+    session.OnTick();
+    constexpr std::size_t kMost = 16'384 + 4;
+    for (std::size_t i = 0; i < kMost; ++i) session.OnBytes(Deliver(9, "id:F" + std::to_string(i), 4));
+    EXPECT_EQ(received.Count(), 0U);
+    session.OnBytes(Deliver(9, "id:A stat:DELIVRD", 4));
+    EXPECT_EQ(received.Count(), 1U);
+    Response(2, "A");
+    EXPECT_EQ(Status("a"), 2);
+    EXPECT_EQ(received.Count(), kMost);
+}
+
+TEST_F(Session, TheBaseIsGuessedOnlyWhileNothingTellsAgainstIt) {
+    reports.LoadText("old;;12D687;;1||other;;12D688;;1||third;;12D689;;1");
+    const auto receipt = [&](const char* id) {
+        session.OnBytes(Deliver(9, std::string("id:") + id + " stat:DELIVRD", 4));
+    };
+    Bind();
+    Queue("a");
+    session.OnTick();
+    receipt("1234567");
+    EXPECT_EQ(Status("old"), 1);  // a submission is unanswered
+    Response(2, "12D700");
+    EXPECT_EQ(Status("old"), 2);
+    session.OnBytes(Deliver(9, "id:1234568 stat:DELIVRD"));  // not marked
+    EXPECT_EQ(Status("other"), 1);
+    receipt("1234568");
+    EXPECT_EQ(Status("other"), 2);
+    receipt("12d700");
+    EXPECT_EQ(Status("a"), 2);
+    receipt("1234569");  // the server does not write its ids in another base
+    EXPECT_EQ(Status("third"), 1);
 }
 
 TEST_F(Session, NothingVanishesWhenTheSessionDies) {
@@ -298,22 +515,6 @@ TEST_F(Session, EachKeepAliveIsDueAnIntervalAfterTheLast) {
         if (!TakeOutput().empty()) times.push_back(clock.Ticks());
     }
     EXPECT_EQ(times, (std::vector<std::uint32_t>{35'000, 65'000, 95'000}));
-}
-
-TEST_F(Session, NoReceiptIsLostWhenTooManyAreHeld) {
-    using namespace std::string_literals;
-    Bind();
-    Queue("unanswered");
-    session.OnTick();
-    for (int i = 0; i < 257; ++i) {
-        std::string pdu =
-            Deliver(60, "", 4) + "\x00\x1E\x00\x04"s + std::to_string(100 + i) + "\0\x04\x27\x00\x01\x02"s;
-        pdu[3] = static_cast<char>(pdu.size());
-        session.OnBytes(pdu);
-    }
-    EXPECT_EQ(received.Count(), 1U);
-    session.OnClosed();
-    EXPECT_EQ(received.Count(), 257U);
 }
 
 TEST_F(Session, ForgetsReportsAfterADay) {

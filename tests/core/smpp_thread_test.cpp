@@ -1,11 +1,14 @@
 // The protocol with its real worker thread and sockets, over a server that only answers. For ThreadSanitizer
 // too.
 #include "SmppSink.h"
+#include "foundation/Hex.h"
 #include "smpp/SmppProtocol.h"
 #include "support/TemporaryFolder.h"
 
 #include <atomic>
 #include <gtest/gtest.h>
+#include <set>
+#include <string>
 #include <thread>
 
 namespace {
@@ -43,6 +46,40 @@ TEST(SmppThreads, ManyMessagesFromTheCallersThreadAllGetTheirResult) {
         EXPECT_EQ(smpp.Send(message, late), 33205);
         EXPECT_EQ(smpp.Connect(), 0);  // the destructor ends this one
     }
+}
+
+TEST(SmppThreads, NoReferenceIsGivenTwice) {
+    const SmppSink sink;
+    std::set<std::string> given;
+    const auto send = [&](CSmppProtocol& smpp) {
+        CSmsMessageX message;
+        message.Recipient = "+31612345678";
+        std::string reference;
+        EXPECT_EQ(smpp.Send(message, reference), 0);
+        EXPECT_TRUE(given.insert(reference).second) << reference;
+        return reference;
+    };
+    const auto connect = [&](CSmppProtocol& smpp) {
+        smpp.settings.server = "127.0.0.1";
+        smpp.settings.serverPort = sink.Port();
+        ASSERT_EQ(smpp.Connect(), 0);
+    };
+    CSmppProtocol one, two;  // made in the same second
+    connect(one);
+    connect(two);
+    std::string last;
+    for (int i = 0; i < 100; ++i) last = send(i % 2 == 0 ? one : two);
+    // What was loaded counts as well.
+    const auto number = static_cast<std::uint32_t>(std::stoul(last, nullptr, 16));
+    for (std::uint32_t next = 1; next <= 5; ++next) {
+        std::string loaded;
+        hex::AppendNumber(loaded, number + next);
+        one.Reports().LoadText(loaded + ";;P;;2");
+        given.insert(loaded);
+    }
+    std::string expected;
+    hex::AppendNumber(expected, number + 6);
+    EXPECT_EQ(send(one), expected);
 }
 
 }  // namespace

@@ -1,0 +1,5 @@
+#include "foundation/UniqueNumber.h"
+
+#include <windows.h>
+
+std::uint32_t ProcessNumber() { return ::GetCurrentProcessId(); }
