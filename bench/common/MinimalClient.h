@@ -30,10 +30,13 @@ inline bool RunMinimalClient(std::uint16_t port, int window, int count) {
     std::string text;
     const net::Handle socket = net::Create();
     bool works = net::Resolve("127.0.0.1", address, text) == 0;
-    const int connecting = net::Connect(socket, address, port);
-    works = works && (connecting == 0 || connecting == net::kWouldBlock);
-    const Timer limit(SystemClock(), 5000);
-    while (works && !net::HasConnectEnded(socket)) works = !limit.Expired();
+    {
+        net::Attempt attempt(socket);
+        const int connecting = attempt.Begin(address, port);
+        works = works && (connecting == 0 || connecting == net::kWouldBlock);
+        const Timer limit(SystemClock(), 5000);
+        while (works && !attempt.HasEnded()) works = !limit.Expired();
+    }
     const std::string pdu = BenchSubmit();
     std::string batch;
     std::vector<char> buffer(65536);

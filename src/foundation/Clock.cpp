@@ -28,3 +28,12 @@ std::string TimeText(Clock& clock, std::int64_t seconds) {
     if (t.hour >= 12) text[20] = 'P';
     return text;
 }
+
+std::string UtcTimeText(std::int64_t seconds) {
+    if (seconds <= 0) return "n/a";
+    const CalendarTime t = ToUtc(seconds);
+    std::array<char, 80> text{};
+    std::snprintf(text.data(), text.size(), "%04d-%02d-%02dT%02d:%02d:%02dZ", t.year, t.month, t.day, t.hour,
+                  t.minute, t.second);
+    return text.data();
+}

@@ -56,3 +56,6 @@ std::string ClockPrefix(const CalendarTime& local);
 
 // A time stamp as users read it: "11/15/2026 01:45:10 PM" in local time, "n/a" for 0 and below.
 std::string TimeText(Clock& clock, std::int64_t seconds);
+
+// The same in UTC as programs read it: "2026-11-15T13:45:10Z".
+std::string UtcTimeText(std::int64_t seconds);

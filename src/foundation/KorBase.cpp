@@ -60,6 +60,16 @@ std::string CKorBase::ActivityFile() const {
     return activityFile_;
 }
 
+void CKorBase::HidePasswords(std::vector<std::string> passwords) {
+    const std::scoped_lock guard(lock_);
+    secrets_.Set(std::move(passwords));
+}
+
+std::string CKorBase::Shown(const std::string& password) const {
+    const std::scoped_lock guard(lock_);
+    return secrets_.Shown(password);
+}
+
 void CKorBase::Log(unsigned mask, const char* format, ...) {
     if (!IsLogging() || mask == 0 || *format == '\0') return;
     const std::scoped_lock guard(lock_);
@@ -89,6 +99,7 @@ void CKorBase::Write(unsigned mask, char* buffer, std::size_t size, const char* 
     const int length = std::vsnprintf(buffer + prefix.size(), size - prefix.size(), format, arguments);
     if (length < 0) return;
     std::string entry(buffer, std::min(prefix.size() + static_cast<std::size_t>(length), size - 1));
+    secrets_.Mask(entry, prefix.size());
     if ((mask & logmask::kVerbatim) == 0) MakeLineBreaksVisible(entry);
     if (!logFile_.empty() && (mask & (logmask::kLog | logmask::kVerbatim)) != 0) {
         AppendTextFile(logFile_, entry + "\n");

@@ -1,6 +1,7 @@
 // The base of everything that can trace its work: a log file and an activity file, named by the caller.
 #pragma once
 #include "foundation/Clock.h"
+#include "foundation/Secrets.h"
 
 #include <atomic>
 #include <cstdarg>
@@ -8,6 +9,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <vector>
 
 // Where a logging call writes; bits combine.
 namespace logmask {
@@ -34,6 +36,12 @@ class CKorBase {
     virtual void SetActivityFile(const std::string& name);
     std::string ActivityFile() const;
 
+    // No entry shows these passwords from now on: "****" stands for each. Without any, entries are written as
+    // they are.
+    void HidePasswords(std::vector<std::string> passwords);
+    // A password as a line or a dump may show it.
+    std::string Shown(const std::string& password) const;
+
     // True when a log or activity file is named, so that costly entries need not be built in vain.
     bool IsLogging() const { return isLogging_; }
 
@@ -54,5 +62,6 @@ class CKorBase {
     mutable std::mutex lock_;
     std::string logFile_;
     std::string activityFile_;
+    Secrets secrets_;
     std::unique_ptr<char[]> buffer_;
 };

@@ -34,8 +34,7 @@ ResultCode LoadProviderFile(const std::string& file, std::span<const ProviderRow
     const auto isEmpty = [&ini](const ProviderRow& row) { return ini.Lines(row.section).empty(); };
     if (std::ranges::all_of(rows, isEmpty)) return result::ConfigCorrupt;
     for (const ProviderRow& row : rows) {
-        const bool isKept = row.missing == ProviderRow::Missing::kKeeps && !ini.Has(row.section, row.key);
-        if (!isKept) std::visit(Take{ini.Text(row.section, row.key)}, row.field);
+        if (ini.Has(row.section, row.key)) std::visit(Take{ini.Text(row.section, row.key)}, row.field);
     }
     return result::Success;
 }

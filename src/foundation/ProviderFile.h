@@ -15,16 +15,13 @@ struct ProviderRow {
         std::function<std::string()> get;
         std::function<void(const std::string&)> set;
     };
-    enum class Missing { kKeeps, kEmpties };
 
     const char* section;
     const char* key;
     std::variant<std::string*, std::int32_t*, Access> field;
-    // What loading a file without the key does to the setting. A number with nothing behind its "=" is kept
-    // as well.
-    Missing missing = Missing::kKeeps;
 };
 
+// A setting whose key the file lacks stays as it is, and so does a number with nothing behind its "=".
 // 0; 33050 when there is no such file, 33051 when it holds nothing in any of the sections: no setting is
 // changed then.
 ResultCode LoadProviderFile(const std::string& file, std::span<const ProviderRow> rows);

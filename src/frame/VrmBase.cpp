@@ -20,3 +20,8 @@ std::int32_t CVrmBase::AdvancedSetting(std::string_view name, std::int32_t fallb
     const std::size_t value = rest.find_first_not_of(" \t=:");
     return value == std::string_view::npos ? 0 : ToInt(rest.substr(value));
 }
+
+void CVrmBase::GuardPasswords(std::vector<std::string> passwords) {
+    if (AdvancedSetting("MaskPasswords", 0) == 0) passwords.clear();
+    HidePasswords(std::move(passwords));
+}

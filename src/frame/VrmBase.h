@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 class CVrmBase : public CKorBase {
   public:
@@ -18,6 +19,10 @@ class CVrmBase : public CKorBase {
     // The number that follows the name: "SmppWindowSize=25;..." or "SmppWindowSize 25,...". `fallback` when
     // absent.
     std::int32_t AdvancedSetting(std::string_view name, std::int32_t fallback);
+
+    // Names the object's passwords, which the log then hides if "MaskPasswords=1" is set. Called before
+    // anything that may show them is logged.
+    void GuardPasswords(std::vector<std::string> passwords);
 
   private:
     std::size_t FindAdvancedSetting(std::string_view name);

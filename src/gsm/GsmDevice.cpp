@@ -1,6 +1,7 @@
 #include "gsm/GsmDevice.h"
 
 #include "foundation/ErrorTexts.h"
+#include "foundation/Secrets.h"
 #include "foundation/Text.h"
 #include "gsm/AtValues.h"
 #include "sms/DeviceOptions.h"

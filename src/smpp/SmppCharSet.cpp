@@ -51,6 +51,10 @@ const UpperHalf* HalfOf(std::uint8_t coding) {
     return coding == kHebrew ? &kIso8859Part8 : nullptr;
 }
 
+bool IsGsm(std::uint8_t coding, std::int32_t charSet) {
+    return coding == kDefaultAlphabet && charSet == sms::asSMPPCHARSET_GSM;
+}
+
 }  // namespace
 
 std::uint8_t smppcharset::CodingOf(std::int32_t charSet) {
@@ -63,13 +67,13 @@ smppcharset::Coding smppcharset::KindOf(std::uint8_t dataCoding) {
     return (dataCoding & kData) != 0 && HalfOf(dataCoding) == nullptr ? Coding::kData : Coding::kText;
 }
 
-std::string smppcharset::Encode(std::u16string_view text, std::int32_t charSet) {
-    if (charSet == sms::asSMPPCHARSET_GSM) {
+std::string smppcharset::Encode(std::u16string_view text, std::uint8_t dataCoding, std::int32_t charSet) {
+    if (IsGsm(dataCoding, charSet)) {
         std::string codes(2 * text.size(), '\0');
         codes.resize(CGsmAlphabet::Encode(text, reinterpret_cast<std::uint8_t*>(codes.data())));
         return codes;
     }
-    const UpperHalf* half = HalfOf(CodingOf(charSet));
+    const UpperHalf* half = HalfOf(dataCoding);
     if (half == nullptr) return ToAnsi(text);
     std::string octets(text.size(), '?');
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -85,7 +89,7 @@ std::string smppcharset::Encode(std::u16string_view text, std::int32_t charSet) 
 
 std::u16string smppcharset::Decode(std::u16string_view octets, std::uint8_t dataCoding,
                                    std::int32_t charSet) {
-    if (dataCoding == kDefaultAlphabet && charSet == sms::asSMPPCHARSET_GSM) {
+    if (IsGsm(dataCoding, charSet)) {
         const std::vector<std::uint8_t> codes(octets.begin(), octets.end());
         std::u16string text(codes.size(), u'\0');
         text.resize(CGsmAlphabet::Decode(codes, text.data()));

@@ -17,11 +17,13 @@ std::uint8_t CodingOf(std::int32_t charSet);
 enum class Coding { kText, kData, kUcs2 };
 Coding KindOf(std::uint8_t dataCoding);
 
-// The octets of a text; a character that the set lacks becomes "?".
-std::string Encode(std::u16string_view text, std::int32_t charSet);
+// The default alphabet (coding 0) is the GSM alphabet when the set is asSMPPCHARSET_GSM; every other coding
+// goes by itself.
 
-// The text of received octets, one a character; the default alphabet (coding 0) is read as GSM alphabet when
-// the set is asSMPPCHARSET_GSM.
+// The octets of a text; a character that the coding lacks becomes "?".
+std::string Encode(std::u16string_view text, std::uint8_t dataCoding, std::int32_t charSet);
+
+// The text of received octets, one a character.
 std::u16string Decode(std::u16string_view octets, std::uint8_t dataCoding, std::int32_t charSet);
 
 }  // namespace smppcharset

@@ -15,7 +15,7 @@ namespace {
 // Times in ms.
 constexpr auto kStartTime = std::chrono::milliseconds(5000);
 constexpr std::uint32_t kUnbindTime = 5000;
-constexpr std::uint32_t kSendSlice = 20;
+constexpr std::uint32_t kBlockedTime = 1;
 constexpr std::uint32_t kGatherTime = 1;
 constexpr std::uint32_t kLongestQueryPause = 20;
 constexpr std::size_t kReadSize = 65536;
@@ -49,11 +49,10 @@ ResultCode CSmppProtocol::Connect() {
     Disconnect();  // joins the worker of a session that has ended by itself
     if (settings.serverPort < 1 || settings.serverPort > kLastPort) return result::InvalidPort;
     if (settings.server.empty()) return result::InvalidHost;
-    if (socket_.Connect(settings.server, static_cast<std::uint16_t>(settings.serverPort),
-                        TimeOf(settings.serverTimeout)) != tcp::kSuccess) {
-        return result::SmppConnectFailed;
-    }
-    ResultCode code = StartWorker();
+    GuardPasswords({settings.systemPassword});
+    const int reached = socket_.Connect(settings.server, static_cast<std::uint16_t>(settings.serverPort),
+                                        TimeOf(settings.serverTimeout));
+    ResultCode code = reached == tcp::kSuccess ? StartWorker() : result::SmppConnectFailed;
     if (code == result::Success) code = AwaitBind();
     LogConnect(code);
     if (code != result::Success) Disconnect();
@@ -62,10 +61,10 @@ ResultCode CSmppProtocol::Connect() {
 
 ResultCode CSmppProtocol::StartWorker() {
     if (settings.InterfaceVersion() == 0) return result::SmppInvalidVersion;
+    settings.windowSize = AdvancedSetting("SmppWindowSize", kDefaultWindow);
+    settings.relativeValidity = AdvancedSetting("ValidityPeriodRelative", 0) != 0;
+    settings.dumpFlags = static_cast<std::uint32_t>(AdvancedSetting("Debug", kDumpAll));
     active_ = settings;
-    active_.windowSize = AdvancedSetting("SmppWindowSize", kDefaultWindow);
-    active_.relativeValidity = AdvancedSetting("ValidityPeriodRelative", 0) != 0;
-    active_.dumpFlags = static_cast<std::uint32_t>(AdvancedSetting("Debug", kDumpAll));
     reports_.SetReceiptFormat(settings.reportFormat);
     stop_ = false;
     started_ = bindAnswered_ = false;
@@ -129,7 +128,7 @@ std::string_view CSmppProtocol::EnterNew(std::string& references) {
 ResultCode CSmppProtocol::Send(const CSmsMessageX& message, std::string& references) {
     references.clear();
     if (!IsConnected()) return result::SmppNotBound;
-    if (const ResultCode code = builder_.Build(active_, message, pdus_); code != result::Success) {
+    if (const ResultCode code = Build(message); code != result::Success) {
         const std::string text(DescribeError(code));
         Log(logmask::kVerbatim, "Sending failed (%s)\n", text.c_str());
         return code;
@@ -153,6 +152,12 @@ ResultCode CSmppProtocol::Send(const CSmsMessageX& message, std::string& referen
     return result::Success;
 }
 
+// The mode is the bound one; addresses and character set are those that are set now.
+ResultCode CSmppProtocol::Build(const CSmsMessageX& message) {
+    if (active_.systemMode == static_cast<std::int32_t>(BindMode::kReceiver)) return result::SmppReceiverOnly;
+    return builder_.Build(settings, message, pdus_);
+}
+
 ResultCode CSmppProtocol::QueryStatus(std::string_view references, bool wait, CSmsDeliveryReport& report) {
     if (references.empty()) return result::InvalidReference;
     const Timer timer(GetClock(), TimeOf(settings.serverTimeout));
@@ -161,7 +166,7 @@ ResultCode CSmppProtocol::QueryStatus(std::string_view references, bool wait, CS
     for (;;) {
         const auto whole = reports_.QueryWhole(references, kReferenceSeparator);
         if (!whole) {
-            code = result::QueryFailed;
+            code = result::InvalidReference;
             break;
         }
         report = *whole;
@@ -174,7 +179,7 @@ ResultCode CSmppProtocol::QueryStatus(std::string_view references, bool wait, CS
         pause = std::min(2 * pause, kLongestQueryPause);
     }
     const std::string which(references);
-    if (code == result::QueryFailed) {
+    if (code == result::InvalidReference) {
         const std::string text(DescribeError(code));
         Log(logmask::kVerbatim, "Query status for message '%s' failed ( %s )\n", which.c_str(), text.c_str());
     } else {
@@ -210,13 +215,31 @@ bool CSmppProtocol::Flush(CSmppSession& session) {
     std::string& output = session.Output();
     if (output.empty()) return true;
     std::size_t sent = 0;
-    const int code = socket_.Send(output, kSendSlice, kSendSlice, sent);
+    const int code = socket_.SendSome(output, sent);
     if (sent == output.size()) {
         output.clear();
     } else {
         output.erase(0, sent);
     }
-    return code == tcp::kSuccess || code == tcp::kTotalTimedOut || code == tcp::kIdleTimedOut;
+    if (code == tcp::kSuccess) return true;
+    ReadToEnd(session);
+    return false;
+}
+
+// Reads once. False when the connection has ended.
+bool CSmppProtocol::Read(CSmppSession& session, std::size_t& received) {
+    thread_local std::vector<char> buffer(kReadSize);
+    const int code = socket_.Receive(buffer.data(), buffer.size(), received);
+    if (received > 0) session.OnBytes({buffer.data(), received});
+    return code == tcp::kSuccess;
+}
+
+// What had come before a connection broke is not lost with it.
+void CSmppProtocol::ReadToEnd(CSmppSession& session) {
+    const Timer timer(GetClock(), TimeOf(active_.serverTimeout));
+    for (std::size_t received = 1; received > 0 && !timer.Expired();) {
+        if (!Read(session, received)) return;
+    }
 }
 
 // While the caller sends one message after another it need not wake the worker for each: the worker comes by
@@ -238,17 +261,18 @@ void CSmppProtocol::WaitForWork(const CSmppSession& session, bool callerIsSendin
 
 // One round of reading, ticking and writing. False when the connection has ended.
 bool CSmppProtocol::Pump(CSmppSession& session) {
-    thread_local std::vector<char> buffer(kReadSize);
     const bool taken = TakeIntake(session);
     std::size_t received = 0;
-    const int code = socket_.Receive(buffer.data(), buffer.size(), received);
-    if (code != tcp::kSuccess) return false;
-    if (received > 0) session.OnBytes({buffer.data(), received});
+    if (session.WantsBytes() && !Read(session, received)) return false;
     session.OnTick();
     if (!Flush(session)) return false;
     if (session.GetState() == CSmppSession::State::kClosed) return false;
-    if ((received == 0 || taken) && session.Output().empty())
+    if (!session.Output().empty()) {
+        if (received == 0)
+            waiter_.Wait(session.WantsBytes() ? socket_.SocketHandle() : net::kInvalid, kBlockedTime);
+    } else if (received == 0 || taken) {
         WaitForWork(session, taken && !session.IsWindowFull());
+    }
     return true;
 }
 
@@ -308,6 +332,7 @@ void CSmppProtocol::Work() {
     }
     bound_ = false;
     SignalBind(result::SmppConnectFailed);
+    socket_.Disconnect();  // so that the server does not keep the bind until the caller's next call
     TakeIntake(session);
     session.OnClosed();
     if (session.CloseCode() != result::Success && onFailure_) onFailure_(session.CloseCode());
@@ -341,8 +366,7 @@ std::vector<ProviderRow> CSmppProtocol::ProviderRows() {
                              [this](const std::string& text) { SetAdvancedSettings(text); }}},
         {kSection, "SystemTLVRecords",
          ProviderRow::Access{[&s] { return ToAnsi(s.transmitTlvs.ToText()); },
-                             [&s](const std::string& text) { s.transmitTlvs.FromText(FromAnsi(text)); }},
-         ProviderRow::Missing::kEmpties},
+                             [&s](const std::string& text) { s.transmitTlvs.FromText(FromAnsi(text)); }}},
     };
 }
 

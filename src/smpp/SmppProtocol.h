@@ -24,6 +24,7 @@ class CSmppProtocol : public CVrmBase {
     explicit CSmppProtocol(Clock& clock = SystemClock());
     ~CSmppProtocol() override;
 
+    // Addresses and character set are looked at by each Send, everything else by Connect.
     SmppSettings settings;
 
     // What a session that ends by itself leaves for LastError; called on the worker thread.
@@ -31,7 +32,7 @@ class CSmppProtocol : public CVrmBase {
 
     void Clear();
 
-    // 0; 1010, 22019, 22021, 33201 to 33206, 33209.
+    // 0; 1010, 22019, 22021, 33201 to 33206, 33209; 34033 when optional parameters burst the bind.
     ResultCode Connect();
 
     // Sends what is queued, unbinds and joins the worker; takes ServerTimeout at the most for the messages
@@ -40,11 +41,11 @@ class CSmppProtocol : public CVrmBase {
     bool IsConnected() const { return bound_; }
 
     // Queues a message and gives its reference; several parts are joined by ";". 33205 when not connected,
-    // and the codes of SmppSubmitBuilder.
+    // 33208 when bound as receiver, and the codes of SmppSubmitBuilder.
     ResultCode Send(const CSmsMessageX& message, std::string& references);
 
     // The report of references as Send gave them. With `wait`, waits until it is final, the session ends or
-    // ServerTimeout has passed (33206, the report as it is then). 34050, 33061.
+    // ServerTimeout has passed (33206, the report as it is then). 34050 for a reference that is unknown.
     ResultCode QueryStatus(std::string_view references, bool wait, CSmsDeliveryReport& report);
 
     // Provider files; the codes of ProviderFile.
@@ -57,6 +58,7 @@ class CSmppProtocol : public CVrmBase {
   private:
     std::vector<ProviderRow> ProviderRows();
 
+    ResultCode Build(const CSmsMessageX& message);
     ResultCode StartWorker();
     ResultCode AwaitBind();
     void LogConnect(ResultCode code);
@@ -70,12 +72,14 @@ class CSmppProtocol : public CVrmBase {
     bool PumpWhile(CSmppSession& session, CSmppSession::State state, std::uint32_t time, Condition holds);
     bool Pump(CSmppSession& session);
     bool Flush(CSmppSession& session);
+    bool Read(CSmppSession& session, std::size_t& received);
+    void ReadToEnd(CSmppSession& session);
     bool TakeIntake(CSmppSession& session);
     void WaitForWork(const CSmppSession& session, bool callerIsSending);
     void SignalBind(ResultCode code);
 
     CKorTcpSocket socket_;
-    SmppSettings active_;  // the settings of the running session
+    SmppSettings active_;  // the settings at the connect, which the worker reads
     CSmsDeliveryReports reports_;
     CSmsMessagesX received_;
     SmppSubmitBuilder builder_;

@@ -8,7 +8,7 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
+#include <exception>
 #include <span>
 #include <utility>
 
@@ -23,12 +23,16 @@ constexpr std::uint32_t kResponseTime = 20'000;     // ms
 constexpr std::uint32_t kServiceInterval = 10'000;  // ms
 constexpr std::uint32_t kMostKeepAlives = 10;
 constexpr std::uint32_t kLastSequence = 0x7FFFFFFF;
-constexpr std::size_t kOutputMark = std::size_t{1} << 20;
+// Octets of output behind which nothing is submitted, and behind which nothing is read. Answers to submits
+// make none, so that a server that cannot write them is read while it does not read.
+constexpr std::size_t kSubmitMark = std::size_t{1} << 20;
+constexpr std::size_t kReadMark = 2 * kSubmitMark;
 constexpr std::int32_t kReportsKept = 86'400;  // s
 constexpr std::uint32_t kIdleTick = 1000;      // ms
 constexpr std::size_t kTraceSlack = 2048;
 constexpr std::uint32_t kUnansweredStatus = 0xFFFFFFFF;
 constexpr std::uint32_t kUnknownError = 0xFF;  // ESME_RUNKNOWNERR
+constexpr unsigned kEvent = logmask::kVerbatim | logmask::kActivity;
 
 std::uint32_t ReadWord(std::string_view octets, std::size_t at = 0) {
     std::uint32_t value = 0;
@@ -50,7 +54,7 @@ CSmppSession::CSmppSession(CKorBase& log, const SmppSettings& settings, CSmsDeli
       clock_(&clock),
       receipts_(log, reports, received, clock, inFlight_),
       pace_(clock.Ticks()),
-      bindResult_(result::SmppTimedOut),
+      bindResult_(result::SmppBindFailed),
       lastKeepAlive_(clock.Ticks()),
       lastService_(clock.Ticks()) {}
 
@@ -72,15 +76,25 @@ void CSmppSession::Trace(Pdu& pdu) {
 template <class Pdu>
 void CSmppSession::Send(Pdu& pdu, const char* name) {
     pdu.Encode();
+    TraceSent(pdu, name);
+    Put(pdu);
+}
+
+template <class Pdu>
+void CSmppSession::TraceSent(Pdu& pdu, const char* name) {
     log_->Log(logmask::kVerbatim, "Sending [%s]...\n", name);
     Trace(pdu);
+}
+
+template <class Pdu>
+void CSmppSession::Put(const Pdu& pdu) {
     const auto octets = pdu.Data();
     output_.append(reinterpret_cast<const char*>(octets.data()), octets.size());
 }
 
 template <class Pdu>
-void CSmppSession::Answer(const char* name) {
-    Pdu pdu;
+void CSmppSession::Answer(Pdu& pdu, const char* name) {
+    pdu.Reset();
     pdu.sequence_number = header_.sequence_number;
     Send(pdu, name);
 }
@@ -91,29 +105,42 @@ void CSmppSession::StartBind() {
     state_ = State::kBinding;
     unansweredKeepAlives_ = 0;
     sequence_ = 1;
-    const auto bind = [this](auto pdu, const char* name) {
-        pdu->sequence_number = NextSequence();
-        pdu->system_id = settings_->systemId;
-        pdu->password = settings_->systemPassword;
-        pdu->system_type = settings_->systemType;
-        pdu->interface_version = settings_->InterfaceVersion();
-        pdu->addr_ton = static_cast<std::uint8_t>(settings_->sourceTon);
-        pdu->addr_npi = static_cast<std::uint8_t>(settings_->sourceNpi);
-        pdu->address_range = settings_->addressRange;
-        pdu->tlvs = settings_->transmitTlvs;
-        Send(*pdu, name);
-    };
     switch (static_cast<BindMode>(settings_->systemMode)) {
         case BindMode::kTransmitter:
-            bind(std::make_unique<CSmppBindTransmitter>(), "bind_transmitter");
+            SendBind<CSmppBindTransmitter>("bind_transmitter");
             break;
         case BindMode::kReceiver:
-            bind(std::make_unique<CSmppBindReceiver>(), "bind_receiver");
+            SendBind<CSmppBindReceiver>("bind_receiver");
             break;
         default:
-            bind(std::make_unique<CSmppBindTransceiver>(), "bind_transceiver");
+            SendBind<CSmppBindTransceiver>("bind_transceiver");
             break;
     }
+}
+
+template <class Pdu>
+void CSmppSession::SendBind(const char* name) {
+    Pdu pdu;
+    pdu.sequence_number = NextSequence();
+    pdu.system_id = settings_->systemId;
+    pdu.password = settings_->systemPassword;
+    pdu.system_type = settings_->systemType;
+    pdu.interface_version = settings_->InterfaceVersion();
+    pdu.addr_ton = static_cast<std::uint8_t>(settings_->sourceTon);
+    pdu.addr_npi = static_cast<std::uint8_t>(settings_->sourceNpi);
+    pdu.address_range = settings_->addressRange;
+    pdu.tlvs = settings_->transmitTlvs;
+    pdu.Encode();
+    if (!pdu.IsWhole()) {
+        bindResult_ = result::MessageTooLong;
+        state_ = State::kClosed;
+        return;
+    }
+    Put(pdu);
+    // The log shows the PDU that a hidden password would make: neither its field nor its octets tell it.
+    pdu.password = log_->Shown(settings_->systemPassword);
+    pdu.Encode();
+    TraceSent(pdu, name);
 }
 
 void CSmppSession::StartUnbind() {
@@ -122,12 +149,6 @@ void CSmppSession::StartUnbind() {
     CSmppUnbind pdu;
     pdu.sequence_number = NextSequence();
     Send(pdu, "unbind");
-}
-
-void CSmppSession::Close(const char* reason) {
-    if (state_ == State::kClosed) return;
-    log_->Log(logmask::kVerbatim | logmask::kActivity, "%s", reason);
-    state_ = State::kClosed;
 }
 
 void CSmppSession::OnClosed() {
@@ -143,6 +164,8 @@ void CSmppSession::OnClosed() {
 
 // --- reading
 
+bool CSmppSession::WantsBytes() const { return output_.size() < kReadMark; }
+
 void CSmppSession::OnBytes(std::string_view octets) {
     // Whole PDUs are taken from where they lie; only a piece that is left over is kept.
     const bool kept = !input_.empty();
@@ -151,18 +174,19 @@ void CSmppSession::OnBytes(std::string_view octets) {
     while (state_ != State::kClosed && rest.size() >= kLengthSize) {
         const std::uint32_t length = ReadWord(rest);
         if (length < CSmppPdu::kHeaderSize || length > kLargestPdu) {
-            log_->Log(logmask::kVerbatim | logmask::kActivity,
-                      "Invalid PDU length [0x%08X], closing the session\n", static_cast<unsigned>(length));
+            log_->Log(kEvent, "Invalid PDU length [0x%08X], closing the session\n",
+                      static_cast<unsigned>(length));
             state_ = State::kClosed;
             break;
         }
         if (rest.size() < length) break;
-        Dispatch(rest.substr(0, length));
+        DispatchSafely(rest.substr(0, length));
         rest.remove_prefix(length);
     }
     input_ = std::string(rest);
     RecordAnswers();
     receipts_.Settle();
+    if (isUnbound_) state_ = State::kClosed;
 }
 
 // Receipts that waited for one of the answers find their message now.
@@ -208,6 +232,19 @@ void CSmppSession::Dispatch(std::string_view octets) {
     (this->*handler.handle)(octets);
 }
 
+void CSmppSession::DispatchSafely(std::string_view octets) {
+    const auto report = [this](const char* what) {
+        log_->Log(logmask::kLog, "EXCEPTION [%s], source=[SmppProtocol], line=[%d]", what, __LINE__);
+    };
+    try {
+        Dispatch(octets);
+    } catch (const std::exception& error) {
+        report(error.what());
+    } catch (...) {
+        report("unknown");
+    }
+}
+
 void CSmppSession::OnBindResponse(std::string_view octets) {
     CSmppBindTransceiverResp pdu;
     pdu.SetData(Octets(octets));
@@ -220,21 +257,26 @@ void CSmppSession::OnBindResponse(std::string_view octets) {
 }
 
 void CSmppSession::OnEnquireLink(std::string_view /*octets*/) {
-    Answer<CSmppEnquireLinkResp>("enquire_link_resp");
+    Answer(enquireLinkResp_, "enquire_link_resp");
 }
 
 void CSmppSession::OnEnquireLinkResponse(std::string_view /*octets*/) { unansweredKeepAlives_ = 0; }
 
 void CSmppSession::OnUnbind(std::string_view /*octets*/) {
-    Answer<CSmppUnbindResp>("unbind_resp");
-    Close("Server has unbound the session\n");
+    CSmppUnbindResp pdu;
+    Answer(pdu, "unbind_resp");
+    log_->Log(kEvent, "Server has unbound the session\n");
+    isUnbound_ = true;
 }
 
 void CSmppSession::OnUnbindResponse(std::string_view /*octets*/) {
-    if (state_ == State::kUnbinding) state_ = State::kClosed;
+    if (state_ == State::kUnbinding) isUnbound_ = true;
 }
 
-void CSmppSession::OnUnknown(std::string_view /*octets*/) { Answer<CSmppGenericNack>("generic_nack"); }
+void CSmppSession::OnUnknown(std::string_view /*octets*/) {
+    CSmppGenericNack pdu;
+    Answer(pdu, "generic_nack");
+}
 
 void CSmppSession::OnSubmitResponse(std::string_view octets) {
     submitResp_.SetData(Octets(octets));
@@ -247,6 +289,10 @@ void CSmppSession::OnSubmitResponse(std::string_view octets) {
 }
 
 void CSmppSession::OnGenericNack(std::string_view /*octets*/) {
+    if (state_ == State::kBinding) {  // nothing else is unanswered
+        state_ = State::kClosed;
+        return;
+    }
     if (const auto submit = inFlight_.Complete(header_.sequence_number)) {
         Finish(*submit, header_.command_status != 0 ? header_.command_status : kUnknownError, {});
     }
@@ -257,9 +303,7 @@ void CSmppSession::OnDeliver(std::string_view octets) {
     deliver_.Decode();
     Trace(deliver_);
     if (deliver_.command_status == 0) Receive(SmppReceivedMessage(deliver_, settings_->charSet, *clock_));
-    deliverResp_.Reset();
-    deliverResp_.sequence_number = header_.sequence_number;
-    Send(deliverResp_, "deliver_sm_resp");
+    Answer(deliverResp_, "deliver_sm_resp");
 }
 
 void CSmppSession::OnData(std::string_view octets) {
@@ -297,18 +341,18 @@ void CSmppSession::Finish(const SmppInFlight& submit, std::uint32_t status, cons
     }
     const ResultCode code = SubmitResultOf(status);
     const std::string text(DescribeError(code));
-    log_->Log(logmask::kVerbatim | logmask::kActivity, "Sending failed (%s)\n", text.c_str());
+    log_->Log(kEvent, "Sending failed (%s)\n", text.c_str());
     reports_->SetStatus(
         submit.reference,
         code == result::SmppNoCredits ? sms::asDELIVERYSTATUS_NOCREDITS : sms::asDELIVERYSTATUS_REJECTED,
-        code.Number());
+        static_cast<std::int32_t>(status));
 }
 
 // Messages go out as the window and the throughput allow.
 void CSmppSession::Submit() {
     const std::uint32_t now = clock_->Ticks();
     const bool logging = log_->IsLogging();
-    while (!queue_.IsEmpty() && !IsWindowFull() && output_.size() < kOutputMark &&
+    while (!queue_.IsEmpty() && !IsWindowFull() && output_.size() < kSubmitMark &&
            pace_.Allows(settings_->throughput)) {
         const SmppQueuedSubmit submit = queue_.Front();
         const std::uint32_t sequence = NextSequence();
@@ -365,7 +409,8 @@ void CSmppSession::KeepAlive() {
     if (unansweredKeepAlives_ >= kMostKeepAlives) {
         unansweredKeepAlives_ = 0;
         closeCode_ = result::SmppTimedOut;
-        Close("Keep alive timer expired...\n");
+        log_->Log(kEvent, "Keep alive timer expired...\n");
+        state_ = State::kClosed;
         return;
     }
     ++unansweredKeepAlives_;

@@ -30,8 +30,11 @@ class CSmppSession {
     void Queue(const SmppQueuedSubmit& submit) { queue_.Push(submit); }
     void Queue(SmppSubmitQueue& submits) { queue_.Append(submits); }
 
-    // Octets as they arrive, in any pieces. What is no PDU closes the session.
+    // Octets as they arrive, in any pieces. What is no PDU closes the session; a PDU whose handling throws is
+    // left unanswered.
     void OnBytes(std::string_view octets);
+    // False while so much output waits that nothing more should be read: a server that only asks must listen.
+    bool WantsBytes() const;
 
     // Expiry, keep-alive, service of the reports, and submitting what window and pace allow.
     void OnTick();
@@ -47,7 +50,8 @@ class CSmppSession {
 
     State GetState() const { return state_; }
     bool HasWork() const { return !queue_.IsEmpty() || inFlight_.Size() != 0; }
-    // The bind's result code, valid once the state is no longer kBinding.
+    // The bind's result code, valid once the state is no longer kBinding: 33202 also when the session closed
+    // before the bind was answered.
     ResultCode BindResult() const { return bindResult_; }
     // Why the session closed by itself: 33206 after ten unanswered keep-alives, else 0.
     ResultCode CloseCode() const { return closeCode_; }
@@ -67,12 +71,19 @@ class CSmppSession {
     template <class Pdu>
     void Send(Pdu& pdu, const char* name);
     template <class Pdu>
+    void Put(const Pdu& pdu);
+    template <class Pdu>
+    void TraceSent(Pdu& pdu, const char* name);
+    template <class Pdu>
+    void SendBind(const char* name);
+    template <class Pdu>
     void Trace(Pdu& pdu);
     template <class Pdu>
-    void Answer(const char* name);
+    void Answer(Pdu& pdu, const char* name);
     std::uint32_t NextSequence();
 
     void Dispatch(std::string_view octets);
+    void DispatchSafely(std::string_view octets);
     void OnBindResponse(std::string_view octets);
     void OnSubmitResponse(std::string_view octets);
     void OnGenericNack(std::string_view octets);
@@ -90,7 +101,6 @@ class CSmppSession {
     void Finish(const SmppInFlight& submit, std::uint32_t status, const std::string& messageId);
     std::uint32_t KeepAliveInterval() const;
     void KeepAlive();
-    void Close(const char* reason);
 
     CKorBase* log_;
     const SmppSettings* settings_;
@@ -102,6 +112,7 @@ class CSmppSession {
     State state_ = State::kIdle;
     ResultCode bindResult_;
     ResultCode closeCode_;
+    bool isUnbound_ = false;  // closes the session behind the octets being read
     std::uint32_t sequence_ = 1;
     std::uint32_t unansweredKeepAlives_ = 0;
     std::uint32_t lastKeepAlive_ = 0;
@@ -117,4 +128,5 @@ class CSmppSession {
     CSmppSubmitSmResp submitResp_;
     CSmppDeliverSm deliver_;
     CSmppDeliverSmResp deliverResp_;
+    CSmppEnquireLinkResp enquireLinkResp_;
 };

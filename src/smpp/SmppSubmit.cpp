@@ -1,5 +1,6 @@
 #include "smpp/SmppSubmit.h"
 
+#include "Common/GsmPdu/GsmAlphabet.h"
 #include "Common/GsmPdu/HeaderElements.h"
 #include "Common/GsmPdu/Septets.h"
 #include "foundation/Addresses.h"
@@ -20,7 +21,6 @@ constexpr std::uint8_t kIsdn = 1;                // numbering plan
 constexpr std::int32_t kSeptetsPerMessage = 160;
 constexpr std::int32_t kOctetsPerMessage = 140;
 constexpr std::int32_t kUcs2Size = 2;
-constexpr std::uint32_t kReferenceMemory = 128;  // ms, half of what the references of one octet tell apart
 
 std::uint8_t CodingOf(const CSmsMessageX& message, const MessageFormat& format, std::int32_t charSet) {
     if (message.DCS != CSmsMessageX::kNotSet) return static_cast<std::uint8_t>(message.DCS);
@@ -84,6 +84,32 @@ struct SmppSubmitBuilder::Body {
                 return kSeptetsPerMessage - static_cast<std::int32_t>(septets::HeaderSeptets(header));
         }
     }
+
+    // How many octets of what is left of the body go into a part with that much room, when so many parts
+    // follow. A part does not end within a character, unless the parts that follow could not take what it
+    // leaves.
+    std::size_t SizeOfPart(std::string_view left, std::size_t room, std::size_t partsThatFollow) const {
+        const std::size_t size = std::min(room, left.size());
+        const std::size_t begun = size < left.size() ? BegunAtEnd(left.substr(0, size)) : 0;
+        return left.size() - (size - begun) <= partsThatFollow * room ? size - begun : size;
+    }
+
+  private:
+    // The octets at the end that begin a character of more: an escape, or the first half of a pair.
+    std::size_t BegunAtEnd(std::string_view octets) const {
+        switch (alphabet) {
+            case Alphabet::kGsm:
+                return octets.size() -
+                       (octets.find_last_not_of(static_cast<char>(CGsmAlphabet::kEscape)) + 1);
+            case Alphabet::kUcs2:
+                return octets.size() >= kUcs2Size && IsHighSurrogate(octets[octets.size() - kUcs2Size])
+                           ? kUcs2Size
+                           : 0;
+            default:
+                return 0;
+        }
+    }
+    static bool IsHighSurrogate(char first) { return (static_cast<std::uint8_t>(first) & 0xFC) == 0xD8; }
 };
 
 // How the body is divided.
@@ -97,8 +123,6 @@ struct SmppSubmitBuilder::Layout {
 
 ResultCode SmppSubmitBuilder::Build(const SmppSettings& settings, const CSmsMessageX& message,
                                     std::vector<std::string>& pdus) {
-    if (settings.systemMode == static_cast<std::int32_t>(BindMode::kReceiver))
-        return result::SmppReceiverOnly;
     if (!address::IsNumber(message.Recipient)) return result::InvalidRecipient;
     const Body body = ReadBody(message, settings.charSet);
     Layout layout;
@@ -106,7 +130,13 @@ ResultCode SmppSubmitBuilder::Build(const SmppSettings& settings, const CSmsMess
     if (const ResultCode code = DivideIntoParts(body, layout); code != result::Success) return code;
     PutFields(settings, message, body.coding);
     pdus.resize(layout.parts);
-    for (std::size_t part = 0; part < layout.parts; ++part) EncodePart(body, layout, part, pdus[part]);
+    std::string_view rest = body.octets;
+    for (std::size_t part = 0; part < layout.parts; ++part) {
+        const std::size_t size = body.SizeOfPart(rest, layout.room, layout.parts - part - 1);
+        if (!EncodePart(body.callerHeader, rest.substr(0, size), layout, part, pdus[part]))
+            return result::MessageTooLong;
+        rest.remove_prefix(size);
+    }
     return result::Success;
 }
 
@@ -122,7 +152,7 @@ SmppSubmitBuilder::Body SmppSubmitBuilder::ReadBody(const CSmsMessageX& message,
         body.octets = Ucs2Octets(message.Data);
     } else {
         if ((body.coding & smppcharset::kData) != 0) body.alphabet = Alphabet::kOctets;
-        body.octets = smppcharset::Encode(message.Data, charSet);
+        body.octets = smppcharset::Encode(message.Data, body.coding, charSet);
     }
     if (message.Format == sms::asMESSAGEFORMAT_DATA_UDH && !body.octets.empty()) {
         const std::size_t size = static_cast<std::uint8_t>(body.octets.front());
@@ -144,23 +174,10 @@ ResultCode SmppSubmitBuilder::DivideIntoParts(const Body& body, Layout& layout) 
         const std::int32_t parts = (length + size - 1) / size;
         if (parts > udh::kMostParts) return result::MessageTooLong;
         layout.parts = static_cast<std::size_t>(parts);
-        layout.reference = NextReference();
+        layout.reference = references_.Next(clock_->Ticks());
     }
     layout.room = static_cast<std::size_t>(size);
     return result::Success;
-}
-
-// From the tick counter, but always ahead of one that was given a moment ago.
-std::uint8_t SmppSubmitBuilder::NextReference() {
-    const std::uint32_t now = clock_->Ticks();
-    auto reference = static_cast<std::uint8_t>(now % 65535);
-    const auto ahead = static_cast<std::int8_t>(reference - lastReference_);
-    if (ahead == 0 || (ahead < 0 && now - lastReferenceTick_ < kReferenceMemory)) {
-        reference = static_cast<std::uint8_t>(lastReference_ + 1);
-    }
-    lastReference_ = reference;
-    lastReferenceTick_ = now;
-    return reference;
 }
 
 // What all parts have in common.
@@ -187,9 +204,10 @@ void SmppSubmitBuilder::PutFields(const SmppSettings& settings, const CSmsMessag
     pdu_.tlvs = message.TlvRecords;
 }
 
-// The elements of the header stand in this order: concatenation, port, the caller's own.
-void SmppSubmitBuilder::EncodePart(const Body& body, const Layout& layout, std::size_t part,
-                                   std::string& octets) {
+// The elements of the header stand in this order: concatenation, port, the caller's own. False when the
+// optional parameters burst the PDU.
+bool SmppSubmitBuilder::EncodePart(std::string_view callerHeader, std::string_view data, const Layout& layout,
+                                   std::size_t part, std::string& octets) {
     std::string& text = pdu_.short_message;
     text.clear();
     const auto put = [&text](const auto& element) { text.append(element.begin(), element.end()); };
@@ -202,10 +220,9 @@ void SmppSubmitBuilder::EncodePart(const Body& body, const Layout& layout, std::
                                static_cast<std::uint8_t>(part + 1)));
     }
     if (layout.port != 0) put(udh::Ports(static_cast<std::uint16_t>(layout.port), 0));
-    text += body.callerHeader;
-    text +=
-        std::string_view(body.octets).substr(std::min(body.octets.size(), part * layout.room), layout.room);
+    text.append(callerHeader).append(data);
     pdu_.Encode();
     const auto encoded = pdu_.Data();
     octets.assign(encoded.begin(), encoded.end());
+    return pdu_.IsWhole();
 }

@@ -3,20 +3,21 @@
 #include "Common/SmppPdu/SmppPdus.h"
 #include "foundation/Clock.h"
 #include "foundation/ResultCode.h"
+#include "smpp/SmppPartReferences.h"
 #include "smpp/SmppSettings.h"
 #include "sms/SmsMessageX.h"
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 class SmppSubmitBuilder {
   public:
     explicit SmppSubmitBuilder(Clock& clock = SystemClock()) : clock_(&clock) {}
 
-    // Makes `pdus` one encoded submit_sm a part, with sequence_number 0; leaves it alone on an error. 0,
-    // 33208 when bound as receiver, 34031 recipient, 34033 when a header leaves no room or more than 255
-    // parts would be needed.
+    // Makes `pdus` one encoded submit_sm a part, with sequence_number 0. 0, 34031 recipient, 34033 when a
+    // header leaves no room, more than 255 parts would be needed, or optional parameters burst the PDU.
     ResultCode Build(const SmppSettings& settings, const CSmsMessageX& message,
                      std::vector<std::string>& pdus);
 
@@ -26,14 +27,13 @@ class SmppSubmitBuilder {
 
     static Body ReadBody(const CSmsMessageX& message, std::int32_t charSet);
     ResultCode DivideIntoParts(const Body& body, Layout& layout);
-    std::uint8_t NextReference();
     void PutFields(const SmppSettings& settings, const CSmsMessageX& message, std::uint8_t coding);
-    void EncodePart(const Body& body, const Layout& layout, std::size_t part, std::string& octets);
+    bool EncodePart(std::string_view callerHeader, std::string_view data, const Layout& layout,
+                    std::size_t part, std::string& octets);
 
     Clock* clock_;
     CSmppSubmitSm pdu_;
-    std::uint8_t lastReference_ = 0;
-    std::uint32_t lastReferenceTick_ = 0;
+    SmppPartReferences references_;
 };
 
 // "YYMMDDhhmmss000+" (absolute, UTC) or "...000R" (relative) for a validity in minutes; empty for 0. The

@@ -10,8 +10,7 @@ static void Take(CTLVRecords& records, BSTR text) { records.FromText(WideOf(text
 namespace {
 
 // Takes a value into a record; false for a VARIANT that is neither number nor text.
-bool TakeValue(const VARIANT& value, CTLVRecord& record) {
-    const VARIANT found = ValueIn(&value);
+bool TakeValue(const VARIANT& found, CTLVRecord& record) {
     if (const auto number = IntegerIn(found)) {
         record.SetInteger(*number);
     } else if (found.vt == VT_BSTR) {
@@ -86,10 +85,12 @@ class SmsProtocolSmppAuto final : public ProviderAuto<SmsChannelAuto<ISmsProtoco
         return Method([&] {
             if (lType < 1 || lType > 6) return result::TlvInvalidType;
             if (lTag < 1 || lTag > 0xFFFF) return result::TlvInvalidTag;
+            const VARIANT value = ValueIn(&vtValue);
+            if (value.vt == VT_EMPTY || value.vt == VT_NULL) return result::Success;  // changes nothing
             CTLVRecord record;
             record.tag = static_cast<std::uint32_t>(lTag);
             record.type = static_cast<TLVType>(lType);
-            if (!TakeValue(vtValue, record)) return result::InvalidParameter;
+            if (!TakeValue(value, record)) return result::InvalidParameter;
             engine_.settings.transmitTlvs.AddOrReplace(std::move(record));
             return result::Success;
         });
@@ -128,6 +129,7 @@ class SmsProtocolSmppAuto final : public ProviderAuto<SmsChannelAuto<ISmsProtoco
         return result::Success;
     }
     void Giving(const CSmsMessageX& message) override { engine_.settings.receiveTlvs = message.TlvRecords; }
+    std::string CompletedTimeText(std::int32_t seconds) override { return UtcTimeText(seconds); }
     void WalkEnded() override { engine_.Received().RemoveRead(); }  // the caller has seen them all
 };
 

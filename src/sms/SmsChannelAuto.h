@@ -55,6 +55,10 @@ class SmsChannelAuto : public ProtocolAuto<Interface, Engine> {
     // A received message is about to be given to the caller.
     virtual void Giving(const CSmsMessageX& /*message*/) {}
     virtual void WalkEnded() {}
+    // How this channel writes the time at which a status became final.
+    virtual std::string CompletedTimeText(std::int32_t seconds) {
+        return TimeText(engine_.GetClock(), seconds);
+    }
 
     // Gives the report that `query` finds; one that was waited for in vain is given as it is.
     template <class Query>
@@ -62,7 +66,9 @@ class SmsChannelAuto : public ProtocolAuto<Interface, Engine> {
         return this->Output(pVal, [&](ComPointer<IDispatch>& status) {
             CSmsDeliveryReport report;
             const ResultCode code = query(report);
-            if (code == result::Success || code == result::SmppTimedOut) status = NewDeliveryStatus(report);
+            if (code == result::Success || code == result::SmppTimedOut) {
+                status = NewDeliveryStatus(report, CompletedTimeText(report.completedTime));
+            }
             return code;
         });
     }

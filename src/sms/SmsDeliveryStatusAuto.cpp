@@ -8,10 +8,10 @@ namespace {
 class SmsDeliveryStatusAuto final : public Automation<ISmsDeliveryStatus> {
   public:
     SmsDeliveryStatusAuto() = default;
-    explicit SmsDeliveryStatusAuto(const CSmsDeliveryReport& report)
+    SmsDeliveryStatusAuto(const CSmsDeliveryReport& report, std::string completedTime)
         : status_(report.status),
           statusCode_(report.statusCode),
-          completedTime_(TimeText(SystemClock(), report.completedTime)),
+          completedTime_(std::move(completedTime)),
           completedTimeSecs_(report.completedTime),
           isCompleted_(IsCompletedStatus(report.status) ? -1 : 0),
           providerReference_(report.providerReference) {}
@@ -37,6 +37,6 @@ class SmsDeliveryStatusAuto final : public Automation<ISmsDeliveryStatus> {
 
 IUnknown* CreateSmsDeliveryStatus() { return new SmsDeliveryStatusAuto; }
 
-ComPointer<IDispatch> NewDeliveryStatus(const CSmsDeliveryReport& report) {
-    return ComPointer<IDispatch>(new SmsDeliveryStatusAuto(report));
+ComPointer<IDispatch> NewDeliveryStatus(const CSmsDeliveryReport& report, std::string completedTime) {
+    return ComPointer<IDispatch>(new SmsDeliveryStatusAuto(report, std::move(completedTime)));
 }

@@ -3,4 +3,5 @@
 #include "frame/ValuesAuto.h"
 #include "sms/SmsDeliveryReports.h"
 
-ComPointer<IDispatch> NewDeliveryStatus(const CSmsDeliveryReport& report);
+// `completedTime`: the report's, as text.
+ComPointer<IDispatch> NewDeliveryStatus(const CSmsDeliveryReport& report, std::string completedTime);

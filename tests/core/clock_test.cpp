@@ -23,16 +23,20 @@ TEST(Timer, SurvivesTheWrapOfTheTickCounter) {
     EXPECT_FALSE(forever.Expired());
 }
 
-TEST(TimeText, IsATwelveHourClock) {
+TEST(TimeText, IsATwelveHourClockOrUtc) {
     VirtualClock clock;
     struct Row {
         std::int64_t seconds;
         const char* text;
+        const char* utc;
     };
-    for (const Row& row : {Row{0, "n/a"}, Row{-1, "n/a"}, Row{1794750310, "11/15/2026 01:45:10 PM"},
-                           Row{1794700800, "11/15/2026 12:00:00 AM"},
-                           Row{1794744000, "11/15/2026 12:00:00 PM"}, Row{1, "01/01/1970 12:00:01 AM"}}) {
+    for (const Row& row : {Row{0, "n/a", "n/a"}, Row{-1, "n/a", "n/a"},
+                           Row{1794750310, "11/15/2026 01:45:10 PM", "2026-11-15T13:45:10Z"},
+                           Row{1794700800, "11/15/2026 12:00:00 AM", "2026-11-15T00:00:00Z"},
+                           Row{1794744000, "11/15/2026 12:00:00 PM", "2026-11-15T12:00:00Z"},
+                           Row{1, "01/01/1970 12:00:01 AM", "1970-01-01T00:00:01Z"}}) {
         EXPECT_EQ(TimeText(clock, row.seconds), row.text);
+        EXPECT_EQ(UtcTimeText(row.seconds), row.utc);
     }
 }
 

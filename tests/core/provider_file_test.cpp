@@ -28,8 +28,7 @@ std::vector<ProviderRow> RowsOf(Settings& s) {
         {"Proxy", "Host", &s.proxy.host},
         {"Proxy", "Port", &s.proxy.port},
         {"Provider", "List",
-         ProviderRow::Access{[&s] { return s.list; }, [&s](const std::string& text) { s.list = text; }},
-         ProviderRow::Missing::kEmpties},
+         ProviderRow::Access{[&s] { return s.list; }, [&s](const std::string& text) { s.list = text; }}},
     };
 }
 
@@ -61,8 +60,8 @@ TEST(ProviderFile, LoadsWhatIsThereAndLeavesTheRest) {
              Row{"[Provider]\nHost= gw \nPORT=-5\nSecure=1\nList=x\n[Proxy]\nHost=px\nPort=3128x\n",
                  0,
                  {.host = "gw", .port = -5, .proxy = {"px", 3128}, .secure = true, .list = "x"}},
-             Row{"[Provider]\nHost=\nPort=\n", 0, {.host = "", .list = ""}},
-             Row{"[proxy]\nport=x\n", 0, {.proxy = {"", 0}, .list = ""}},
+             Row{"[Provider]\nHost=\nPort=\n", 0, {.host = ""}},
+             Row{"[proxy]\nport=x\n", 0, {.proxy = {"", 0}}},
              Row{"[Provider]\n[Other]\nHost=x\n", 33051, {}},
              Row{"Host=x\n", 33051, {}},
              Row{"", 33051, {}},

@@ -7,7 +7,9 @@
 #include "support/Octets.h"
 #include "support/VirtualClock.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <set>
 
 namespace {
 
@@ -239,9 +241,6 @@ TEST_F(Submit, AddressesTakeTheirDefaults) {
     message.Recipient = "12x";
     Build();
     EXPECT_EQ(code, 34031);
-    settings.systemMode = 2;
-    Build();
-    EXPECT_EQ(code, 33208);
 }
 
 TEST_F(Submit, LongMessagesAreSplit) {
@@ -280,18 +279,92 @@ TEST_F(Submit, LongMessagesAreSplit) {
     EXPECT_EQ(pdus[1]->short_message.substr(4, 2), std::string("\x02\x02"));
 }
 
-TEST_F(Submit, MessagesSplitInOneMomentAreToldApart) {
+TEST(SmppPartReferences, AreTheTicksOrTheNextThatTheLast200HaveNot) {
+    SmppPartReferences references;
+    for (const auto& [tick, reference] :
+         {std::pair{300U, 44}, {300U, 45}, {301U, 46}, {401U, 145}, {65'535U, 0}})
+        EXPECT_EQ(references.Next(tick), reference);
+    std::vector<std::uint8_t> given;
+    while (given.size() < 1000) given.push_back(references.Next(600));  // all in one moment
+    for (auto at = given.begin() + 200; at != given.end(); ++at) EXPECT_EQ(std::find(at - 200, at, *at), at);
+    for (const auto& [between, again] : {std::pair{199, 210}, {200, 10}}) {
+        SmppPartReferences fresh;
+        EXPECT_EQ(fresh.Next(10), 10);
+        for (int i = 0; i < between; ++i) EXPECT_EQ(fresh.Next(11), 11 + i);
+        EXPECT_EQ(fresh.Next(256 + 10), again);
+    }
+}
+
+TEST_F(Submit, ABurstOfSplitMessagesIsToldApart) {
     message.Data = std::u16string(161, u'x');
-    std::vector<std::uint8_t> references;
-    for (const std::uint32_t pause : {300, 0, 0, 1, 1, 100, 256}) {
-        clock.Sleep(pause);
+    std::set<char> references;
+    for (int i = 0; i < 200; ++i) {
         const auto pdus = Build();
         ASSERT_EQ(pdus.size(), 2U);
         EXPECT_EQ(pdus[0]->short_message[3], pdus[1]->short_message[3]);
-        references.push_back(static_cast<std::uint8_t>(pdus[0]->short_message[3]));
+        references.insert(pdus[0]->short_message[3]);
+        clock.Sleep(i % 64 == 0 ? 1 : 0);
     }
-    // Ticks 300, 300, 300, 301, 302, 402 and 658, of which the low octet is taken.
-    EXPECT_EQ(references, (std::vector<std::uint8_t>{44, 45, 46, 47, 48, 146, 147}));
+    EXPECT_EQ(references.size(), 200U);
+}
+
+TEST_F(Submit, NoPartEndsWithinACharacterWhileTheNumberOfPartsSuffices) {
+    settings.charSet = sms::asSMPPCHARSET_GSM;
+    struct Row {
+        std::int32_t format;
+        std::u16string text;
+        std::vector<std::size_t> sizes;  // of short_message, 6 octets of header included
+    };
+    const auto x = [](std::size_t count) { return std::u16string(count, u'x'); };
+    const std::u16string face = u"\U0001F600";
+    std::u16string euros;
+    for (int i = 0; i < 153; ++i) euros += u'\u20AC';
+    for (const Row& row : {
+             Row{0, x(152) + u"\u20AC" + x(20), {158, 28}},
+             Row{0, x(151) + u"\u20AC" + x(20), {159, 26}},    // it just fits
+             Row{0, x(152) + u"\u20AC" + x(152), {159, 159}},  // no room behind the first part
+             Row{0, x(152) + u"\u20AC" + x(151) + u"\u20AC", {158, 159, 8}},
+             Row{0, euros, {159, 159}},
+             Row{0, euros.substr(1), {158, 158}},
+             Row{22, x(66) + face + x(10), {138, 30}},
+             Row{22, x(65) + face + x(10), {140, 26}},
+             Row{22, x(66) + face + x(66), {140, 140}},
+             Row{22, x(66) + u"\xDE00" + x(10), {140, 26}},  // no pair
+             Row{10, std::u16string(266, u'1') + u"1B" + std::u16string(20, u'1'), {140, 16}},
+         }) {
+        message.Format = row.format;
+        message.Data = row.text;
+        std::vector<std::size_t> sizes;
+        std::string body;
+        for (const auto& pdu : Build()) {
+            sizes.push_back(pdu->short_message.size());
+            body += pdu->short_message.substr(6);
+        }
+        EXPECT_EQ(sizes, row.sizes) << row.format << " " << row.text.size();
+        EXPECT_EQ(body.size() % (row.format == 22 ? 2 : 1), 0U);
+    }
+}
+
+TEST_F(Submit, OptionalParametersThatBurstThePduAreRefused) {
+    std::vector<std::string> octets;
+    ASSERT_EQ(builder.Build(settings, message, octets), 0);
+    const std::size_t room = 65'535 - octets[0].size() - 4;
+    for (const auto& [size, code] :
+         {std::pair{room, 0}, {room + 1, 34033}, {std::size_t{70'000}, 34033}, {std::size_t{1}, 0}}) {
+        message.TlvRecords.AddOrReplace(
+            {.tag = 0x1400, .type = TLVType::kOctet, .text = std::u16string(size, u'x')});
+        EXPECT_EQ(builder.Build(settings, message, octets), code) << size;
+    }
+}
+
+TEST_F(Submit, AZeroInATextEndsItsField) {
+    message.Sender = std::string("12\0\0034", 5);
+    message.ServiceType = std::string("A\0B", 3);
+    const auto pdus = Build();
+    EXPECT_EQ(pdus[0]->service_type, "A");
+    EXPECT_EQ(pdus[0]->source_addr, "12");
+    EXPECT_EQ(pdus[0]->destination_addr, "31612345678");
+    EXPECT_EQ(pdus[0]->short_message, "a");
 }
 
 TEST_F(Submit, CodingComesFromFormatOrCharacterSet) {
@@ -304,6 +377,8 @@ TEST_F(Submit, CodingComesFromFormatOrCharacterSet) {
     for (const Row& row : {
              Row{0, 0, u"\u20AC", 0x00, "80"},
              Row{0, 1, u"@\u20AC", 0x00, "001B65"},
+             Row{1, 1, u"@\u00E9", 0x10, "40E9"},
+             Row{1, 5, u"a\u0416", 0x10, "613F"},
              Row{0, 3, u"\u00E9", 0x03, "E9"},
              Row{0, 5, u"\u0416", 0x06, "B6"},
              Row{0, 6, u"\u05D0", 0x07, "E0"},
@@ -322,6 +397,15 @@ TEST_F(Submit, CodingComesFromFormatOrCharacterSet) {
         EXPECT_EQ(pdus[0]->data_coding, row.coding) << row.format << " " << row.charSet;
         const std::string& sm = pdus[0]->short_message;
         EXPECT_EQ(HexOf(sm), row.octets);
+    }
+}
+
+TEST_F(Submit, ACodingThatTheMessageSetsGoesByItself) {
+    settings.charSet = sms::asSMPPCHARSET_GSM;
+    message.Data = u"@\u00E9\u0416";
+    for (const auto& [coding, octets] : {std::pair{0x00, "0005"}, {0x03, "40E93F"}, {0x06, "403FB6"}}) {
+        message.DCS = coding;
+        EXPECT_EQ(HexOf(Build()[0]->short_message), octets);
     }
 }
 
@@ -349,7 +433,7 @@ TEST(SmppCharSets, TextGoesOutAndComesBackInEverySet) {
          }) {
         EXPECT_EQ(smppcharset::CodingOf(row.charSet), row.coding);
         EXPECT_EQ(smppcharset::KindOf(row.coding), smppcharset::Coding::kText);
-        EXPECT_EQ(smppcharset::Encode(row.text, row.charSet), row.octets);
+        EXPECT_EQ(smppcharset::Encode(row.text, row.coding, row.charSet), row.octets);
         std::u16string octets;
         for (const char octet : row.octets) octets.push_back(static_cast<std::uint8_t>(octet));
         EXPECT_EQ(smppcharset::Decode(octets, row.coding, row.charSet), row.back);

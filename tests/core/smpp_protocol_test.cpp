@@ -24,7 +24,24 @@ TEST(SmppProtocol, RefusesWhatCannotBeConnected) {
     EXPECT_EQ(smpp.Send({}, references), 33205);
     CSmsDeliveryReport report;
     EXPECT_EQ(smpp.QueryStatus("", false, report), 34050);
-    EXPECT_EQ(smpp.QueryStatus("x", true, report), 33061);
+    EXPECT_EQ(smpp.QueryStatus("x", true, report), 34050);
+}
+
+TEST(SmppProtocol, AConnectThatFailsLeavesItsTrace) {
+    const TemporaryFolder folder;
+    VirtualClock clock;
+    CSmppProtocol smpp(clock);
+    smpp.SetLogFile(folder.File("log"));
+    smpp.SetActivityFile(folder.File("activity"));
+    smpp.settings.server = "no.such.host.invalid";
+    EXPECT_EQ(smpp.Connect(), 33201);
+    const std::string why(DescribeError(33201));
+    EXPECT_NE(TemporaryFolder::Read(folder.File("log"))
+                  .find("Failed to connect server no.such.host.invalid ( " + why + " )\n"),
+              std::string::npos);
+    const std::string activity = TemporaryFolder::Read(folder.File("activity"));
+    EXPECT_NE(activity.find("Server=[no.such.host.invalid:2775]"), std::string::npos);
+    EXPECT_TRUE(activity.ends_with("Result = [" + why + "]\n"));
 }
 
 constexpr const char* kProvider =
@@ -72,14 +89,14 @@ TEST(SmppProtocol, KeepsItsSettingsInAProviderFile) {
                   "], result: 0 : Success\n\n[22:13:20]  Saving SMPP settings to file [], result: 33052 : " +
                   std::string(DescribeError(33052)) + "\n\n");
 
-    // What a file does not name stays, save for the optional parameters.
+    // What a file does not name stays.
     TemporaryFolder::Write(folder.File("short.ini"), "[Provider]\nServerPort=\nSystemType=\n");
     EXPECT_EQ(smpp.LoadConfig(folder.File("short.ini")), 0);
     EXPECT_EQ(s.server, "host");
     EXPECT_EQ(s.serverPort, 1);
     EXPECT_EQ(s.systemType, "");
     EXPECT_EQ(smpp.AdvancedSettings(), "SmppWindowSize=25");
-    EXPECT_TRUE(s.transmitTlvs.empty());
+    EXPECT_EQ(s.transmitTlvs.size(), 2U);
 }
 
 }  // namespace

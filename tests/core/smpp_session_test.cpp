@@ -6,6 +6,7 @@
 #include "support/VirtualClock.h"
 
 #include <gtest/gtest.h>
+#include <stdexcept>
 
 namespace {
 
@@ -98,6 +99,13 @@ TEST_F(Session, BindResponsesHaveTheirCodes) {
         EXPECT_EQ(other.GetState(), CSmppSession::State::kClosed);
         EXPECT_EQ(other.BindResult(), code);
     }
+    for (const std::string& refusal : {Pdu(0x80000000, 3, 1), Pdu(0x80000000, 0, 0), Pdu(6, 0, 9)}) {
+        CSmppSession other(log, settings, reports, received, clock);
+        other.StartBind();
+        other.OnBytes(refusal);  // generic_nack, unbind
+        EXPECT_EQ(other.GetState(), CSmppSession::State::kClosed);
+        EXPECT_EQ(other.BindResult(), 33202);
+    }
     for (const auto& [mode, command] : {std::pair{1, '\x02'}, {2, '\x01'}, {0, '\x09'}, {7, '\x09'}}) {
         settings.systemMode = mode;
         CSmppSession other(log, settings, reports, received, clock);
@@ -123,11 +131,12 @@ TEST_F(Session, AnswersTheServerAlsoBeforeTheBindAndOctetByOctet) {
 }
 
 TEST_F(Session, LengthsOutOfRangeEndTheSession) {
-    for (const char* octets : {"\x00\x00\x00\x0F", "\x00\x01\x00\x01", "\xFF\xFF\xFF\xFF", "HTTP"}) {
+    for (const char* octets : {"HTTP/1.1", "\x00\x00\x00\x0F", "\x00\x01\x00\x01", "\xFF\xFF\xFF\xFF"}) {
         CSmppSession other(log, settings, reports, received, clock);
         other.StartBind();
         other.OnBytes({octets, 4});
         EXPECT_EQ(other.GetState(), CSmppSession::State::kClosed);
+        EXPECT_EQ(other.BindResult(), 33202);  // no SMPP server
     }
 }
 
@@ -148,11 +157,13 @@ TEST_F(Session, TheWindowBoundsWhatIsUnanswered) {
 }
 
 TEST_F(Session, SubmitStatusesBecomeResults) {
+    const TemporaryFolder folder;
+    log.SetActivityFile(folder.File("activity"));
     Bind();
     struct Row {
         std::uint32_t answer;
         bool report;
-        std::int32_t status, code;
+        std::int32_t status, logged;
     };
     std::uint32_t sequence = 2;
     for (const Row& row :
@@ -162,12 +173,18 @@ TEST_F(Session, SubmitStatusesBecomeResults) {
         session.OnTick();
         Response(sequence++, "id", row.answer);
         EXPECT_EQ(Status("r"), row.status) << row.answer;
-        EXPECT_EQ(reports.Query("r")->statusCode, row.code) << row.answer;
+        EXPECT_EQ(reports.Query("r")->statusCode, row.answer);  // the network's own
+        const std::string line =
+            row.logged != 0 ? "Sending failed (" + std::string(DescribeError(row.logged)) + ")\n" : "\n";
+        EXPECT_TRUE(TemporaryFolder::Read(folder.File("activity")).ends_with(line)) << row.answer;
     }
-    Queue("n");
-    session.OnTick();
-    session.OnBytes(Pdu(0x80000000, 3, sequence));
-    EXPECT_EQ(Status("n"), 8);
+    for (const auto& [answer, code] : {std::pair{3U, 3}, {0U, 0xFF}}) {
+        Queue("n");
+        session.OnTick();
+        session.OnBytes(Pdu(0x80000000, answer, sequence++));
+        EXPECT_EQ(Status("n"), 8);
+        EXPECT_EQ(reports.Query("n")->statusCode, code);
+    }
 }
 
 TEST_F(Session, UnansweredSubmitsExpireAfterTwentySeconds) {
@@ -458,6 +475,97 @@ TEST_F(Session, NothingVanishesWhenTheSessionDies) {
     session.OnClosed();
     EXPECT_EQ(Status("sent"), 12);
     EXPECT_EQ(Status("queued"), 12);
+}
+
+TEST_F(Session, WhatComesBehindAnUnbindInOneReadCounts) {
+    for (const bool byServer : {true, false}) {
+        CSmppSession other(log, settings, reports, received, clock);
+        other.StartBind();
+        other.OnBytes(Pdu(0x80000009, 0, 1, std::string("lab\0", 4)));
+        reports.RecordSent("a", ReportWanted::kSubmitRequested);
+        other.Queue({Pdu(4, 0, 0, "body"), "a", false});
+        other.OnTick();
+        if (!byServer) other.StartUnbind();
+        other.OnBytes(Pdu(byServer ? 6 : 0x80000006, 0, 3) + Pdu(0x80000004, 0, 2, std::string("A\0", 2)) +
+                      Deliver(4, "text"));
+        EXPECT_EQ(other.GetState(), CSmppSession::State::kClosed);
+        other.OnClosed();
+        EXPECT_EQ(Status("a"), 11);
+    }
+    EXPECT_EQ(received.Count(), 2U);
+}
+
+TEST_F(Session, APduWhoseHandlingThrowsIsLeftUnansweredAndNothingElse) {
+    class ThrowingClock : public VirtualClock {
+      public:
+        std::int64_t Now() override {
+            if (throws) throw std::runtime_error("broken");
+            return VirtualClock::Now();
+        }
+        bool throws = false;
+    } throwing;
+    CSmppSession other(log, settings, reports, received, throwing);
+    other.StartBind();
+    other.OnBytes(Pdu(0x80000009, 0, 1, std::string("lab\0", 4)));
+    other.Output().clear();
+    reports.RecordSent("a", ReportWanted::kSubmitRequested);
+    other.Queue({Pdu(4, 0, 0, "body"), "a", false});
+    other.OnTick();
+    other.Output().clear();
+    throwing.throws = true;
+    other.OnBytes(Deliver(5, "Hello") + Pdu(0x80000004, 0, 2, std::string("A\0", 2)) + Pdu(0x15, 0, 6));
+    EXPECT_EQ(other.GetState(), CSmppSession::State::kBound);
+    EXPECT_EQ(other.Output(), Pdu(0x80000015, 0, 6));
+    EXPECT_EQ(Status("a"), 11);
+    throwing.throws = false;
+    other.OnBytes(Deliver(7, "Hello"));  // the server sends it again
+    EXPECT_EQ(received.Count(), 1U);
+}
+
+TEST_F(Session, AServerThatOnlyAsksIsNotListenedToWithoutEnd) {
+    settings.windowSize = 1'000'000;
+    Bind();
+    const std::string submit = Pdu(4, 0, 0, std::string(1024 - 16, 'x'));
+    reports.RecordSent("r", ReportWanted::kSubmitRequested);
+    for (int i = 0; i < 2000; ++i) session.Queue({submit, "r", false});
+    session.OnTick();
+    EXPECT_EQ(session.InFlight(), 1024U);  // a mebibyte, at which submitting ends and reading does not
+    std::size_t links = 0;
+    for (; session.WantsBytes(); ++links) session.OnBytes(Pdu(0x15, 0, 7));
+    EXPECT_EQ(links, 65'536U);  // another one of answers
+    session.Output().erase(0, 16);
+    EXPECT_TRUE(session.WantsBytes());
+}
+
+TEST_F(Session, ABindThatOptionalParametersBurstIsNotSent) {
+    settings.transmitTlvs.AddOrReplace(
+        {.tag = 0x1400, .type = TLVType::kOctet, .text = std::u16string(65'536, u'x')});
+    session.StartBind();
+    EXPECT_EQ(session.GetState(), CSmppSession::State::kClosed);
+    EXPECT_EQ(session.BindResult(), 34033);
+    EXPECT_TRUE(session.Output().empty());
+}
+
+TEST_F(Session, AHiddenPasswordStandsNowhereInTheLog) {
+    const TemporaryFolder folder;
+    log.SetLogFile(folder.File("log"));
+    settings.systemId = "me";
+    settings.systemPassword = "pw";
+    const auto bind = [&] {
+        TemporaryFolder::Write(folder.File("log"), {});
+        CSmppSession other(log, settings, reports, received, clock);
+        other.StartBind();
+        EXPECT_EQ(other.Output(), Pdu(9, 0, 1, std::string("me\0pw\0\0\x34\0\0\0", 11)));
+        return TemporaryFolder::Read(folder.File("log"));
+    };
+    const std::string clear = bind();
+    EXPECT_NE(clear.find("Password               : pw\n"), std::string::npos);
+    EXPECT_NE(clear.find("6D 65 00 70 77 00 00 34 00 00 00"), std::string::npos);
+    log.HidePasswords({"pw"});
+    const std::string masked = bind();
+    EXPECT_NE(masked.find("Password               : ****\n"), std::string::npos);
+    EXPECT_NE(masked.find("6D 65 00 2A 2A 2A 2A 00 00 34 00 00 00"), std::string::npos);
+    EXPECT_EQ(masked.find("pw"), std::string::npos);
 }
 
 TEST_F(Session, ThroughputSpacesTheMessages) {

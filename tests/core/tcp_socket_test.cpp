@@ -1,6 +1,7 @@
 // The TCP client over the machine's loopback, in virtual time, which only its own pauses advance. What waits
 // for the machine waits as long as it takes.
 #include "foundation/net/KorTcpSocket.h"
+#include "support/ScriptedPeer.h"
 #include "support/TcpPeer.h"
 #include "support/VirtualClock.h"
 
@@ -39,9 +40,9 @@ TEST_F(TcpSocket, GivesLinesAndWhatLiesBehindThem) {
     EXPECT_EQ(socket.PeerAddress(), "127.0.0.1:" + std::to_string(peer.Port()));
     EXPECT_EQ(socket.ConnectionState(), CKorTcpSocket::State::kConnected);
     const std::string longLine(5000, 'x');
-    peer.Write("one\r\ntwo\r\n\r\r\n" + longLine + "\r\nrest");
+    peer.Write("one\r\ntwo\r\n\r\r\n\r\n" + longLine + "\r\nrest");
     for (const std::string& expected :
-         {std::string("one"), std::string("two"), std::string("\r"), longLine}) {
+         {std::string("one"), std::string("two"), std::string("\r\r\n"), longLine}) {
         EXPECT_EQ(socket.ReceiveLine(line, kNever, kNever), tcp::kSuccess);
         EXPECT_EQ(line, expected);
     }
@@ -90,6 +91,15 @@ TEST_F(TcpSocket, EndsWaitingAfterTheTotalOrTheIdleTime) {
     EXPECT_TRUE(socket.IsConnected());
 }
 
+TEST_F(TcpSocket, WhatIsSentTooLateTimesOut) {
+    ScriptedPeer slow(clock, {{"HELO", {}}, {"QUIT", {}}});
+    ASSERT_EQ(slow.Connect("peer", 1, kNever), tcp::kSuccess);
+    slow.writeTime = 100;
+    EXPECT_EQ(slow.Send("HELO\r\n", 101, kNever, sent), tcp::kSuccess);
+    EXPECT_EQ(slow.Send("QUIT\r\n", 100, kNever, sent), tcp::kTotalTimedOut);
+    EXPECT_EQ(sent, 6U);
+}
+
 TEST_F(TcpSocket, GivesUpAConnectionThatNobodyTakes) {
     // The peer accepts nobody: what its queue does not take is left without an answer.
     std::deque<CKorTcpSocket> waiting;
@@ -116,6 +126,13 @@ TEST_F(TcpSocket, ReportsTheEndOfTheConnectionAndCanConnectAgain) {
     peer.Reset();
     EXPECT_EQ(Receive(line), tcp::kAborted);
     EXPECT_FALSE(socket.IsConnected());
+    Connect();
+    peer.Write("x");
+    peer.Close();
+    EXPECT_TRUE(socket.WaitForData(kNever));
+    EXPECT_EQ(Receive(line), tcp::kSuccess);
+    EXPECT_FALSE(socket.WaitForData(kNever));  // nor is the end anything to read
+    socket.Disconnect();
     Connect();
     peer.Reset();
     EXPECT_FALSE(socket.WaitForData(kNever));  // an error is nothing to read

@@ -139,8 +139,8 @@ smpp.Disconnect(); Show(smpp.IsConnected);
 
     def test_statuses_and_misbehaviour(self):
         rows = [
-            ("throttled", [{"match": "submit_sm", "do": "status", "status": 0x58}], "Rejected 33217|0", 5),
-            ("nack", [{"match": "submit_sm", "do": "nack"}], "Rejected 33215|0", 5),
+            ("throttled", [{"match": "submit_sm", "do": "status", "status": 0x58}], "Rejected 88|0", 5),
+            ("nack", [{"match": "submit_sm", "do": "nack"}], "Rejected 3|0", 5),
             ("bytewise", [{"match": "submit_sm", "do": "bytewise"}], "Enroute 0|33206", 8),
             ("garbage", [{"match": "submit_sm", "do": "garbage", "hex": "0000000500"}], "Failed 33205|0", 5),
             ("disconnect", [{"match": "submit_sm", "do": "disconnect"}], "Failed 33205|0", 5),
@@ -161,7 +161,8 @@ smpp.Disconnect();
         for name, rules, body, wanted in [
             ("silent bind", [{"match": "bind", "do": "silence"}], "", "33206"),
             ("dropped bind", [{"match": "bind", "do": "disconnect"}], "", "33201"),
-            ("garbage bind", [{"match": "bind", "do": "garbage", "hex": "FFFFFFFFFFFF"}], "", "33206"),
+            ("garbage bind", [{"match": "bind", "do": "garbage", "hex": "FFFFFFFFFFFF"}], "", "33202"),
+            ("nacked bind", [{"match": "bind", "do": "nack"}], "", "33202"),
             ("refused", [{"match": "bind", "do": "status", "status": 13}], "", "33202"),
             ("version", [], "smpp.SystemVersion = 0x35;", "33209"),
             ("port", [], "smpp.ServerPort = 70000;", "22019"),
@@ -183,6 +184,8 @@ smpp.SetTLVValue(4, 0x001D, "text"); Show("");
 smpp.SetTLVValue(9, 1, 1); Show("");
 smpp.SetTLVValue(1, 0x10000, 1); Show("");
 smpp.SetTLVValue(1, 5, smpp); Show("");
+smpp.SetTLVValue(2, 0x020B, null); Show("");
+smpp.SetTLVValue(4, 6, undefined); Show("");
 smpp.GetTLVValue(77); Show("");
 Show(smpp.sysTLVRecordsTX);
 smpp.SystemType = "kept"; smpp.ProviderSaveConfig({file}); Show("");
@@ -192,9 +195,44 @@ smpp.ProviderLoadConfig("c:\\\\none.ini"); Show("");
 smpp.Send(smpp); Show("");
 smpp.Connect(); var r = smpp.Send(Message("x")); smpp.QueryStatus(r, true); smpp.Disconnect();
 """)
-            self.assertEqual(lines, ["|0", "|0", "|33230", "|33231", "|33005", "|33232", "523;;2;;2948||29;;4;;text|||33232", "|0",
+            self.assertEqual(lines, ["|0", "|0", "|33230", "|33231", "|33005", "|0", "|0", "|33232", "523;;2;;2948||29;;4;;text|||33232", "|0",
                                      "kept|0", "523;;2;;2948||29;;4;;text|||0", "|33050", "|34040"])
             self.assertEqual(server.entries("tlvs")[0]["tlvs"], {"020B": "0B84", "001D": "7465787400"})
+
+    def test_statuses_tell_their_time_in_utc(self):
+        with smsc() as server:
+            lines, _ = run_script(server, """
+smpp.Connect();
+var status = smpp.QueryStatus(smpp.Send(Message("x")), true);
+Show(status.StatusCompletedTime + "|" + status.StatusCompletedTimeSecs);
+smpp.QueryStatus("FFFFFFFF", false); Show("");
+smpp.Disconnect();
+""")
+            shown, seconds, code = lines[0].split("|")
+            self.assertEqual((shown, code), (time.strftime("%Y-%m-%dT%H:%M:%SZ", time.gmtime(int(seconds))), "0"))
+            self.assertEqual(lines[1], "|34050")
+        with smsc("--receipts", "none") as server:
+            lines, _ = run_script(server, """
+smpp.Connect(); Show(smpp.QueryStatus(smpp.Send(Message("x")), false).StatusCompletedTime); smpp.Disconnect();
+""")
+            self.assertEqual(lines, ["n/a|0"])
+
+    def test_passwords_are_hidden_for_the_whole_machine(self):
+        value = ("HKLM\\Software\\Quorvane\\Velqar", "/v", "AdvancedSettings", "/f")
+        with wine.folder() as path, smsc() as server:
+            log = json.dumps(wine.windows_path(path / "log.txt"))
+            wine.run("reg", "add", *value, "/d", "MaskPasswords=1")
+            try:
+                lines, _ = run_script(server, f"""
+smpp.LogFile = {log}; smpp.SystemPassword = "xyzzy"; smpp.Connect(); Show(""); smpp.Disconnect();
+""")
+            finally:
+                wine.run("reg", "delete", *value)
+            self.assertEqual(lines, ["|0"])
+            text = (path / "log.txt").read_text()
+            self.assertIn("Password               : ****\n", text)
+            self.assertNotIn("xyzzy", text)
+            self.assertNotIn("78 79 7A 7A 79", text)
 
     def test_many_connections_and_messages(self):
         with smsc("--quiet", "--receipts", "none") as server:

@@ -36,6 +36,8 @@ class CSmppPdu {
         return {buffer_.get(), std::min<std::size_t>(length_, kCapacity)};
     }
     std::size_t GetData(std::span<std::uint8_t> octets) const;
+    // False when encoding has made more octets than there is room for, so that the end is missing.
+    bool IsWhole() const { return length_ < kCapacity; }
 
     void SetDumpFlags(std::uint32_t flags) { dumpFlags_ = flags; }
 
@@ -85,8 +87,9 @@ class CSmppPdu {
 class CSmppPdu::Encoder {
   public:
     explicit Encoder(CSmppPdu& pdu) : pdu_(&pdu) {}
+    // A zero in the text ends it, as it does for who reads it.
     void CString(const char* /*label*/, const std::string& text) {
-        pdu_->Put(text);
+        pdu_->Put(std::string_view(text).substr(0, text.find('\0')));
         pdu_->Put(std::uint8_t{0});
     }
     void Byte(const char* /*label*/, std::uint8_t value) { pdu_->Put(value); }

@@ -15,12 +15,19 @@ int CKorTcpSocket::Connect(const std::string& host, std::uint16_t port, std::uin
     std::uint32_t address = 0;
     std::string text;
     if (const int error = net::Resolve(host, address, text); error != 0) return fail(error);
-    const int error = net::Connect(socket_, address, port);
-    if (error != 0 && error != net::kWouldBlock) return fail(error);
-    if (!Await(timeout, [this] { return net::HasConnectEnded(socket_); })) return fail(tcp::kConnectTimedOut);
+    if (const int error = Reach(address, port, timeout); error != tcp::kSuccess) return fail(error);
     peer_ = text + ":" + std::to_string(port);
     state_ = State::kConnected;
     return tcp::kSuccess;
+}
+
+int CKorTcpSocket::Reach(std::uint32_t address, std::uint16_t port, std::uint32_t timeout) {
+    net::Attempt attempt(socket_);
+    if (!attempt.IsReady()) return tcp::kConnectTimedOut;
+    const int error = attempt.Begin(address, port);
+    if (error != 0 && error != net::kWouldBlock) return error;
+    const bool ended = error == 0 || Await(timeout, [&attempt] { return attempt.HasEnded(); });
+    return ended ? tcp::kSuccess : tcp::kConnectTimedOut;
 }
 
 void CKorTcpSocket::Close() {

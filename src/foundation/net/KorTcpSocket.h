@@ -25,6 +25,7 @@ class CKorTcpSocket final : public Stream {
     net::Handle SocketHandle() const { return socket_; }
 
   private:
+    int Reach(std::uint32_t address, std::uint16_t port, std::uint32_t timeout);
     int Write(const char* data, std::size_t size) override { return net::Send(socket_, data, size); }
     int Read(char* data, std::size_t size) override { return net::Receive(socket_, data, size); }
     net::Readiness Look() override { return net::Look(socket_); }

@@ -21,10 +21,25 @@ void Close(Handle socket);
 // The first IPv4 address of a name, in network order, and as text; 0 or an error.
 int Resolve(const std::string& host, std::uint32_t& address, std::string& text);
 
-// Starts a non-blocking connect; 0, kWouldBlock or an error.
-int Connect(Handle socket, std::uint32_t address, std::uint16_t port);
-// True when the attempt has come to an end, whatever its outcome.
-bool HasConnectEnded(Handle socket);
+// A connect that is under way.
+class Attempt {
+  public:
+    explicit Attempt(Handle socket);
+    Attempt(const Attempt&) = delete;
+    Attempt& operator=(const Attempt&) = delete;
+    ~Attempt();
+
+    // False when the machine has no room for what the waiting needs.
+    bool IsReady() const { return event_ != 0; }
+    // Starts it without waiting; 0, kWouldBlock or an error.
+    int Begin(std::uint32_t address, std::uint16_t port);
+    // True when it has come to an end, whatever its outcome.
+    bool HasEnded() const;
+
+  private:
+    Handle socket_;
+    std::intptr_t event_;
+};
 
 // Octets moved, or the negated error.
 int Send(Handle socket, const char* data, std::size_t size);

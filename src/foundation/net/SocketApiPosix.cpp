@@ -71,17 +71,21 @@ int Resolve(const std::string& host, std::uint32_t& address, std::string& text) 
     return 0;
 }
 
-int Connect(Handle socket, std::uint32_t address, std::uint16_t port) {
+// What poll tells of a socket needs no event of its own.
+Attempt::Attempt(Handle socket) : socket_(socket), event_(1) {}
+Attempt::~Attempt() = default;
+
+int Attempt::Begin(std::uint32_t address, std::uint16_t port) {
     sockaddr_in target{};
     target.sin_family = AF_INET;
     target.sin_addr.s_addr = address;
     target.sin_port = htons(port);
     const int outcome =
-        ::connect(static_cast<int>(socket), reinterpret_cast<const sockaddr*>(&target), sizeof target);
+        ::connect(static_cast<int>(socket_), reinterpret_cast<const sockaddr*>(&target), sizeof target);
     return outcome == 0 ? 0 : ErrorNumber(errno);
 }
 
-bool HasConnectEnded(Handle socket) { return IsReady(socket, POLLOUT); }
+bool Attempt::HasEnded() const { return net::IsReady(socket_, POLLOUT); }
 
 int Send(Handle socket, const char* data, std::size_t size) {
     const ssize_t sent = ::send(static_cast<int>(socket), data, size, MSG_NOSIGNAL);

@@ -8,18 +8,6 @@ namespace net {
 namespace {
 SOCKET Of(Handle socket) { return static_cast<SOCKET>(socket); }
 
-fd_set SetOf(Handle socket) {
-    fd_set set;
-    FD_ZERO(&set);
-    FD_SET(Of(socket), &set);
-    return set;
-}
-
-bool IsReady(fd_set* readable, fd_set* writable, fd_set* failed) {
-    timeval none{};
-    return ::select(0, readable, writable, failed, &none) != 0;
-}
-
 WSAEVENT Event(std::intptr_t event) { return reinterpret_cast<WSAEVENT>(event); }
 }  // namespace
 
@@ -54,19 +42,31 @@ int Resolve(const std::string& host, std::uint32_t& address, std::string& text) 
     return 0;
 }
 
-int Connect(Handle socket, std::uint32_t address, std::uint16_t port) {
+// The event is bound to the socket before the attempt starts, so that its end cannot be missed.
+Attempt::Attempt(Handle socket)
+    : socket_(socket), event_(reinterpret_cast<std::intptr_t>(::WSACreateEvent())) {
+    if (!IsReady()) return;
+    ::WSAEventSelect(Of(socket_), Event(event_), FD_CONNECT);
+    ::WSAResetEvent(Event(event_));
+}
+Attempt::~Attempt() {
+    if (!IsReady()) return;
+    ::WSAEventSelect(Of(socket_), nullptr, 0);
+    ::WSACloseEvent(Event(event_));
+}
+
+int Attempt::Begin(std::uint32_t address, std::uint16_t port) {
     sockaddr_in target{};
     target.sin_family = AF_INET;
     target.sin_addr.s_addr = address;
     target.sin_port = htons(port);
-    const int outcome = ::connect(Of(socket), reinterpret_cast<const sockaddr*>(&target), sizeof target);
+    const int outcome = ::connect(Of(socket_), reinterpret_cast<const sockaddr*>(&target), sizeof target);
     return outcome == 0 ? 0 : ::WSAGetLastError();
 }
 
-bool HasConnectEnded(Handle socket) {
-    fd_set connected = SetOf(socket);
-    fd_set failed = SetOf(socket);
-    return IsReady(nullptr, &connected, &failed);
+bool Attempt::HasEnded() const {
+    const WSAEVENT event = Event(event_);
+    return ::WSAWaitForMultipleEvents(1, &event, FALSE, 0, FALSE) == WSA_WAIT_EVENT_0;
 }
 
 int Send(Handle socket, const char* data, std::size_t size) {
@@ -80,8 +80,11 @@ int Receive(Handle socket, char* data, std::size_t size) {
 }
 
 Readiness Look(Handle socket) {
-    fd_set readable = SetOf(socket);
-    if (!IsReady(&readable, nullptr, nullptr)) return Readiness::kNothing;
+    fd_set readable;
+    FD_ZERO(&readable);
+    FD_SET(Of(socket), &readable);
+    timeval none{};
+    if (::select(0, &readable, nullptr, nullptr, &none) == 0) return Readiness::kNothing;
     u_long count = 0;
     return ::ioctlsocket(Of(socket), FIONREAD, &count) == 0 && count > 0 ? Readiness::kData
                                                                          : Readiness::kEnded;

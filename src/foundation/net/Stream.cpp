@@ -11,6 +11,27 @@ int TimedOut(const Timer& total, const Timer& idle, int otherwise) {
     return idle.Expired() ? tcp::kIdleTimedOut : otherwise;
 }
 
+// A running match of the terminator over octets that come piece by piece.
+class TerminatorSearch {
+  public:
+    explicit TerminatorSearch(const std::string& terminator) : terminator_(&terminator) {}
+
+    // Goes on behind what was searched before.
+    bool FoundIn(const std::string& octets) {
+        while (matched_ < terminator_->size() && at_ < octets.size()) {
+            matched_ = octets[at_++] == (*terminator_)[matched_] ? matched_ + 1 : 0;
+        }
+        return matched_ != 0 && matched_ == terminator_->size();
+    }
+    // Behind the terminator that was found.
+    std::size_t End() const { return at_; }
+
+  private:
+    const std::string* terminator_;
+    std::size_t at_ = 0;
+    std::size_t matched_ = 0;
+};
+
 }  // namespace
 
 int Stream::Disconnect() {
@@ -19,30 +40,38 @@ int Stream::Disconnect() {
     return tcp::kSuccess;
 }
 
+int Stream::SendSome(std::string_view octets, std::size_t& sent) {
+    sent = 0;
+    if (!IsConnected()) return tcp::kNotConnected;
+    if (octets.empty()) return tcp::kSuccess;
+    const int moved = Write(octets.data(), octets.size());
+    if (moved > 0) sent = static_cast<std::size_t>(moved);
+    if (moved >= 0 || moved == -net::kWouldBlock) return tcp::kSuccess;
+    if (moved == -net::kAborted) return tcp::kAborted;
+    return moved == -net::kReset ? tcp::kClosedByPeer : moved;
+}
+
 int Stream::Send(std::string_view octets, std::uint32_t total, std::uint32_t idle, std::size_t& sent) {
     sent = 0;
     const Timer whole(*clock_, total);
     Timer quiet(*clock_, idle);
+    if (octets.empty() && IsConnected()) return tcp::kSuccess;
     int code = IsConnected() ? tcp::kSuccess : tcp::kNotConnected;
-    while (code == tcp::kSuccess && sent < octets.size()) {
-        const int moved = Write(octets.data() + sent, octets.size() - sent);
+    while (code == tcp::kSuccess && sent < octets.size() && !whole.Expired() && !quiet.Expired()) {
+        std::size_t moved = 0;
+        code = SendSome(octets.substr(sent), moved);
+        sent += moved;
         if (moved > 0) {
-            sent += static_cast<std::size_t>(moved);
             quiet = Timer(*clock_, idle);
-            continue;
-        }
-        if (moved == -net::kAborted || moved == -net::kReset) {
+        } else if (code == tcp::kAborted || code == tcp::kClosedByPeer) {
             Disconnect();
-            code = moved == -net::kAborted ? tcp::kAborted : tcp::kClosedByPeer;
-        } else if (moved != 0 && moved != -net::kWouldBlock) {
-            return moved;
-        } else if (whole.Expired() || quiet.Expired()) {
-            break;
+        } else if (code != tcp::kSuccess) {
+            return code;
         } else {
             clock_->Sleep(kPollPause);
         }
     }
-    return sent == octets.size() ? code : TimedOut(whole, quiet, code);
+    return TimedOut(whole, quiet, code);
 }
 
 int Stream::SendLine(std::string_view text, std::uint32_t total, std::uint32_t idle) {
@@ -92,23 +121,21 @@ int Stream::ReceiveLine(std::string& line, std::uint32_t total, std::uint32_t id
     line.clear();
     const Timer whole(*clock_, total);
     Timer quiet(*clock_, idle);
-    std::size_t searched = 0;
+    TerminatorSearch search(terminator_);
     int code = IsConnected() ? tcp::kSuccess : tcp::kNotConnected;
     while (code == tcp::kSuccess) {
-        const std::size_t from = searched - std::min(searched, terminator_.size());
-        const std::size_t end = terminator_.empty() ? std::string::npos : lines_.find(terminator_, from);
-        if (end != std::string::npos) {
-            line = lines_.substr(0, end);
-            lines_.erase(0, end + terminator_.size());
+        if (search.FoundIn(lines_)) {
+            line = lines_.substr(0, search.End() - terminator_.size());
+            lines_.erase(0, search.End());
             return tcp::kSuccess;
         }
-        searched = lines_.size();
-        if (searched >= longestLine_) return tcp::kBufferFull;
-        lines_.resize(searched + kGrowth);
+        const std::size_t held = lines_.size();
+        if (held >= longestLine_) return tcp::kBufferFull;
+        lines_.resize(held + kGrowth);
         std::size_t received = 0;
-        code = ReceiveRaw(&lines_[searched], kGrowth, received);
+        code = ReceiveRaw(&lines_[held], kGrowth, received);
         if (code != tcp::kSuccess && !IsConnected()) break;
-        lines_.resize(searched + received);
+        lines_.resize(held + received);
         if (received > 0) {
             quiet = Timer(*clock_, idle);
             continue;

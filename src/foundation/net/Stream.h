@@ -33,16 +33,20 @@ class Stream {
     // What was received and not yet read is dropped.
     int Disconnect();
 
-    // `idle`: the longest time in which no octet moves.
+    // `idle`: the longest time in which no octet moves. What is sent when the time is over is sent too late.
     int Send(std::string_view octets, std::uint32_t total, std::uint32_t idle, std::size_t& sent);
+    // What the connection takes at once; 0 also when that is nothing. A connection that is gone stays open
+    // here, so that what it has brought can still be received.
+    int SendSome(std::string_view octets, std::size_t& sent);
     int SendLine(std::string_view text, std::uint32_t total, std::uint32_t idle);
     // One read; what the line buffer still holds comes first.
     int Receive(char* buffer, std::size_t size, std::size_t& received);
     // As Receive, but waits for something to come: -2 when nothing has.
     int ReceiveWithin(char* buffer, std::size_t size, std::uint32_t timeout, std::size_t& received);
-    // The next line without its terminator; -8 when it is too long.
+    // The next line without its terminator; -8 when it is too long. An octet that breaks a match of the
+    // terminator begins no new one: "\r\r\n" ends no line.
     int ReceiveLine(std::string& line, std::uint32_t total, std::uint32_t idle);
-    // Whether something to read has come within the time; an end of the connection ends the wait.
+    // Whether something to read has come within the time. At the end of the connection: false, at once.
     bool WaitForData(std::uint32_t timeout);
 
     void SetTerminator(std::string terminator) { terminator_ = std::move(terminator); }

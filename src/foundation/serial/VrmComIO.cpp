@@ -2,6 +2,7 @@
 
 #include "foundation/ErrorTexts.h"
 #include "foundation/Product.h"
+#include "foundation/Secrets.h"
 #include "foundation/Text.h"
 
 #include <algorithm>
@@ -20,12 +21,6 @@ bool IsHexText(std::string_view line) {
 }
 
 }  // namespace
-
-std::string MaskPin(std::string_view command) {
-    std::string masked(command);
-    if (ContainsNoCase(masked, "AT+CPIN")) std::ranges::replace_if(masked, IsDigit, '*');
-    return masked;
-}
 
 CVrmComIO::CVrmComIO(SerialOpener& opener, Clock& clock) : CKorComIO("CVrmComIO", opener, clock) {}
 

@@ -14,9 +14,6 @@ struct AtExchange {
     std::string reply;  // the last line read, trimmed; of Collect all lines
 };
 
-// A command as it may be logged: the digits of a PIN command are masked.
-std::string MaskPin(std::string_view command);
-
 class CVrmComIO : public CKorComIO {
   public:
     static constexpr std::uint32_t kDefaultSpeed = 115200;

@@ -1,0 +1,87 @@
+#include "foundation/Secrets.h"
+
+#include "foundation/Base64.h"
+#include "foundation/Text.h"
+
+#include <algorithm>
+#include <charconv>
+#include <utility>
+
+namespace {
+
+constexpr std::size_t kShortestInText = 4;
+constexpr std::size_t kPercentSize = 3;  // "%2F"
+
+// The octet that a percent-encoded text begins with, or -1.
+int PercentOctet(std::string_view text) {
+    int octet = -1;
+    if (text.size() < kPercentSize || text.front() != '%') return octet;
+    const char* const end = text.data() + kPercentSize;
+    return std::from_chars(text.data() + 1, end, octet, 16).ptr == end ? octet : -1;
+}
+
+// How many characters of the text's start are the password, some of them percent-encoded; 0 when it is not
+// there.
+std::size_t EncodedLength(std::string_view text, std::string_view password) {
+    std::size_t at = 0;
+    for (const char c : password) {
+        const std::string_view rest = text.substr(at);
+        if (PercentOctet(rest) == static_cast<unsigned char>(c)) {
+            at += kPercentSize;
+        } else if (rest.starts_with(c) || (c == ' ' && rest.starts_with('+'))) {
+            ++at;
+        } else {
+            return 0;
+        }
+    }
+    return at;
+}
+
+}  // namespace
+
+std::string MaskPin(std::string_view command) {
+    std::string masked(command);
+    if (ContainsNoCase(masked, "AT+CPIN")) std::ranges::replace_if(masked, IsDigit, '*');
+    return masked;
+}
+
+void Secrets::Set(std::vector<std::string> passwords) {
+    passwords_ = std::move(passwords);
+    std::erase(passwords_, std::string());
+    encoded_.clear();
+    for (const std::string& password : passwords_) {
+        if (password.size() >= kShortestInText) encoded_.push_back(base64::Encode(password));
+    }
+}
+
+std::string Secrets::Shown(const std::string& password) const {
+    return std::ranges::find(passwords_, password) != passwords_.end() ? std::string(kMask) : password;
+}
+
+// Of several passwords the longest, so that no rest of one is left.
+std::size_t Secrets::LengthAt(std::string_view text) const {
+    std::size_t longest = 0;
+    for (const std::string& password : passwords_) {
+        if (password.size() < kShortestInText) continue;
+        const std::size_t plain = text.starts_with(password) ? password.size() : 0;
+        longest = std::max({longest, plain, EncodedLength(text, password)});
+    }
+    for (const std::string& form : encoded_) {
+        if (text.starts_with(form)) longest = std::max(longest, form.size());
+    }
+    return longest;
+}
+
+void Secrets::Mask(std::string& text, std::size_t from) const {
+    if (passwords_.empty()) return;
+    std::string masked = text.substr(0, from);
+    for (std::size_t at = masked.size(); at < text.size();) {
+        if (const std::size_t length = LengthAt(std::string_view(text).substr(at)); length != 0) {
+            masked += kMask;
+            at += length;
+        } else {
+            masked += text[at++];
+        }
+    }
+    text = std::move(masked);
+}

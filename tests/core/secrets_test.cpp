@@ -1,0 +1,66 @@
+// Passwords in log and activity files.
+#include "foundation/Secrets.h"
+
+#include "frame/VrmBase.h"
+#include "support/TemporaryFolder.h"
+#include "support/VirtualClock.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(Secrets, AreHiddenInEveryForm) {
+    Secrets secrets;
+    secrets.Set({"p@ss word", "", "abc", "pass", "passage", "50%25"});
+    struct Row {
+        const char* text;
+        const char* shown;
+    };
+    for (const Row& row : {
+             Row{"LOGI p@ss word", "LOGI ****"},
+             Row{"/send?p=p%40ss%20word&q=p%40ss+word&r=%70@ss%20wor%64", "/send?p=****&q=****&r=****"},
+             Row{"AUTH cEBzcyB3b3Jk", "AUTH ****"},
+             Row{"a passage, a pass and a passpass", "a ****, a **** and a ********"},
+             Row{"50%25 is 50%2525", "**** is ****"},
+             Row{"p@ss wor", "p@ss wor"},
+             Row{"p%4", "p%4"},
+             Row{"abc", "abc"},  // too short to be told from a word
+             Row{"", ""},
+         }) {
+        std::string text = row.text;
+        secrets.Mask(text);
+        EXPECT_EQ(text, row.shown);
+    }
+    for (const auto& [password, shown] :
+         {std::pair{"abc", "****"}, {"pass", "****"}, {"ab", "ab"}, {"", ""}}) {
+        EXPECT_EQ(secrets.Shown(password), shown);
+    }
+}
+
+TEST(Secrets, StayOutOfBothFilesWhenTheSettingSaysSo) {
+    const TemporaryFolder folder;
+    VirtualClock clock;
+    CVrmBase base("CTest", clock);
+    base.SetLogFile(folder.File("log"));
+    base.SetActivityFile(folder.File("activity"));
+    struct Row {
+        const char* settings;
+        bool shows;
+    };
+    for (const Row& row :
+         {Row{"", true}, Row{"MaskPasswords=0", true}, Row{"Debug=1;maskpasswords=1", false}}) {
+        base.SetAdvancedSettings(row.settings);
+        base.GuardPasswords({"22:13"});  // as in the time of the line
+        TemporaryFolder::Write(folder.File("log"), {});
+        base.Log(logmask::kLog | logmask::kActivity, "Password=[%s]", "22:13");
+        base.LogSized(logmask::kVerbatim, 4096, "LOGI %s", "22:13");
+        const std::string shown = row.shows ? "22:13" : "****";
+        EXPECT_EQ(TemporaryFolder::Read(folder.File("log")),
+                  "[22:13:20]  Password=[" + shown + "]\n[22:13:20]  LOGI " + shown + "\n");
+        EXPECT_TRUE(TemporaryFolder::Read(folder.File("activity"))
+                        .ends_with("[22:13:20]  Password=[" + shown + "]\n"));
+        EXPECT_EQ(base.Shown("22:13"), shown);
+    }
+}
+
+}  // namespace
