@@ -4,11 +4,15 @@
 #include "foundation/Text.h"
 
 #include <algorithm>
+#include <cstring>
 #include <vector>
 
 namespace {
 
 constexpr std::size_t kLongestId = 65;
+constexpr std::uint64_t kMix = 0x9E3779B97F4A7C15U;
+constexpr std::uint32_t kNoDigit = 16;
+constexpr std::uint64_t kWithoutCase = 0xDFDFDFDFDFDFDFDFU;  // alike for both cases of a letter
 
 bool IsHexDigit(char c) { return IsDigit(c) || (UpperChar(c) >= 'A' && UpperChar(c) <= 'F'); }
 
@@ -51,7 +55,7 @@ std::optional<std::string> DecimalOfHex(std::string_view hexadecimal) {
 }
 
 std::string_view BareId(std::string_view id) {
-    id = Trim(id);
+    if (!id.empty() && (id.front() <= ' ' || id.back() <= ' ')) id = Trim(id);
     return id.size() > 2 && id[0] == '0' && UpperChar(id[1]) == 'X' ? id.substr(2) : id;
 }
 
@@ -63,16 +67,15 @@ std::size_t SignificantLength(std::string_view id) { return WithoutZeros(id).siz
 
 std::uint32_t LooseHash(std::string_view id) {
     id = WithoutZeros(id);
+    const std::uint32_t last = !id.empty() && IsHexDigit(id.back()) ? hex::Value(id.back()) : kNoDigit;
+    if (last != kNoDigit) id.remove_suffix(1);
     std::uint64_t hash = id.size();
-    const auto mix = [&hash](char c) {
-        hash = (hash ^ static_cast<std::uint8_t>(UpperChar(c))) * 0x9E3779B97F4A7C15U;
+    for (; !id.empty(); id.remove_prefix(std::min(id.size(), sizeof hash))) {
+        std::uint64_t octets = 0;
+        std::memcpy(&octets, id.data(), std::min(id.size(), sizeof octets));
+        hash = (hash ^ (octets & kWithoutCase)) * kMix;
         hash ^= hash >> 32;
-    };
-    std::uint32_t last = 0;
-    if (!id.empty() && IsHexDigit(id.back())) {
-        last = hex::Value(id.back());
-        id.remove_suffix(1);
     }
-    for (const char c : id) mix(c);
-    return static_cast<std::uint32_t>(hash) << 4 | last;
+    hash *= kMix;  // the highest bits depend on all octets
+    return static_cast<std::uint32_t>(hash >> 32 & ~15U) | (last & 15U);
 }
