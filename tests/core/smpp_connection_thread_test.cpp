@@ -1,4 +1,4 @@
-// The channel's worker over a real connection whose other end the test plays.
+// The channel with its worker over a real connection whose other end the test plays. For ThreadSanitizer too.
 #include "smpp/SmppProtocol.h"
 #include "support/TcpPeer.h"
 #include "support/TemporaryFolder.h"
