@@ -184,12 +184,12 @@ void DumpOctets(std::string& text, std::span<const std::uint8_t> octets) {
 void CSmppPdu::DumpHead(std::string& text) const {
     if ((dumpFlags_ & kDumpHeader) == 0) return;
     Append(text, "PDU Length             : 0x%08X\n", command_length);
-    Append(text, "PDU Type               : %s\n", CommandName(command_id).data());
+    Append(text, "PDU Type               : %s\n", std::string(CommandName(command_id)).c_str());
     const std::string_view status = StatusName(command_status);
     if (status.empty()) {
         Append(text, "PDU Result Code        : 0x%08X\n", command_status);
     } else {
-        Append(text, "PDU Result Code        : %s\n", status.data());
+        Append(text, "PDU Result Code        : %s\n", std::string(status).c_str());
     }
     Append(text, "PDU Sequence Number    : 0x%08X\n", sequence_number);
 }
@@ -198,7 +198,7 @@ void CSmppPdu::DumpTail(std::string& text) const {
     if ((dumpFlags_ & kDumpBody) != 0) {
         for (const CTLVRecord& record : tlvs) {
             Append(text, "Optional Parameter     : 0x%04X (%-30.30s), ", record.tag,
-                   NameOfTag(record.tag).data());
+                   std::string(NameOfTag(record.tag)).c_str());
             switch (record.type) {
                 case TLVType::kByte:
                     Append(text, "1-Byte  Value: 0x%04X\n", record.byteValue);
