@@ -369,10 +369,11 @@ std::optional<std::uint32_t> CSmsDeliveryReports::GuessedPlaceOf(std::string_vie
         if (other) FindLoosely(*other, found);
     }
     const auto place = found.Only();
-    const bool isLong =
-        place &&
-        std::min(SignificantLength(id), SignificantLength(TextOf(Key::kProvider, *place))) >= kShortestGuess;
-    return isLong ? place : std::nullopt;
+    if (!place) return std::nullopt;
+    const std::string_view named = TextOf(Key::kProvider, *place);
+    const bool isWritten = std::min(BareId(id).size(), BareId(named).size()) >= kShortestGuess;
+    const bool isLarge = std::max(SignificantLength(id), SignificantLength(named)) >= kShortestGuess;
+    return isWritten && isLarge ? place : std::nullopt;
 }
 
 std::array<std::uint32_t, 2> CSmsDeliveryReports::AnswerHashes(const SmsReceipt& receipt) const {

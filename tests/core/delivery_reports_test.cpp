@@ -76,6 +76,8 @@ TEST(DeliveryReports, MatchReceiptsAsFarAsIsAllowed) {
              Row{"abc-XYZ", kHex, "ABC-xyz", Match::kLoose},
              Row{"10", kHex, "16", Match::kGuessed, false},  // too short to guess
              Row{"186A0", kHex, "100000", Match::kGuessed, false},
+             Row{"00000010", kHex, "0000016", Match::kGuessed, false},
+             Row{"000186a0", kHex, "100000", Match::kGuessed},
              Row{"0012D687", kHex, "1234567", Match::kGuessed},
              Row{"1234567", kHex, "12d687", Match::kGuessed},
              Row{longHex.c_str(), kHex, longDecimal, Match::kGuessed},

@@ -91,6 +91,7 @@ class NetSmpp(unittest.TestCase):
         try:
             lines = wine.lines_of(HEAD + """
 smpp.SystemPassword = "secret";
+smpp.DeliveryReportFormat = 1;
 smpp.Connect(); Show(smpp.IsConnected);
 var message = Message("Hello");
 var status = smpp.QueryStatus(smpp.Send(message), true);
@@ -123,10 +124,11 @@ smpp.Disconnect(); Show(smpp.IsConnected);
 
 class Session(unittest.TestCase):
     def test_every_kind_of_receipt_is_matched(self):
-        for options in ([], ["--ids", "dec"], ["--receipt-ids", "dec"], ["--receipt-ids", "hex"], ["--receipts", "tlv"],
-                        ["--seconds"], ["--early"]):
+        decimal = ["--receipt-ids", "dec"]
+        for format, options in ((0, []), (0, ["--ids", "dec"]), (1, decimal), (0, [*decimal, "--first-id", "1000000"]),
+                                (0, ["--receipt-ids", "hex"]), (0, ["--receipts", "tlv"]), (0, ["--seconds"]), (0, ["--early"])):
             with self.subTest(options), smsc(*options) as server:
-                lines, _ = run_script(server, """
+                lines, _ = run_script(server, f"smpp.DeliveryReportFormat = {format};" + """
 smpp.Connect(); Show(smpp.IsConnected);
 var reference = smpp.Send(Message(new Array(40).join("A long text. ")));
 var status = smpp.QueryStatus(reference, true);
