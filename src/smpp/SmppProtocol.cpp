@@ -164,13 +164,14 @@ ResultCode CSmppProtocol::QueryStatus(std::string_view references, bool wait, CS
     ResultCode code = result::Success;
     std::uint32_t pause = 1;  // answers mostly come at once, receipts take their time
     for (;;) {
+        const bool isSettled = isSettled_;  // looked at first: what is read afterwards is then final
         const auto whole = reports_.QueryWhole(references, kReferenceSeparator);
         if (!whole) {
             code = result::InvalidReference;
             break;
         }
         report = *whole;
-        if (!wait || IsCompletedStatus(report.status) || !IsConnected()) break;
+        if (!wait || IsCompletedStatus(report.status) || isSettled) break;
         if (timer.Expired()) {
             code = result::SmppTimedOut;
             break;
@@ -319,6 +320,7 @@ void CSmppProtocol::ReportBind(const CSmppSession& session, bool isOpen) {
 }
 
 void CSmppProtocol::Work() {
+    isSettled_ = false;
     {
         const std::scoped_lock guard(lock_);
         started_ = true;
@@ -335,6 +337,7 @@ void CSmppProtocol::Work() {
     socket_.Disconnect();  // so that the server does not keep the bind until the caller's next call
     TakeIntake(session);
     session.OnClosed();
+    isSettled_ = true;
     if (session.CloseCode() != result::Success && onFailure_) onFailure_(session.CloseCode());
 }
 

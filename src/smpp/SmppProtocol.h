@@ -89,6 +89,7 @@ class CSmppProtocol : public CVrmBase {
     std::thread worker_;
     net::Waiter waiter_;
     std::atomic<bool> bound_ = false;
+    std::atomic<bool> isSettled_ = true;  // no worker is left that could still give a message its result
     std::atomic<bool> stop_ = false;
     std::atomic<bool> sleeping_ = false;
 
