@@ -1,6 +1,7 @@
 #include "sms/SmsDeliveryReports.h"
 
 #include "foundation/Addresses.h"
+#include "foundation/Assertion.h"
 #include "foundation/ErrorTexts.h"
 #include "foundation/Hex.h"
 #include "foundation/Text.h"
@@ -12,6 +13,7 @@
 
 namespace {
 
+constexpr const char* kSource = "SmsDeliveryReport";
 constexpr std::string_view kRecordEnd = "||";
 constexpr std::string_view kFieldEnd = ";;";
 constexpr std::uint32_t kSaveSlice = 1024;  // reports copied at a time, so that nobody waits for the lock
@@ -270,6 +272,7 @@ void CSmsDeliveryReports::PutSent(Record& record, ReportWanted wanted) const {
 
 void CSmsDeliveryReports::RecordSent(std::string_view reference, ReportWanted wanted,
                                      std::string_view recipient) {
+    Assert(!reference.empty(), kSource, __LINE__);
     const auto now = static_cast<std::int32_t>(clock_->Now());
     const std::scoped_lock guard(lock_);
     Record& record = records_[Insert(reference, now)];
@@ -287,6 +290,7 @@ bool CSmsDeliveryReports::RecordNew(std::string_view reference, ReportWanted wan
 
 void CSmsDeliveryReports::RecordProviderReference(std::string_view reference,
                                                   std::string_view providerReference) {
+    Assert(!reference.empty(), kSource, __LINE__);
     const std::scoped_lock guard(lock_);
     if (const auto place = PlaceOf(Key::kReference, reference))
         TakeProviderReference(*place, providerReference);

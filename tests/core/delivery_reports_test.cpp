@@ -186,6 +186,21 @@ TEST(DeliveryReports, LoadingTakesTheLengthOfTheNewestIdAndTheNewerOfTwoMessages
     EXPECT_EQ(ReceiverOf(reports, "124", Match::kExact), "b");  // what a server answers now counts more
 }
 
+TEST(DeliveryReports, AnEmptyReferenceIsAsserted) {
+    CSmsDeliveryReports reports;
+    testing::internal::CaptureStderr();
+    reports.RecordSent("a", ReportWanted::kYes);
+    reports.RecordProviderReference("a", "A");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    testing::internal::CaptureStderr();
+    reports.RecordSent("", ReportWanted::kYes);
+    reports.RecordProviderReference("", "A");
+    const std::string shown = testing::internal::GetCapturedStderr();
+    const std::string_view wanted = "QUORVANE ASSERTION FAILURE, FILE: [SmsDeliveryReport]; LINE: ";
+    EXPECT_NE(shown.find(wanted), std::string::npos);
+    EXPECT_NE(shown.find(wanted), shown.rfind(wanted));
+}
+
 TEST(DeliveryReports, ATakenReferenceIsNotGivenAgain) {
     CSmsDeliveryReports reports;
     reports.LoadText("A;;P;;2");
