@@ -16,7 +16,7 @@ namespace {
 constexpr const char* kSource = "SmsDeliveryReport";
 constexpr std::string_view kRecordEnd = "||";
 constexpr std::string_view kFieldEnd = ";;";
-constexpr std::uint32_t kSaveSlice = 1024;  // reports copied at a time, so that nobody waits for the lock
+constexpr std::uint32_t kSaveSlice = 1024;  // places copied at a time, so that nobody waits for the lock
 constexpr std::size_t kWritePiece = std::size_t{1} << 18;
 constexpr std::int32_t kClockTolerance = 86'400;  // s
 constexpr std::size_t kTailDigits = 6;
@@ -482,22 +482,27 @@ void CSmsDeliveryReports::SetReceiptFormat(std::int32_t format) {
 
 // --- report files
 
-// Copies of some reports from the place on, which moves behind them; empty at the end.
-std::vector<CSmsDeliveryReport> CSmsDeliveryReports::Slice(std::uint32_t& place) const {
-    std::vector<CSmsDeliveryReport> slice;
-    slice.reserve(kSaveSlice);
+// Copies the reports in some places from `place` on, which moves behind them. False at the end.
+bool CSmsDeliveryReports::CopySlice(std::uint32_t& place, std::vector<CSmsDeliveryReport>& slice) const {
+    slice.clear();
     const std::scoped_lock guard(lock_);
-    for (; place < records_.size() && slice.size() < kSaveSlice; ++place) {
+    const std::size_t end = std::min<std::size_t>(records_.size(), place + kSaveSlice);
+    for (; place < end; ++place) {
         if (records_[place].isHeld) slice.push_back(ReportAt(place));
     }
-    return slice;
+    return place < records_.size();
 }
 
 // A report that changes meanwhile is written as it was or as it is.
 bool CSmsDeliveryReports::Write(const TextSink& sink) const {
     Lines lines;
+    std::vector<CSmsDeliveryReport> slice;
+    slice.reserve(kSaveSlice);
     std::uint32_t place = 0;
-    for (auto slice = Slice(place); !slice.empty(); slice = Slice(place)) lines.Add(slice);
+    for (bool isMore = true; isMore;) {
+        isMore = CopySlice(place, slice);
+        lines.Add(slice);
+    }
     lines.Sort();
     return lines.WriteTo(sink);
 }

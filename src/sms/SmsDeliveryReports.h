@@ -163,7 +163,7 @@ class CSmsDeliveryReports {
     std::optional<std::uint32_t> PlaceOfReceipt(const SmsReceipt& receipt, ReceiptMatch match) const;
     std::optional<std::uint32_t> GuessedPlaceOf(std::string_view id) const;
 
-    std::vector<CSmsDeliveryReport> Slice(std::uint32_t& place) const;
+    bool CopySlice(std::uint32_t& place, std::vector<CSmsDeliveryReport>& slice) const;
     bool Write(const TextSink& sink) const;
     void Add(std::string_view piece, bool swapped);
     // Adds the whole records at the start of the text and gives the place behind them; npos when the list
