@@ -16,6 +16,7 @@ namespace {
 constexpr const char* kSource = "SmsDeliveryReport";
 constexpr std::string_view kRecordEnd = "||";
 constexpr std::string_view kFieldEnd = ";;";
+constexpr std::size_t kAnswersAtOnce = 8;
 constexpr std::uint32_t kSaveSlice = 1024;  // places copied at a time, so that nobody waits for the lock
 constexpr std::size_t kWritePiece = std::size_t{1} << 18;
 constexpr std::int32_t kClockTolerance = 86'400;  // s
@@ -296,13 +297,18 @@ void CSmsDeliveryReports::RecordProviderReference(std::string_view reference,
         TakeProviderReference(*place, providerReference);
 }
 
+// A few at a time, so that a sender never waits for long.
 void CSmsDeliveryReports::RecordAnswers(std::span<const SubmitAnswer> answers) {
-    const std::scoped_lock guard(lock_);
-    for (const SubmitAnswer& answer : answers) {
-        const auto place = PlaceOf(Key::kReference, answer.reference);
-        if (!place) continue;
-        PutStatus(records_[*place], answer.status, 0);
-        TakeProviderReference(*place, answer.providerReference);
+    while (!answers.empty()) {
+        const auto few = answers.first(std::min(answers.size(), kAnswersAtOnce));
+        answers = answers.subspan(few.size());
+        const std::scoped_lock guard(lock_);
+        for (const SubmitAnswer& answer : few) {
+            const auto place = PlaceOf(Key::kReference, answer.reference);
+            if (!place) continue;
+            PutStatus(records_[*place], answer.status, 0);
+            TakeProviderReference(*place, answer.providerReference);
+        }
     }
 }
 

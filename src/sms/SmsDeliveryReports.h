@@ -1,5 +1,6 @@
 // The delivery reports of sent messages, found by the reference that `Send` returned or by the provider's id.
 #pragma once
+#include "foundation/BriefMutex.h"
 #include "foundation/Clock.h"
 #include "foundation/HashIndex.h"
 #include "foundation/ResultCode.h"
@@ -11,7 +12,6 @@
 #include <array>
 #include <cstdint>
 #include <deque>
-#include <mutex>
 #include <optional>
 #include <span>
 #include <string>
@@ -171,7 +171,7 @@ class CSmsDeliveryReports {
     std::size_t AddWhole(std::string_view text, bool swapped, bool isLast);
 
     Clock* clock_;
-    mutable std::mutex lock_;
+    mutable BriefMutex lock_;
     std::deque<Record> records_;  // in places that stay
     std::vector<std::uint32_t> freePlaces_;
     std::array<std::unordered_map<std::uint32_t, std::string>, 2> longTexts_;  // by Key, then by place
