@@ -67,6 +67,7 @@ ResultCode CSmppProtocol::StartWorker() {
     settings.dumpFlags = static_cast<std::uint32_t>(AdvancedSetting("Debug", kDumpAll));
     active_ = settings;
     reports_.SetReceiptFormat(settings.reportFormat);
+    waiter_.Forget();
     stop_ = false;
     started_ = bindAnswered_ = false;
     try {
@@ -258,15 +259,16 @@ void CSmppProtocol::ReadToEnd(CSmppSession& session) {
 // The caller wakes the worker when there is something to send and room in the window. While it sends one
 // message after another it does so when they fill the window, and a pause sends what there is; answers that
 // come while many are gathered are read with the next.
-void CSmppProtocol::WaitForWork(const CSmppSession& session, std::size_t taken) {
+void CSmppProtocol::WaitForWork(const CSmppSession& session, std::size_t taken, bool mayRead) {
     const std::size_t room = session.Queued() == 0 ? session.Room() : 0;
     const bool isGathering = room != 0 && taken != 0;
+    const bool isBlind = isGathering && taken >= kManyTaken;
+    if (mayRead && !isBlind) return;
     {
         const std::scoped_lock guard(intakeLock_);
         wakeAt_ = room == 0 ? kNever : isGathering ? room : 1;
         if (stop_ || intake_.Size() >= wakeAt_) return;
     }
-    const bool isBlind = isGathering && taken >= kManyTaken;
     waiter_.Wait(isBlind ? net::kInvalid : socket_.SocketHandle(),
                  isGathering ? kGatherTime : session.NextTick());
 }
@@ -283,8 +285,8 @@ bool CSmppProtocol::Pump(CSmppSession& session) {
     if (!session.Output().empty()) {
         if (received == 0)
             waiter_.Wait(session.WantsBytes() ? socket_.SocketHandle() : net::kInvalid, kBlockedTime);
-    } else if (received == 0 || taken != 0) {
-        WaitForWork(session, taken);
+    } else {
+        WaitForWork(session, taken, received > 0);
     }
     return true;
 }

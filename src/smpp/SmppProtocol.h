@@ -80,7 +80,7 @@ class CSmppProtocol : public CVrmBase {
     bool Read(CSmppSession& session, std::size_t& received);
     void ReadToEnd(CSmppSession& session);
     std::size_t TakeIntake(CSmppSession& session);
-    void WaitForWork(const CSmppSession& session, std::size_t taken);
+    void WaitForWork(const CSmppSession& session, std::size_t taken, bool mayRead);
     void SignalBind(ResultCode code);
 
     CKorTcpSocket socket_;

@@ -148,11 +148,12 @@ class CSmsDeliveryReports {
     std::string_view TextOf(Key key, std::uint32_t place) const;
     void PutText(Key key, std::uint32_t place, std::string_view text);
     std::optional<std::uint32_t> PlaceOf(Key key, std::string_view text) const;
+    std::optional<std::uint32_t> PlaceOf(Key key, std::string_view text, std::uint32_t hash) const;
     void FindLoosely(std::string_view providerReference, Candidates& found) const;
     CSmsDeliveryReport ReportAt(std::uint32_t place) const;
 
     std::uint32_t Insert(std::string_view reference, std::int32_t createdTime);
-    std::uint32_t InsertNew(std::string_view reference, std::int32_t createdTime);
+    std::uint32_t InsertNew(std::string_view reference, std::uint32_t hash, std::int32_t createdTime);
     void Erase(std::uint32_t place);
     void NameProvider(std::uint32_t place, std::string_view providerReference);
     void TakeProviderReference(std::uint32_t place, std::string_view providerReference);
