@@ -223,6 +223,6 @@ bool SmppSubmitBuilder::EncodePart(std::string_view callerHeader, std::string_vi
     text.append(callerHeader).append(data);
     pdu_.Encode();
     const auto encoded = pdu_.Data();
-    octets.assign(encoded.begin(), encoded.end());
+    octets.assign(reinterpret_cast<const char*>(encoded.data()), encoded.size());
     return pdu_.IsWhole();
 }
