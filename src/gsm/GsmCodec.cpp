@@ -166,10 +166,12 @@ std::size_t CGsmCodec::PutUserData(const Plan& plan, std::size_t part, std::size
     };
     if (plan.format.alphabet == Alphabet::kUcs2) {
         const auto units = cut(std::span(plan.ucs2));
-        for (const char16_t unit : units) {
-            Put(static_cast<std::uint8_t>(unit >> 8));
-            Put(static_cast<std::uint8_t>(unit));
+        std::uint8_t* __restrict out = &pdu_[count_];
+        for (std::size_t i = 0; i < units.size(); ++i) {
+            out[2 * i] = static_cast<std::uint8_t>(units[i] >> 8);
+            out[2 * i + 1] = static_cast<std::uint8_t>(units[i]);
         }
+        count_ += units.size() * 2;
         return headerOctets + units.size() * 2;
     }
     const auto units = cut(plan.units);
@@ -214,10 +216,6 @@ void CGsmCodec::EncodePart(const GsmSubmit& submit, const Plan& plan, std::size_
     pdu_[lengthAt] = static_cast<std::uint8_t>(PutUserData(plan, part, headerOctets));
     const std::size_t start = text_.size();
     text_.resize(start + 2 * count_ + 1);
-    char* out = text_.data() + start;
-    for (std::size_t i = 0; i < count_; ++i) {
-        *out++ = hex::kPairs[pdu_[i]][0];
-        *out++ = hex::kPairs[pdu_[i]][1];
-    }
-    *out = ';';
+    hex::Write({reinterpret_cast<const char*>(pdu_.data()), count_}, text_.data() + start);
+    text_.back() = ';';
 }
