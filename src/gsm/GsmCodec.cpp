@@ -6,6 +6,7 @@
 #include "foundation/Addresses.h"
 #include "foundation/ErrorTexts.h"
 #include "foundation/Hex.h"
+#include "foundation/UniqueNumber.h"
 #include "sms/MessageFormats.h"
 #include "sms/SmsConstants.h"
 
@@ -33,6 +34,13 @@ constexpr auto kConcatenationOctets = static_cast<std::int32_t>(udh::kConcatenat
 constexpr auto kPortOctets = static_cast<std::int32_t>(udh::kPortsSize);
 
 }  // namespace
+
+// The objects of a process get numbers that follow each other; this far apart, their messages stay apart
+// long.
+std::uint32_t CGsmCodec::FirstReference() {
+    constexpr std::uint32_t kApart = 159;
+    return UniqueNumber() * kApart;
+}
 
 struct CGsmCodec::Plan {
     MessageFormat format{};
@@ -69,6 +77,7 @@ ResultCode CGsmCodec::Encode(const GsmSubmit& submit) {
     }
     Plan plan;
     plan.format = FormatOf(submit.format);
+    if (!CanHold(plan.format, submit.body)) return result::InvalidFormat;
     ReadBody(submit, plan);
     if (const ResultCode code = DivideIntoParts(plan); code != result::Success) return code;
     text_.reserve(static_cast<std::size_t>(plan.parts) * 2 * (kOctetsPerMessage + 40));
