@@ -82,6 +82,7 @@ ResultCode CGsmModem::ChooseMode() {
 ResultCode CGsmModem::Send(const CSmsMessageX& message, std::string& references) {
     references.clear();
     if (const ResultCode code = address::CheckNumber(message.Recipient); code != result::Success) return code;
+    if (!CanHold(FormatOf(message.Format), message.Data)) return result::InvalidFormat;
     const CGsmDevice::Session session(device_, settings);
     if (session.Code() != result::Success) return session.Code();
     if (const ResultCode code = Initialise(); code != result::Success) return code;

@@ -124,6 +124,7 @@ struct SmppSubmitBuilder::Layout {
 ResultCode SmppSubmitBuilder::Build(const SmppSettings& settings, const CSmsMessageX& message,
                                     std::vector<std::string>& pdus) {
     if (!address::IsNumber(message.Recipient)) return result::InvalidRecipient;
+    if (!CanHold(FormatOf(message.Format), message.Data)) return result::InvalidFormat;
     const Body body = ReadBody(message, settings.charSet);
     Layout layout;
     layout.port = message.DestinationPort;

@@ -60,7 +60,7 @@ class SmsChannelAuto : public ProtocolAuto<Interface, Engine> {
     virtual void WalkEnded() {}
     // How this channel writes the time at which a status became final.
     virtual std::string CompletedTimeText(std::int32_t seconds) {
-        return TimeText(engine_.GetClock(), seconds);
+        return std::string(TimeText(engine_.GetClock(), seconds));
     }
 
     // Gives the report that `query` finds; one that was waited for in vain is given as it is.

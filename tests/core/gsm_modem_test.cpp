@@ -126,6 +126,11 @@ TEST_F(Gsm, RecipientsAreCheckedBeforeTheDeviceIsOpened) {
         message.Recipient = recipient;
         EXPECT_EQ(Send(message), code) << recipient;
     }
+    for (const char16_t* body : {u"Hello", u"ABC", u"AB CD", u"ABCG"}) {  // data that is no hexadecimal
+        CSmsMessageX message = Message(body);
+        message.Format = sms::asMESSAGEFORMAT_DATA;
+        EXPECT_EQ(Send(message), 34034);
+    }
     EXPECT_EQ(modem.openings, 0);
 }
 
@@ -135,16 +140,14 @@ TEST_F(Gsm, SendsThePartsOfALongMessageASecondApart) {
     modem.Otherwise("\r\nOK\r\n");
     CSmsMessageX message = Message(std::u16string(161, u'a'));
     message.Format = 2;
-    CGsmCodec codec;
-    ASSERT_EQ(codec.Encode({"", message.Recipient, message.Data, 2}), 0);
-    const std::string& text = codec.Text();
-    const std::size_t at = text.find(';');
-    const std::string first = text.substr(0, at);
-    const std::string second = text.substr(at + 1, text.size() - at - 2);
-    modem.On("AT+CMGS=" + std::to_string(first.size() / 2 - 1), {"\r\n> "});
-    modem.On("AT+CMGS=" + std::to_string(second.size() / 2 - 1), {"\r\n> "});
-    modem.On(first, {"\r\n+CMGS: 254\r\n\r\nOK\r\n"});
-    modem.On(second, {"\r\n+CMGS: 255\r\n\r\nOK\r\n"});
+    for (std::uint32_t reference = 0; reference < 256; ++reference) {  // it starts anywhere
+        CGsmCodec codec(reference);
+        ASSERT_EQ(codec.Encode({"", message.Recipient, message.Data, 2}), 0);
+        const std::string& text = codec.Text();
+        const std::size_t at = text.find(';');
+        modem.On(text.substr(0, at), {"\r\n+CMGS: 254\r\n\r\nOK\r\n"});
+        modem.On(text.substr(at + 1, text.size() - at - 2), {"\r\n+CMGS: 255\r\n\r\nOK\r\n"});
+    }
     ASSERT_EQ(Send(message), 0);
     EXPECT_EQ(references, "254;255");
     EXPECT_EQ(clock.Slept(), 1500U);
