@@ -128,6 +128,7 @@ TEST_F(Device, NotesTheStoragesOfTheFirstList) {
              {R"("SM","ME")", kSim | kDevice},
              {"(SM,MT),(ME)", kSim | kCombined},
              {R"(("SM_P","BM"))", kSim},
+             {R"(("sm","Mt"),("ME"))", kSim | kCombined},
              {"()", 0U},
          }) {
         modem.On("AT+CPMS=?", {std::string("\r\n+CPMS: ") + answer + "\r\n\r\nOK\r\n"});
@@ -141,23 +142,22 @@ TEST_F(Device, TheFirstFailureOfTwoListingsCounts) {
         const char* read;
         const char* unread;
         std::int32_t code;
-        bool both;
     };
     const char* const kOk = "\r\nOK\r\n";
     const char* const kError = "\r\nERROR\r\n";
     const char* const kNoSim = "\r\n+CMS ERROR: 310\r\n";
+    const char* const kEmpty = "\r\n+CMS ERROR: 321\r\n";
     for (const Row& row :
-         {Row{kOk, kOk, 0, true}, Row{kNoSim, kOk, 33140, true}, Row{kOk, kNoSim, 33140, true},
-          Row{kError, kNoSim, 30352, true}, Row{kNoSim, kError, 33140, true}, Row{kOk, "", 30350, true},
-          Row{"", kNoSim, 30350, false}}) {
+         {Row{kOk, kOk, 0}, Row{kNoSim, kOk, 33140}, Row{kOk, kNoSim, 33140}, Row{kError, kNoSim, 30352},
+          Row{kNoSim, kError, 33140}, Row{kOk, "", 30350}, Row{"", kNoSim, 30350}, Row{kEmpty, kOk, 0},
+          Row{kOk, kEmpty, 0}, Row{kEmpty, kEmpty, 0}, Row{kEmpty, kError, 30352}}) {
         modem.On("AT+CMGL=1", {row.read});
         modem.On("AT+CMGL=0", {row.unread});
         modem.commands.clear();
         const CGsmDevice::Session session(device, settings);
-        EXPECT_EQ(device.List(kGsmStorages[0], [](auto, auto&) {}), row.code) << row.read << row.unread;
-        std::vector<std::string> expected{"AT+CMGF=0", "AT+CPMS=\"MT\"", "AT+CMGL=1"};
-        if (row.both) expected.emplace_back("AT+CMGL=0");
-        EXPECT_EQ(modem.commands, expected);
+        EXPECT_EQ(device.List(kGsmStorages[0], [](auto&) {}), row.code) << row.read << row.unread;
+        EXPECT_EQ(modem.commands,
+                  (std::vector<std::string>{"AT+CMGF=0", "AT+CPMS=\"MT\"", "AT+CMGL=1", "AT+CMGL=0"}));
     }
 }
 

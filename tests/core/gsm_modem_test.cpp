@@ -361,7 +361,7 @@ TEST_F(Gsm, AMissingStorageIsNamed) {
 
 TEST_F(Gsm, DeletesByStorageAndKey) {
     EXPECT_EQ(gsm.DeleteMessage(0), 33060);
-    EXPECT_EQ(gsm.DeleteAllMessages(true), 33060);
+    EXPECT_EQ(gsm.DeleteAllMessages(1), 33060);
     modem.On("AT+CMGL=1", {Listed(3, kHello) + "\r\nOK\r\n"});
     ASSERT_EQ(gsm.Receive(), 0);
     ASSERT_EQ(gsm.Received().Count(), 2U);  // one in SM, one in ME
@@ -373,9 +373,9 @@ TEST_F(Gsm, DeletesByStorageAndKey) {
     EXPECT_EQ(gsm.Received().Count(), 1U);
     modem.commands.clear();
     modem.On("AT+CMGD=3", {"\r\nERROR\r\n", "\r\nOK\r\n"});
-    EXPECT_EQ(gsm.DeleteAllMessages(false), 30352);
+    EXPECT_EQ(gsm.DeleteAllMessages(0), 30352);
     EXPECT_EQ(gsm.Received().Count(), 1U);
-    EXPECT_EQ(gsm.DeleteAllMessages(false), 0);
+    EXPECT_EQ(gsm.DeleteAllMessages(0), 0);
     EXPECT_EQ(gsm.Received().Count(), 0U);
 }
 
@@ -387,7 +387,7 @@ TEST_F(Gsm, DeletionGoesOnAfterAnErrorButNotAfterSilence) {
         ASSERT_EQ(gsm.Received().Count(), 2U);
         modem.On("AT+CMGD=3", {reply});
         modem.commands.clear();
-        EXPECT_EQ(gsm.DeleteAllMessages(true), code);
+        EXPECT_EQ(gsm.DeleteAllMessages(1), code);
         EXPECT_EQ(Count("AT+CMGD=4"), second) << code;
     }
 }
@@ -437,7 +437,7 @@ TEST_F(Gsm, IncompletePartsAreNotDeleted) {
     clock.SetNow(1795234568);
     ASSERT_EQ(gsm.Receive(), 0);
     EXPECT_EQ(gsm.Received().Count(), 1U);
-    EXPECT_EQ(gsm.DeleteAllMessages(true), 0);
+    EXPECT_EQ(gsm.DeleteAllMessages(1), 0);
     EXPECT_TRUE(Sent("AT+CMGD=1"));
     EXPECT_FALSE(Sent("AT+CMGD=2"));
 }
