@@ -21,7 +21,8 @@ class ScriptedModem : public SerialOpener {
     // The same for an answer that comes in pieces, each so many ms after the command.
     using Pieces = std::vector<std::pair<std::uint32_t, std::string>>;
     void OnInPieces(const std::string& command, Pieces pieces) { inPieces_[command] = std::move(pieces); }
-    void Otherwise(std::string answer) { otherwise_ = std::move(answer); }
+    void Otherwise(std::string answer) { otherwise_ = {std::move(answer)}; }
+    void OtherwiseInTurn(std::vector<std::string> answers) { otherwise_ = std::move(answers); }
     void Give(const std::string& octets) { incoming_ += octets; }
     // Octets that come so many ms from now.
     void GiveAfter(std::uint32_t milliseconds, std::string octets) {
@@ -29,6 +30,9 @@ class ScriptedModem : public SerialOpener {
     }
     // Answers go out this many octets a read; 0 = all at once.
     void Fragment(std::size_t size) { fragment_ = size; }
+
+    // What was typed without an end.
+    void Forget() { pending_.clear(); }
 
     std::vector<std::string> commands;  // as received
     std::string written;                // every octet
@@ -41,6 +45,7 @@ class ScriptedModem : public SerialOpener {
     std::uint32_t systemError = 2;
     bool dead = false;             // reads and writes fail
     std::uint32_t blockedFor = 0;  // ms in which the next write is not taken
+    bool echo = false;             // commands and data are echoed
     bool endless = false;          // gives `flood` without end
     std::string flood;
 
@@ -90,6 +95,7 @@ class ScriptedModem : public SerialOpener {
                 continue;
             }
             commands.push_back(pending_);
+            if (echo) incoming_ += pending_ + octet;
             Answer(pending_);
             pending_.clear();
         }
@@ -102,11 +108,7 @@ class ScriptedModem : public SerialOpener {
             return;
         }
         const auto rule = rules_.find(command);
-        if (rule == rules_.end()) {
-            incoming_ += otherwise_;
-            return;
-        }
-        std::vector<std::string>& answers = rule->second;
+        std::vector<std::string>& answers = rule == rules_.end() ? otherwise_ : rule->second;
         incoming_ += answers.front();
         if (answers.size() > 1) answers.erase(answers.begin());
     }
@@ -136,7 +138,7 @@ class ScriptedModem : public SerialOpener {
 
     VirtualClock* clock_;
     std::map<std::string, std::vector<std::string>> rules_;
-    std::string otherwise_ = "\r\nOK\r\n";
+    std::vector<std::string> otherwise_{"\r\nOK\r\n"};
     std::string pending_;
     std::string incoming_;
     std::map<std::string, Pieces> inPieces_;
