@@ -51,7 +51,8 @@ std::size_t StatusReportEnd(const Octets& pdu, std::size_t at) {
 GsmPduSize SizeOfPdu(std::string_view hexText) {
     const Octets pdu(hexText);
     const std::size_t start = 1U + pdu.At(0).value_or(0);
-    GsmPduSize size{.octets = pdu.Size() > start ? pdu.Size() - start : 0};
+    GsmPduSize size;
+    size.octets = pdu.Size() > start ? pdu.Size() - start : 0;
     // A PDU of which not even its kind is left misses that octet at least.
     const std::optional<std::uint8_t> first = pdu.At(start);
     if (!first) {

@@ -103,6 +103,7 @@ ResultCode CVrmComIO::ReadBytes(std::string& octets, std::size_t count, std::uin
 CVrmComIO::LineRead CVrmComIO::ReadReplyLine(std::string& line, const Timer& timer,
                                              std::string_view expected) {
     const std::string_view prompt = expected == kPrompt ? kPrompt : std::string_view{};
+    if (!IsOpen()) return LineRead::kNothing;
     LineRead read = LineRead::kNothing;
     do {
         const std::uint32_t silence = IsSettled(Trim(line), expected) ? std::min(Silence(), kLineTime) : 0;
@@ -127,7 +128,7 @@ void CVrmComIO::DropReceived() {
     LogText(logmask::kVerbatim, "DROP STRING,  string=[", dropped);
     std::ranges::replace(received, '\n', '\r');
     for (const std::string_view line : Split(received, "\r")) {
-        if (IsFinalResult(Trim(line))) finalOwed_ = false;
+        if (EndsLines(Trim(line))) finalOwed_ = false;
     }
 }
 
@@ -162,7 +163,8 @@ AtExchange CVrmComIO::HearReply(std::string_view command, const Timer& timer, st
         std::string raw;
         const LineRead read = ReadReplyLine(raw, timer, expected);
         const std::string_view line = Trim(raw);
-        if (read == LineRead::kNothing || unsolicited.Takes(line, expected)) continue;
+        if (read == LineRead::kNothing) break;
+        if (unsolicited.Takes(line, expected)) continue;
         const bool isAnswer = read == LineRead::kWhole || read == LineRead::kSettled;
         exchange.reply = line;
         exchange.outcome = {AtStatus::kUnexpected, result::ModemUnexpectedResponse};
@@ -188,11 +190,11 @@ bool CVrmComIO::HearFinalResult(std::string& reply, std::string rest) {
     AtUnsolicited unsolicited;
     bool isAnswer = !rest.empty();
     do {
-        const LineRead read = ReadReplyLine(rest, timer);
+        if (ReadReplyLine(rest, timer) == LineRead::kNothing) break;
         const std::string_view line = Trim(rest);
         if (isAnswer) {
             reply = line;
-        } else if (read != LineRead::kNothing && !unsolicited.Takes(line) && IsFinalResult(line)) {
+        } else if (!unsolicited.Takes(line) && IsFinalResult(line)) {
             return true;
         }
         isAnswer = false;
@@ -236,7 +238,9 @@ ResultCode CVrmComIO::Listing(std::string_view command, std::string_view header,
         if (unsolicited.Takes(line)) continue;
         if (const std::size_t at = FindNoCase(line, header); at != std::string::npos) {
             const std::string_view values = line.substr(at + header.size());
-            entry = {.number = ToInt(values), .values = std::string(values)};
+            entry.emplace();
+            entry->number = ToInt(values);
+            entry->values = values;
             noEntry = Timer(GetClock(), kLongestWithoutEntry);
             ++listed;
         } else if (entry && IsHexText(line)) {
