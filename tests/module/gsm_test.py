@@ -136,8 +136,8 @@ class Dialogue(unittest.TestCase):
                     self.assertNotEqual(lines[0].split("|")[1], "0")
 
     def test_a_modem_as_it_is_gets_what_a_good_one_gets(self):
-        body = ('message.Format = 21\nmessage.Data = "\u4e2d"\nmessage.RequestDeliveryStatus = True\n'
-                "Result gsm.Send(message)\nResult gsm.Receive()\n")
+        body = ('message.Recipient = "+31612345678"; message.Format = 21; message.Data = "\\u4e2d";\n'
+                "message.RequestDeliveryStatus = true;\nResult(gsm.Send(message)); Result(gsm.Receive());\n")
         opening = ["ATE0", "AT+CMEE=1", "AT+CPMS=?", "AT+CMGF=?"]
         commands = opening + ["AT+CMGF=0", "AT+CNMI=?", "AT+CNMI=0,0,0,2,0", "AT+CMGS=15"] + opening
         for storage in ("SM", "ME"):
@@ -158,7 +158,7 @@ class Dialogue(unittest.TestCase):
         for name, options, rules, limit in rows:
             options = ["--storages", "SM,ME", "--message", "text ME +31611111111 One", *options]
             with self.subTest(name), wine.modem(BASE + 13, *options, rules=rules) as modem:
-                lines, seconds = run_script(modem, body)
+                lines, seconds = run_script(modem, body, "js")
                 self.assertEqual(lines, ["17|0", "1|0"])
                 self.assertEqual(modem.commands(), commands)
                 sent, = modem.submitted()
@@ -183,9 +183,9 @@ class Dialogue(unittest.TestCase):
 
     def test_a_line_that_takes_nothing_costs_the_time_of_the_command(self):
         with wine.modem(BASE + 15, rules=[{"match": "connect", "do": "block", "ms": 20000}]) as modem:
-            body = ('started = Timer\nanswer = gsm.SendCommand("AT", 1000)\n'
-                    'WScript.Echo (Timer - started < 3) & "|" & gsm.LastError\n')
-            self.assertEqual(run_script(modem, body)[0], ["True|30350"])
+            body = ('var started = new Date(); gsm.SendCommand("AT", 1000);\n'
+                    'Result(new Date() - started < 3000);\n')
+            self.assertEqual(run_script(modem, body, "js")[0], ["true|30350"])
 
     def test_lists_that_lose_octets(self):
         messages = ["--message", "text SM +31611111111 hello", "--message", "text ME +31611111111 whole"]
