@@ -10,6 +10,8 @@ struct HttpUrl {
     std::uint16_t port = 0;  // 0 = the scheme's
     std::string path = "/";  // with the query; a fragment is left out
 
+    bool isAbsolute = false;  // of a redirect's target: names a server of its own
+
     // A host is what no URL can be without: it is empty for what is none, or has a port that is none.
     static HttpUrl Parse(std::string_view text);
 

@@ -70,18 +70,22 @@ class CKorHttp final : public CKorBase {
     enum class Next { kDone, kRound, kRepeat };
 
     ResultCode Exchange(const std::string& url, std::string_view body);
+    ResultCode OpenUrl(const HttpUrl& url);
     ResultCode Round(std::string_view body, const Timer& timer, Next& next);
     ResultCode Answer(http::Peer peer, const Challenge& challenge);
     ResultCode SendRequest(std::string_view body, const Timer& timer, Next& next);
     ResultCode ReceiveReply(const Timer& timer, Next& next);
+    bool AsksForResend(std::uint32_t error, Next& next);
     ResultCode ReadHeaders();
+    void ReadHeader(http::Header header, std::string& text, const char* format);
     ResultCode Judge(const Timer& timer, Next& next);
     ResultCode Redirect(Next& next);
-    ResultCode Choose(Challenge& challenge, Next& next);
+    ResultCode Choose(const http::Account& account, Challenge& challenge, ResultCode refused, Next& next);
     ResultCode ReadBody(const Timer& timer);
-    ResultCode OpenUrl(const HttpUrl& url);
+    void ReadErrorBody(const Timer& timer);
+    ResultCode BodyFailure(ResultCode code, const Timer& timer, std::uint32_t error);
     ResultCode Failed(ResultCode code, const char* what, std::uint32_t error);
-    void ReadHeader(http::Header header, std::string& text, const char* format);
+    void LogText(const char* format, const std::string& text);
 
     std::unique_ptr<HttpTransport> transport_;
     HttpUrl url_;
@@ -92,6 +96,7 @@ class CKorHttp final : public CKorBase {
     bool isPost_ = false;
     std::uint32_t lastChallenge_ = 0;  // 401 or 407: what the last response was, if one of them
     std::uint32_t redirects_ = 0;
+    std::uint32_t resends_ = 0;
     Challenge server_, proxy_;
     HttpReply reply_;
     std::uint32_t systemError_ = 0;
