@@ -114,9 +114,9 @@ void CHttpProtocol::Configure(std::string body) {
     to.postText = std::move(body);
 }
 
+// As the client takes it.
 bool CHttpProtocol::IsSecure(const std::string& url) const {
-    const HttpUrl::Scheme scheme = HttpUrl::Parse(url).scheme;
-    return scheme == HttpUrl::Scheme::kNone ? settings.useSsl : scheme == HttpUrl::Scheme::kHttps;
+    return settings.useSsl || HttpUrl::Parse(url).scheme == HttpUrl::Scheme::kHttps;
 }
 
 // --- log lines

@@ -4,6 +4,7 @@
 #include "foundation/Text.h"
 #include "foundation/UrlText.h"
 
+#include <algorithm>
 #include <array>
 #include <vector>
 
@@ -84,7 +85,9 @@ std::string Fill(std::string_view text, const HttpFields& fields) {
 }  // namespace
 
 HttpRequest FillHttpTemplate(std::string text, const HttpFields& fields) {
-    ReplaceAll(text, "//", "/");
+    // Runs of slashes at once.
+    text.erase(std::unique(text.begin(), text.end(), [](char a, char b) { return a == '/' && b == '/'; }),
+               text.end());
     const std::string_view whole = text;
     const std::size_t end = whole.find('?');
     if (end == std::string_view::npos) return {Fill(whole, fields), {}};

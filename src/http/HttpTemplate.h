@@ -21,8 +21,8 @@ struct HttpRequest {
     std::string body;  // what is posted
 };
 
-// Fills "host[:port]/template". Every "//" in it becomes "/". The first "?" ends the URL, and what follows is
-// posted. Placeholders are found in the template alone and never in what others stand for; where two share a
-// percent sign, the one that comes first in the list of placeholders is meant. No value holds a "?", a "/" or
-// a line break.
+// Fills "host[:port]/template". Every run of slashes in it becomes one. The first "?" ends the URL, and what
+// follows is posted. Placeholders are found in the template alone and never in what others stand for; where
+// two share a percent sign, the one that comes first in the list of placeholders is meant. No value holds a
+// "?", a "/" or a line break.
 HttpRequest FillHttpTemplate(std::string text, const HttpFields& fields);
