@@ -51,8 +51,8 @@ class Servers(unittest.TestCase):
     def test_what_the_server_gets(self):
         self.assertEqual(send(self.web.plain, 'Send("ok");'), ["ok|0|OK 17"])
         self.assertEqual(self.asked(), [{"method": "POST", "target": "/ok", "user": "", "agent": AGENT,
-                                         "type": "application/x-www-form-urlencoded", "body": FORM, "secure": "",
-                                         "status": 200}])
+                                         "type": "application/x-www-form-urlencoded", "length": str(len(FORM)),
+                                         "body": FORM, "secure": "", "status": 200}])
 
     def test_every_status(self):
         code = {201: 33302, 202: 33302, 204: 33302, 400: 22418, 403: 22417, 404: 22416, 405: 22427, 410: 22420,
@@ -89,7 +89,7 @@ http.ProviderWebPassword = "secret pass"; Send("account"); Send("account"); Send
         self.assertEqual(send(self.web.plain, 'Send("to-secure"); Send("relative");'),
                          ["to-secure|0|OK 17", "relative|0|OK 17"])
         self.assertEqual(self.targets(), ["http /to-secure", "https /ok", "http /relative", "http /ok"])
-        self.assertEqual([one["body"] for one in self.asked()], [FORM] * 4)
+        self.assertEqual([one["length"] for one in self.asked()], [str(len(FORM))] * 4)
 
     def test_secure_redirects(self):
         self.assertEqual(send(self.web.secure, """
@@ -119,18 +119,19 @@ Send("ok");
         self.assertIn(f"CONNECT localhost:{self.web.secure}", log)
 
     def test_through_a_proxy_with_an_account(self):
-        with wine.running(lambda path: wine.Counterpart("proxy.py", path, "--port", 0, "--account", "p user:p pass")) as proxy:
-            lines = send(self.web.plain, f"""
-http.ProxyServer = "127.0.0.1"; http.ProxyPort = {proxy.port};
-Send("ok");
-http.ProxyAccount = "p user"; http.ProxyPassword = "wrong"; Send("ok");
-http.ProxyPassword = "p pass"; Send("ok");
-http.ProviderWebAccount = "web user"; http.ProviderWebPassword = "secret pass"; Send("account");
+        accounts = ("--proxy-account", "p user:p pass", "--account", "web user:secret pass")
+        with wine.running(lambda path: wine.Counterpart("gateway.py", path, "--port", 0, *accounts)) as proxy:
+            lines = send(80, f"""
+http.ProviderHost = "sms.example"; http.ProxyServer = "127.0.0.1"; http.ProxyPort = {proxy.port};
+Send("send");
+http.ProxyAccount = "p user"; http.ProxyPassword = "wrong"; Send("send");
+http.ProxyPassword = "p pass"; Send("send");
+http.ProviderWebAccount = "web user"; http.ProviderWebPassword = "wrong"; Send("send");
+http.ProviderWebPassword = "secret pass"; Send("send");
 """)
-            seen = [(entry["user"], entry["status"]) for entry in proxy.entries("request")]
-        self.assertEqual(lines, ["ok|33302|proxy account needed", "ok|22405|", "ok|0|OK 17", "account|0|OK 17"])
-        self.assertEqual([status for _, status in seen], [407, 407, 407, 407, 200, 407, 401, 200])
-        self.assertEqual([one["user"] for one in self.asked()], ["", "", "web user"])
+            sent = [(entry["to"], entry["text"]) for entry in proxy.entries("to")]
+        self.assertEqual([line.split("|")[1] for line in lines if "|" in line], ["33302", "22405", "22412", "22412", "0"])
+        self.assertEqual(sent, [("+31612345678", "Hi there")])
 
 
 class Certificates(unittest.TestCase):

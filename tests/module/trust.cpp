@@ -4,7 +4,6 @@
 #include <fstream>
 #include <iterator>
 #include <vector>
-#include <wincrypt.h>
 #include <windows.h>
 
 int main(int count, char** arguments) {

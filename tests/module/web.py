@@ -1,7 +1,7 @@
 """Web servers of others, for tests of what goes over HTTP: nginx with and without TLS, and tinyproxy."""
 import contextlib
 import json
-import pathlib
+import os
 import shutil
 import socket
 import subprocess
@@ -10,6 +10,7 @@ import time
 import wine
 
 CONFIG = """
+{user}
 daemon off;
 pid {folder}/nginx.pid;
 error_log {folder}/error.txt;
@@ -21,7 +22,7 @@ http {{
   uwsgi_temp_path {folder}/u; scgi_temp_path {folder}/s;
   client_max_body_size 100m; client_body_buffer_size 1m; large_client_header_buffers 4 256k; keepalive_requests 100000;
   log_format seen escape=json '{{"method":"$request_method","target":"$request_uri","user":"$remote_user",'
-    '"type":"$content_type","agent":"$http_user_agent","body":"$request_body","secure":"$https","status":$status}}';
+    '"type":"$content_type","agent":"$http_user_agent","length":"$content_length","body":"$request_body","secure":"$https","status":$status}}';
   server {{
     listen 127.0.0.1:{inner};
     root {folder}/files;
@@ -121,7 +122,8 @@ class Web:
         (folder / "accounts").write_text(f"web user:{made.stdout}", encoding="ascii")
         statuses = "\n".join(f"location = /{status} {{ return {status}; }}" for status in STATUSES)
         (folder / "nginx.conf").write_text(CONFIG.format(folder=folder, inner=self.inner, plain=self.plain,
-                                                         secure=self.secure, statuses=statuses), encoding="ascii")
+                                                         secure=self.secure, statuses=statuses,
+                                                         user="" if os.getuid() else "user root;"), encoding="ascii")
         program = shutil.which("nginx") or "/usr/sbin/nginx"
         self.process = subprocess.Popen([program, "-p", folder, "-c", folder / "nginx.conf", "-e", folder / "error.txt"],
                                         stderr=subprocess.DEVNULL)

@@ -127,8 +127,10 @@ ResultCode CKorHttp::Exchange(const std::string& url, std::string_view body) {
         const ResultCode code = Round(body, timer, next);
         if (code != result::Success || next == Next::kDone) return code;
         if (next == Next::kRepeat) {
-            GetClock().Sleep(std::min(pause, timer.Remaining()));
-            pause = pause > Timer::kForever / 4 ? pause : pause * 2;
+            const std::uint32_t left = timer.Remaining();
+            GetClock().Sleep(std::min(pause, left));
+            if (pause >= left) return result::HttpConnectTimedOut;
+            pause *= 2;
         }
         if (timer.Expired()) return result::HttpConnectTimedOut;
     }
