@@ -73,11 +73,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         request.url.find('?') != std::string::npos) {
         std::abort();
     }
-    HttpFields fields{.recipient = std::string(texts[2]),
-                      .sender = std::string(texts[3]),
+    HttpFields fields{.recipient = texts[2],
+                      .sender = texts[3],
                       .body = message.Data,
                       .alphabet = static_cast<Alphabet>(data[0] % 3),
-                      .text = std::string(texts[4]),
+                      .text = texts[4],
                       .dcs = data[0],
                       .hasHeader = (data[0] & 8) != 0};
     CheckTemplate(std::string(texts[1]), fields);

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace {
 
@@ -18,6 +19,8 @@ constexpr auto kFormats = std::to_array<std::int32_t>({
     sms::asMESSAGEFORMAT_DATA_UDH,
     sms::asMESSAGEFORMAT_UNICODE,
 });
+
+constexpr std::size_t kPortRoom = 16;  // characters of ":8080/" at the most
 
 // What depends on the alphabet.
 struct Coding {
@@ -32,6 +35,18 @@ constexpr auto kCodings = std::to_array<Coding>({
     {Alphabet::kUcs2, &HttpProviderSettings::urlUnicode, result::HttpNoUnicodeTemplate, 70},
 });
 
+// What a message becomes before it stands in a request.
+struct Converted {
+    std::string sender, text;
+    std::u16string octets;
+};
+
+void ReadOctets(std::u16string_view digits, std::u16string& octets) {
+    const std::string read = hex::OctetsOf(digits);
+    octets.resize(read.size());
+    std::ranges::transform(read, octets.begin(), [](char c) { return static_cast<std::uint8_t>(c); });
+}
+
 std::string GsmCodes(std::u16string_view text) {
     std::string codes(2 * text.size(), '\0');
     codes.resize(CGsmAlphabet::Encode(text, reinterpret_cast<std::uint8_t*>(codes.data())));
@@ -39,7 +54,7 @@ std::string GsmCodes(std::u16string_view text) {
 }
 
 // The fields as far as the message gives them.
-ResultCode ReadMessage(const CSmsMessageX& message, HttpFields& fields) {
+ResultCode ReadMessage(const CSmsMessageX& message, Converted& converted, HttpFields& fields) {
     if (!address::IsNumber(message.Recipient)) return result::InvalidRecipient;
     if (std::ranges::find(kFormats, message.Format) == kFormats.end()) return result::InvalidFormat;
     const MessageFormat& format = FormatOf(message.Format);
@@ -50,21 +65,19 @@ ResultCode ReadMessage(const CSmsMessageX& message, HttpFields& fields) {
     fields.dcs = format.Dcs();
     fields.hasHeader = message.Format == sms::asMESSAGEFORMAT_DATA_UDH;
     if (format.alphabet == Alphabet::kOctets) {
-        if (!hex::IsText(std::u16string_view(message.Data))) return result::InvalidFormat;
-        const std::string octets = hex::OctetsOf(std::u16string_view(message.Data));
-        fields.body.resize(octets.size());
-        std::ranges::transform(octets, fields.body.begin(),
-                               [](char c) { return static_cast<std::uint8_t>(c); });
+        if (!hex::IsText(fields.body)) return result::InvalidFormat;
+        ReadOctets(fields.body, converted.octets);
+        fields.body = converted.octets;
     }
     return result::Success;
 }
 
-ResultCode ApplyCharset(const std::string& charset, HttpFields& fields) {
-    const CharacterSet* set = FindCharacterSet(charset);
+ResultCode ApplyCharset(const std::string& charset, Converted& converted, HttpFields& fields) {
+    const CharacterSet* set = charset.empty() ? nullptr : FindCharacterSet(charset);
     if (set == nullptr && !charset.empty()) return result::InvalidFormat;
-    if (set != nullptr) fields.sender = set->encode(FromAnsi(fields.sender));
+    if (set != nullptr) fields.sender = converted.sender = set->encode(FromAnsi(fields.sender));
     if (fields.alphabet == Alphabet::kGsm) {
-        fields.text = set != nullptr ? set->encode(fields.body) : GsmCodes(fields.body);
+        fields.text = converted.text = set != nullptr ? set->encode(fields.body) : GsmCodes(fields.body);
     }
     return result::Success;
 }
@@ -73,15 +86,21 @@ ResultCode ApplyCharset(const std::string& charset, HttpFields& fields) {
 
 ResultCode BuildHttpRequest(const HttpProviderSettings& settings, const CSmsMessageX& message,
                             HttpRequest& request) {
+    Converted converted;
     HttpFields fields;
-    if (const ResultCode code = ReadMessage(message, fields); code != result::Success) return code;
-    if (const ResultCode code = ApplyCharset(settings.charset, fields); code != result::Success) return code;
+    ResultCode code = ReadMessage(message, converted, fields);
+    if (code == result::Success) code = ApplyCharset(settings.charset, converted, fields);
+    if (code != result::Success) return code;
     const Coding& coding = *std::ranges::find(kCodings, fields.alphabet, &Coding::alphabet);
     const std::string& urlTemplate = settings.*coding.urlTemplate;
     if (urlTemplate.empty()) return coding.missing;
     if (fields.body.size() > coding.longest) return result::MessageTooLong;
-    std::string text = settings.host;
+    std::string text;
+    text.reserve(settings.host.size() + kPortRoom + urlTemplate.size());
+    text += settings.host;
     if (settings.port != 0) text += ':' + std::to_string(settings.port);
-    request = FillHttpTemplate(text + '/' + urlTemplate, fields);
+    text += '/';
+    text += urlTemplate;
+    request = FillHttpTemplate(std::move(text), fields);
     return result::Success;
 }

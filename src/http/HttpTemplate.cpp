@@ -52,6 +52,8 @@ constexpr auto kPlaceholders = std::to_array<Placeholder>({
     {"MESSAGEUDH", [](const HttpFields& f, std::string& out) { out += f.hasHeader ? '1' : '0'; }},
 });
 
+constexpr std::size_t kEncodedRoom = 2;  // octets for each of a message, on average
+
 using Found = std::vector<const Placeholder*>;
 
 // Which placeholder each text between two percent signs is, if any. It takes both signs.
@@ -70,7 +72,9 @@ Found PlaceholdersIn(const std::vector<std::string_view>& between) {
 std::string Fill(std::string_view text, const HttpFields& fields) {
     const std::vector<std::string_view> between = Split(text, "%");
     const Found found = PlaceholdersIn(between);
-    std::string out(between.front());
+    std::string out;
+    out.reserve(text.size() + kEncodedRoom * (fields.text.size() + fields.body.size()));
+    out += between.front();
     for (std::size_t i = 1; i < between.size(); ++i) {
         if (found[i] != nullptr) {
             found[i]->append(fields, out);
@@ -85,9 +89,10 @@ std::string Fill(std::string_view text, const HttpFields& fields) {
 }  // namespace
 
 HttpRequest FillHttpTemplate(std::string text, const HttpFields& fields) {
-    // Runs of slashes at once.
-    text.erase(std::unique(text.begin(), text.end(), [](char a, char b) { return a == '/' && b == '/'; }),
-               text.end());
+    if (text.find("//") != std::string::npos) {
+        const auto isRun = [](char a, char b) { return a == '/' && b == '/'; };
+        text.erase(std::unique(text.begin(), text.end(), isRun), text.end());
+    }
     const std::string_view whole = text;
     const std::size_t end = whole.find('?');
     if (end == std::string_view::npos) return {Fill(whole, fields), {}};

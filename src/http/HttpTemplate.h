@@ -6,13 +6,13 @@
 #include <string>
 #include <string_view>
 
-// What the placeholders stand for.
+// What the placeholders stand for; the texts are the caller's.
 struct HttpFields {
-    std::string recipient, sender;  // octets that go out percent-encoded
-    std::u16string body;            // characters; of the binary formats one an octet
+    std::string_view recipient, sender;  // octets that go out percent-encoded
+    std::u16string_view body;            // characters; of the binary formats one an octet
     Alphabet alphabet = Alphabet::kGsm;
-    std::string text;      // of a text: its octets in the provider's character set
-    std::uint8_t dcs = 0;  // data coding
+    std::string_view text;  // of a text: its octets in the provider's character set
+    std::uint8_t dcs = 0;   // data coding
     bool hasHeader = false;
 };
 

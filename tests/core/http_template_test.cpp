@@ -62,9 +62,9 @@ TEST(HttpTemplate, ValuesAreNotLookedThrough) {
 }
 
 TEST(HttpTemplate, EveryOctetOfAValueStaysOne) {
-    HttpFields fields;
-    for (int octet = 0; octet < 256; ++octet) fields.sender += static_cast<char>(octet);
-    const HttpRequest request = FillHttpTemplate("g/%MESSAGESENDER%?x", fields);
+    std::string octets;
+    for (int octet = 0; octet < 256; ++octet) octets += static_cast<char>(octet);
+    const HttpRequest request = FillHttpTemplate("g/%MESSAGESENDER%?x", {.sender = octets});
     EXPECT_EQ(request.body, "x");
     EXPECT_EQ(request.url.size(), 2 + 66 + 3 * 190);  // 66 characters are unreserved
     EXPECT_EQ(request.url.find_first_not_of(
