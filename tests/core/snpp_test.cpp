@@ -102,7 +102,7 @@ TEST(Snpp, EveryStepCanFail) {
              {"no number", {Peer::Says("what?\r\n")}, 33610, true, 0},
              {"down", {Peer::Says("421 Too Many Errors, Goodbye\r\n"), Peer::Closes()}, 33610, false, 0},
              {"silent", {}, 33611, true, 5000},
-             {"too late", {Peer::Says("250 OK\r\n", 5001)}, 33611, true, 5000},
+             {"too late", {Peer::Says("250 OK\r\n", 5001)}, 33611, true, 5001},
              {"two octets", {Peer::Says("25")}, 33611, true, 5200},
              {"closed", {Peer::Closes()}, 10054, false, 0},
              {"closed within the number", {Peer::Says("2"), Peer::Closes()}, 10054, false, 0},
