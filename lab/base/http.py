@@ -1,6 +1,8 @@
 """An HTTP server (RFC 9112): reads requests, gives each to `respond`, and replies through the scenario."""
+import base64
 import dataclasses
 import http
+import re
 import urllib.parse
 
 from base.line import Dialogue
@@ -17,7 +19,8 @@ class Request:
 
     @property
     def path(self):
-        return self.target.partition("?")[0]
+        """Without the server that stands before it when a proxy is asked."""
+        return re.sub(r"^https?://[^/?]*", "", self.target).partition("?")[0]
 
     def query(self, encoding="utf-8"):
         """The parameters of the target: name -> the values it was given."""
@@ -46,12 +49,33 @@ class HttpDialogue(Dialogue):
 
     async def take(self, request):
         rule = self.rule(f"{request.method} {request.target}")
-        status, headers, body = (rule.get("status"), {}, b"") if rule.do == "status" else await self.respond(request)
+        status, headers, body = self.refusal(request) or self.misled(rule) or await self.respond(request)
         text = http.HTTPStatus(status).phrase if status in list(http.HTTPStatus) else ""
         headers = {"Content-Length": len(body)} | headers | ({} if self.keep else {"Connection": "close"})
         fields = "".join(f"{name}: {value}\r\n" for name, value in headers.items())
         await self.reply(rule, f"HTTP/1.1 {status} {text}\r\n{fields}\r\n".encode("latin-1"),
                          b"" if request.method == "HEAD" else body)
+
+    def refusal(self, request):
+        """The challenge, when an account is wanted that the request does not give."""
+        for account, status, given, asks in (
+                (self.options.proxy_account, 407, "proxy-authorization", "Proxy-Authenticate"),
+                (self.options.account, 401, "authorization", "WWW-Authenticate")):
+            if account and request.headers.get(given) != "Basic " + base64.b64encode(account.encode()).decode():
+                self.program.say(f"{'another' if given in request.headers else 'no'} account given: {status}")
+                return status, {asks: 'Basic realm="lab"'}, b""
+        return None
+
+    @staticmethod
+    def misled(rule):
+        """The answer that a scenario wants instead of the server's own."""
+        if rule.do == "status":
+            return rule.get("status"), {}, b""
+        if rule.do == "redirect":
+            return rule.get("status"), {"Location": rule.get("location")}, b""
+        if rule.do == "answer":
+            return 200, {"Content-Type": "text/plain"}, rule.get("body").encode("latin-1", "replace")
+        return None
 
     async def _headers(self):
         headers = {}
@@ -72,4 +96,15 @@ class HttpDialogue(Dialogue):
 class HttpServer(Server):
     dialogue = HttpDialogue
     event = "POST /"
-    own_actions = {"status": Action("answers with `status` and does nothing", {"status": 500})}
+    own_actions = {
+        "status": Action("answers with `status` and does nothing", {"status": 500}),
+        "redirect": Action("leads to `location` with `status` and does nothing", {"location": "/", "status": 302}),
+        "answer": Action("answers with 200 and `body` and does nothing", {"body": ""}),
+    }
+
+    @classmethod
+    def add_arguments(cls, parser):
+        super().add_arguments(parser)
+        parser.add_argument("--account", metavar="USER:PASSWORD", help="the account that it asks for")
+        parser.add_argument("--proxy-account", metavar="USER:PASSWORD",
+                            help="the account that it asks for as the proxy through which it was reached")

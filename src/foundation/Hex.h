@@ -1,5 +1,6 @@
 // Hexadecimal text, two characters an octet.
 #pragma once
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <string>
@@ -24,6 +25,15 @@ constexpr std::uint8_t Value(char c) {
     return static_cast<std::uint8_t>((digit < 10 ? digit : 0) | (letter < 6 ? letter + 10 : 0));
 }
 constexpr std::uint8_t Value(char16_t c) { return c < 256 ? Value(static_cast<char>(c)) : std::uint8_t{0}; }
+
+// Whether a text is hexadecimal throughout, two characters an octet.
+template <class Character>
+bool IsText(std::basic_string_view<Character> text) {
+    const auto isDigit = [](Character c) {
+        return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f');
+    };
+    return text.size() % 2 == 0 && std::ranges::all_of(text, isDigit);
+}
 
 inline void Append(std::string& text, std::uint8_t octet) { text.append(kPairs[octet].data(), 2); }
 

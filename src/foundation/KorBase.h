@@ -38,7 +38,7 @@ class CKorBase {
 
     // No entry shows these passwords from now on: "****" stands for each. Without any, entries are written as
     // they are.
-    void HidePasswords(std::vector<std::string> passwords);
+    virtual void HidePasswords(std::vector<std::string> passwords);
     // A password as a line or a dump may show it.
     std::string Shown(const std::string& password) const;
 

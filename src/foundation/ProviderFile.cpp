@@ -16,6 +16,9 @@ struct Take {
     void operator()(std::int32_t* field) const {
         if (!text.empty()) *field = ToInt(text);
     }
+    void operator()(bool* field) const {
+        if (!text.empty()) *field = ToInt(text) != 0;
+    }
     void operator()(const Access& access) const { access.set(text); }
 };
 
@@ -23,6 +26,7 @@ struct Take {
 struct Give {
     std::string operator()(const std::string* field) const { return *field; }
     std::string operator()(const std::int32_t* field) const { return std::to_string(*field); }
+    std::string operator()(const bool* field) const { return *field ? "1" : "0"; }
     std::string operator()(const Access& access) const { return access.get(); }
 };
 

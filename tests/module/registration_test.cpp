@@ -83,6 +83,7 @@ constexpr ClassRow kClasses[] = {
     {L"SmsDataMmsNotification", L"Quorvane.SmsDataMmsNotification",
      L"{4868BE0E-AA1B-4289-8FFB-CC75275D9822}"},
     {L"SmsDatavCard", L"Quorvane.SmsDatavCard", L"{4368F874-0EBD-4816-8915-F340F7150B95}"},
+    {L"SmsProtocolHttp", L"Quorvane.SmsProtocolHttp", L"{0F81C972-915E-41C7-B881-667FD2629300}"},
 };
 
 Snapshot Expected(const std::wstring& module) {
