@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Builds the module and runs the main jobs against the lab: SMS through a GSM modem and an SMPP server, under Wine.
+# Builds the module and runs the main jobs against the lab: SMS through a GSM modem, an SMPP server and an
+# HTTP gateway, under Wine.
 set -eu
 cd "$(dirname "$0")"
 scripts/install.sh demo

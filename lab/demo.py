@@ -60,11 +60,25 @@ def smpp():
     return code
 
 
+def http():
+    print("\nSMS through an HTTP gateway")
+    print("---------------------------")
+    log = WORK / "http.log"
+    gateway = Counterpart("gateway.py", WORK, "--port", "0", "--account", "demo:secret")
+    try:
+        code = play(LAB / "demo_http.vbs", gateway.port, windows_path(log))
+    finally:
+        gateway.close()
+    show("The gateway saw:", gateway.log)
+    print(f"\nLog file: {log.relative_to(ROOT)}")
+    return code
+
+
 def main():
     WORK.mkdir(parents=True, exist_ok=True)
     for old in WORK.iterdir():
         old.unlink()
-    return gsm() or smpp()
+    return gsm() or smpp() or http()
 
 
 if __name__ == "__main__":

@@ -9,13 +9,17 @@ import wine  # noqa: E402
 from wire import gsm  # noqa: E402
 
 EXAMPLES = wine.ROOT / "examples"
-PROGRAMS = ["gsm_example.exe", "smpp_example.exe"]
+PROGRAMS = {  # what each tells of its arguments
+    "gsm_example": r"send [^\n]* \| receive [^\n]*",
+    "smpp_example": r"send [^\n]* \| receive [^\n]*",
+    "http_example": r"127\.0\.0\.1 8080 [^\n]*",
+}
 
 
 class Alphabet(unittest.TestCase):
     def test_every_example_that_sends_a_text_knows_the_alphabet(self):
         beyond = {char for char in map(chr, range(0x10000)) if char not in gsm.CODES} | {"\f", "\x1b"}
-        for file in EXAMPLES.glob("[gs]*/*"):
+        for file in EXAMPLES.glob("[ghs]*/*"):
             if file.stem in ("receive", "pin"):
                 continue
             text = file.read_text(encoding="utf-8")
@@ -33,12 +37,12 @@ class Usage(unittest.TestCase):
             with self.subTest(file.name):
                 code, output = wine.script(file)
                 self.assertEqual(code, 2)
-                self.assertRegex(output, rf"^cscript {file.name} (COM5|127\.0\.0\.1 2775 user password)[^\n]*\n$")
-        for program in PROGRAMS:
+                self.assertRegex(output, rf"^cscript {file.name} (COM5|127\.0\.0\.1 (2775 user password|8080))[^\n]*\n$")
+        for program, arguments in PROGRAMS.items():
             with self.subTest(program):
-                code, output = wine.run(program)
+                code, output = wine.run(f"{program}.exe")
                 self.assertEqual(code, 2)
-                self.assertRegex(output, rf"^{program.removesuffix('.exe')} send [^\n]* \| receive [^\n]*\n$")
+                self.assertRegex(output, rf"^{program} {arguments}\n$")
 
 
 if __name__ == "__main__":

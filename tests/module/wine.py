@@ -49,6 +49,14 @@ class Smsc(Counterpart):
         return self.entries("text")
 
 
+class Gateway(Counterpart):
+    def __init__(self, folder, options, rules):
+        super().__init__("gateway.py", folder, "--port", 0, *options, rules=rules)
+
+    def messages(self):
+        return self.entries("number")
+
+
 @contextlib.contextmanager
 def folder():
     path = pathlib.Path(tempfile.mkdtemp(prefix="neltctrl-"))
@@ -77,3 +85,7 @@ def modem(com, *options, rules=None):
 
 def smsc(*options, rules=None):
     return running(Smsc, options, rules)
+
+
+def gateway(*options, rules=None):
+    return running(Gateway, options, rules)

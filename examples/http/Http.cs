@@ -1,0 +1,44 @@
+// SMS through an HTTP gateway. The templates are those of lab/gateway.py; docs/http.md tells how to write others.
+// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll, then csc /r:NeltCtrl.Interop.dll /platform:x64 Http.cs
+using System;
+using System.Text.RegularExpressions;
+using NeltCtrl;
+
+static class Program
+{
+    static readonly Regex beyondGsm = new Regex(
+        @"[^\n\r -_a-~\xA1\xA3-\xA5\xA7\xBF\xC4-\xC7\xC9\xD1\xD6\xD8\xDC\xDF\xE0\xE4-\xE6\xE8\xE9\xEC\xF1\xF2" +
+        @"\xF6\xF8\xF9\xFC\u0393\u0394\u0398\u039B\u039E\u03A0\u03A3\u03A6\u03A8\u03A9\u20AC]");
+
+    [STAThread]
+    static void Main(string[] args)
+    {
+        if (args.Length < 4)
+        {
+            Console.WriteLine(@"Http.exe 127.0.0.1 8080 +31612345678 ""The text""");
+            Environment.Exit(2);
+        }
+        var gateway = new SmsProtocolHttp
+        {
+            ProviderHost = args[0],
+            ProviderPort = int.Parse(args[1]),
+            URLText = "send?to=%MESSAGERECIPIENT%&text=%MESSAGEDATA%",
+            URLUnicode = "send?to=%MESSAGERECIPIENT%&ucs2=%MESSAGEDATA%",
+            ProviderSuccessResponse = "OK",
+            ProviderErrorResponse = "ERROR"
+        };
+        object message = new SmsMessage
+        {
+            Recipient = args[2],
+            Data = args[3],
+            Format = (int)(beyondGsm.IsMatch(args[3]) ? SmsMessageFormat.asMESSAGEFORMAT_UNICODE
+                                                     : SmsMessageFormat.asMESSAGEFORMAT_TEXT)
+        };
+        gateway.Send(ref message);
+        if (gateway.LastError != 0)
+        {
+            throw new Exception(gateway.LastError + " " + gateway.GetErrorDescription(gateway.LastError));
+        }
+        Console.WriteLine("Answer: " + gateway.ProviderResponse);
+    }
+}

@@ -1,0 +1,37 @@
+' Sends one SMS through an HTTP gateway. The templates are those of lab/gateway.py; docs/http.md tells how to write others.
+' A character outside the GSM alphabet makes it a Unicode message.
+Option Explicit
+Dim constants, gateway, message, beyondGsm
+
+If WScript.Arguments.Count < 4 Then
+    WScript.Echo "cscript send.vbs 127.0.0.1 8080 +31612345678 ""The text"""
+    WScript.Quit 2
+End If
+
+Set constants = CreateObject("Quorvane.SmsConstants")
+Set gateway = CreateObject("Quorvane.SmsProtocolHttp")
+gateway.ProviderHost = WScript.Arguments(0)
+gateway.ProviderPort = WScript.Arguments(1)
+gateway.URLText = "send?to=%MESSAGERECIPIENT%&text=%MESSAGEDATA%"
+gateway.URLUnicode = "send?to=%MESSAGERECIPIENT%&ucs2=%MESSAGEDATA%"
+gateway.ProviderSuccessResponse = "OK"
+gateway.ProviderErrorResponse = "ERROR"
+
+Set message = CreateObject("Quorvane.SmsMessage")
+message.Recipient = WScript.Arguments(2)
+message.Data = WScript.Arguments(3)
+Set beyondGsm = New RegExp
+beyondGsm.Pattern = _
+    "[^\n\r -_a-~\xA1\xA3-\xA5\xA7\xBF\xC4-\xC7\xC9\xD1\xD6\xD8\xDC\xDF\xE0\xE4-\xE6\xE8\xE9\xEC\xF1\xF2" & _
+    "\xF6\xF8\xF9\xFC\u0393\u0394\u0398\u039B\u039E\u03A0\u03A3\u03A6\u03A8\u03A9\u20AC]"
+If beyondGsm.Test(message.Data) Then
+    message.Format = constants.asMESSAGEFORMAT_UNICODE
+Else
+    message.Format = constants.asMESSAGEFORMAT_TEXT
+End If
+gateway.Send message
+If gateway.LastError <> 0 Then
+    WScript.Echo "Send failed: " & gateway.LastError & " " & gateway.GetErrorDescription(gateway.LastError)
+    WScript.Quit 1
+End If
+WScript.Echo "Answer: " & gateway.ProviderResponse
