@@ -25,7 +25,7 @@ constexpr DialogueManner kManner{
     .unit = DialogueManner::Unit::kOctets,
     .isEnd = [](std::string_view octets) { return octets.size() > 2; },
     .sendTime = 3000,
-    .restOfLine = 200,
+    .restOfLine = 1000,
     .longestLine = 512,
     .largestReply = 65'536,
 };

@@ -103,7 +103,7 @@ TEST(Snpp, EveryStepCanFail) {
              {"down", {Peer::Says("421 Too Many Errors, Goodbye\r\n"), Peer::Closes()}, 33610, false, 0},
              {"silent", {}, 33611, true, 5000},
              {"too late", {Peer::Says("250 OK\r\n", 5001)}, 33611, true, 5001},
-             {"two octets", {Peer::Says("25")}, 33611, true, 5200},
+             {"two octets", {Peer::Says("25")}, 33611, true, 6000},
              {"closed", {Peer::Closes()}, 10054, false, 0},
              {"closed within the number", {Peer::Says("2"), Peer::Closes()}, 10054, false, 0},
              {"reset", {Peer::Resets()}, 10053, false, 0},
