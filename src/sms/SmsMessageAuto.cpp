@@ -4,7 +4,7 @@
 #include "foundation/Addresses.h"
 #include "foundation/ErrorTexts.h"
 #include "frame/AutomationAuto.h"
-#include "frame/OwnObjectAuto.h"
+#include "frame/RecordAuto.h"
 
 namespace {
 
@@ -69,37 +69,13 @@ class SmsMessageAuto final : public Automation<ISmsMessage> {
     CSmsMessageX record_;
 };
 
-template <class Field>
-void Read(ISmsMessage* source, HRESULT (STDMETHODCALLTYPE ISmsMessage::*getter)(BSTR*), Field& field) {
-    BstrOwner text;
-    (source->*getter)(text.Receive());
-    Take(field, text.Get());
-}
-
-template <class Field>
-void Read(ISmsMessage* source, HRESULT (STDMETHODCALLTYPE ISmsMessage::*getter)(LONG*), Field& field) {
-    LONG value = 0;
-    (source->*getter)(&value);
-    Take(field, value);
-}
-
-ResultCode ReadFields(IUnknown* object, CSmsMessageX& record) {
-    if (const auto own = OwnObject<SmsMessageAuto>(object)) {
-        CopyFields(own->Record(), record);
-        return result::Success;
-    }
-    const auto foreign = InterfaceOf<ISmsMessage>(object);
-    if (!foreign) return result::InvalidMessageObject;
-    EachField([&](auto field, auto getter) { Read(foreign.Get(), getter, record.*field); });
-    return result::Success;
-}
-
 }  // namespace
 
 IUnknown* CreateSmsMessage() { return new SmsMessageAuto; }
 
 ResultCode CopyFromAutomation(const VARIANT* value, CSmsMessageX& record) {
-    const ResultCode code = ReadFields(ObjectIn(value), record);
+    const ResultCode code = record::Read<SmsMessageAuto, ISmsMessage>(
+        ObjectIn(value), record, [](auto visit) { EachField(visit); }, result::InvalidMessageObject);
     if (code != result::Success) return code;
     Recipient recipient = ParseRecipient(record.Recipient);
     record.Recipient = std::move(recipient.address);
