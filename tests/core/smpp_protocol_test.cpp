@@ -27,6 +27,23 @@ TEST(SmppProtocol, RefusesWhatCannotBeConnected) {
     EXPECT_EQ(smpp.QueryStatus("x", true, report), 34050);
 }
 
+TEST(SmppProtocol, ClearForgetsReportsMessagesAndSettings) {
+    const TemporaryFolder folder;
+    CSmppProtocol smpp;
+    smpp.settings.server = "host";
+    smpp.settings.serverPort = 1;
+    smpp.SetAdvancedSettings("SmppWindowSize=25");
+    smpp.SetLogFile(folder.File("log"));
+    smpp.Reports().RecordSent("00000001", ReportWanted::kSubmitRequested);
+    smpp.Received().Add({});
+    smpp.Clear();
+    CSmsDeliveryReport report;
+    EXPECT_EQ(smpp.QueryStatus("00000001", false, report), 34050);
+    EXPECT_EQ(smpp.Received().Count(), 0U);
+    EXPECT_EQ(smpp.settings.server + smpp.AdvancedSettings() + smpp.LogFile(), "");
+    EXPECT_EQ(smpp.settings.serverPort, 2775);
+}
+
 TEST(SmppProtocol, AConnectThatFailsLeavesItsTrace) {
     const TemporaryFolder folder;
     VirtualClock clock;
