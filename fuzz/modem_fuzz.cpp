@@ -26,7 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     gsm.settings.messageStorage = data[2] % 5;
     std::string reply;
     (void)gsm.Receive();
-    (void)gsm.DeleteAllMessages(true);
+    (void)gsm.DeleteAllMessages(1);
     CSmsMessageX message;
     message.Recipient = "+31612345678";
     message.Data = u"text";

@@ -74,11 +74,25 @@ def http():
     return code
 
 
+def pager():
+    print("\nA page through a paging server")
+    print("------------------------------")
+    log = WORK / "pager.log"
+    server = Counterpart("pager.py", WORK, "--port", "0", "--password", "secret")
+    try:
+        code = play(LAB / "demo_pager.vbs", server.port, windows_path(log))
+    finally:
+        server.close()
+    show("The server saw:", server.log)
+    show("Log file:", log)
+    return code
+
+
 def main():
     WORK.mkdir(parents=True, exist_ok=True)
     for old in WORK.iterdir():
         old.unlink()
-    return gsm() or smpp() or http()
+    return gsm() or smpp() or http() or pager()
 
 
 if __name__ == "__main__":

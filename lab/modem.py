@@ -87,8 +87,34 @@ class Storages:
         return self.boxes.get(name, {}).pop(index, None) is not None
 
 
+# --- misbehaviour of modems; the pieces of a reply are its lines
+
+async def late_end(rule, reply, line):
+    await line.write(b"".join(reply[:-1]))
+    await line.pause(rule.get("ms"))
+    await line.write(reply[-1])
+
+
+async def no_end(rule, reply, line):
+    await line.write(b"".join(reply).rstrip(b"\r\n"))
+
+
+async def halves(rule, reply, line):
+    for piece in reply:
+        await line.write(piece[:len(piece) // 2])
+        await line.pause(rule.get("ms"))
+        await line.write(piece[len(piece) // 2:])
+
+
+async def block(rule, reply, line):
+    line.block(rule.get("ms"))
+    await line.write(b"".join(reply))
+
+
 class Commands(Dialogue):
     """The AT dialogue: commands, and what is typed behind the prompt."""
+
+    LINE_ENDS = {"crlf": b"\r\n", "lf": b"\n", "cr": b"\r"}
 
     def __init__(self, program, line):
         super().__init__(program, line)
@@ -105,6 +131,14 @@ class Commands(Dialogue):
         self.reference = self.options.first_reference - 1
         self.prompt = None  # what AT+CMGS announced, while its prompt is open
         self.registration_polls = self.options.registration_polls
+        self.line_end = self.LINE_ENDS[self.options.line_end]
+
+    async def speak_up(self):
+        """Says a line of its own at every so many ms, but not to who types behind the prompt."""
+        while self.options.every:
+            await self.line.pause(self.options.every)
+            if self.prompt is None:
+                await self.line.write(b"".join(map(self.framed, self.options.unsolicited.split("\n"))))
 
     async def request(self):
         """A command, or behind the prompt what was typed with the octet that ends it."""
@@ -129,7 +163,10 @@ class Commands(Dialogue):
             await self.take_data(request[:-1], request[-1:] == CANCEL)
 
     async def lines(self, rule, lines):
-        await self.reply(rule, *(b"\r\n" + line.encode("latin-1", "replace") + b"\r\n" for line in lines))
+        await self.reply(rule, *map(self.framed, lines))
+
+    def framed(self, line):
+        return self.line_end + line.encode("latin-1", "replace") + self.line_end
 
     async def take_command(self, command):
         self.program.record({"command": command})
@@ -138,15 +175,28 @@ class Commands(Dialogue):
         if rule.do in ("error", "reply"):
             await self.lines(rule, rule.get("text").split("\n"))
             return
-        lines = self.answer(command.upper())
+        lines = self.spoilt(rule, self.answer(command.upper()))
         if self.prompt is None:
             await self.lines(rule, lines)
         else:
             if rule.do in ("silence", "stall", "instead", "flood"):
                 self.prompt = None
-            await self.reply(rule, b"\r\n> ")
+            await self.reply(rule, self.line_end + b"> ")
         if rule.do == "keep-echo":
             self.echo = True
+
+    @staticmethod
+    def spoilt(rule, lines):
+        """A list as the rule spoils it: each entry is a line of values and one with the PDU."""
+        for place, line in enumerate(lines):
+            if not line.startswith("+CMGL:"):
+                continue
+            if rule.do == "length":
+                values, length = line.rsplit(",", 1)
+                lines[place] = f"{values},{int(length) + rule.get('add')}"
+            elif rule.do == "cut-pdu":
+                lines[place + 1] = lines[place + 1][:-rule.get("characters")]
+        return lines
 
     # --- the commands: each gives the lines of its reply
 
@@ -360,6 +410,12 @@ class Modem(Program):
         "error": Action("replies `text` and does nothing", {"text": "ERROR"}),
         "reply": Action("replies the lines of `text`, no OK, and does nothing", {"text": ""}),
         "keep-echo": Action("ATE0 is answered but not obeyed"),
+        "late-end": Action("the last line of the reply `ms` later", {"ms": 2500}, late_end),
+        "no-end": Action("the reply without its last line end", play=no_end),
+        "halves": Action("each line in two halves, `ms` apart", {"ms": 500}, halves),
+        "block": Action("nothing is taken from the line for `ms`, from the reply on", {"ms": 7000}, block),
+        "length": Action("AT+CMGL states lengths that are `add` octets off", {"add": 1}),
+        "cut-pdu": Action("the PDUs of AT+CMGL lack their last `characters`", {"characters": 2}),
     }
 
     @classmethod
@@ -374,6 +430,9 @@ class Modem(Program):
         parser.add_argument("--modes", default="0,1", help="answer to AT+CMGF=?")
         parser.add_argument("--cnmi", default="(0-2),(0-3),(0,2),(0-2),(0,1)", help="answer to AT+CNMI=?")
         parser.add_argument("--report-status", type=hexadecimal, default="00", help="TP-Status of reports, hexadecimal")
+        parser.add_argument("--line-end", choices=Commands.LINE_ENDS, default="crlf", help="what ends its lines")
+        parser.add_argument("--unsolicited", default="^RSSI: 20", help="lines that it says by itself")
+        parser.add_argument("--every", type=int, default=0, help="ms between two times that it says them; 0 = never")
         parser.add_argument("--registration-polls", type=int, default=1, help="AT+CREG? answers until registered")
         parser.add_argument("--first-reference", type=int, default=17, help="reference of the first message")
 
@@ -405,7 +464,10 @@ class Modem(Program):
         return f"on {link}"
 
     async def run_line(self, line):
-        await Commands(self, line).run()
+        commands = Commands(self, line)
+        speaking = asyncio.create_task(commands.speak_up())
+        await commands.run()
+        speaking.cancel()
         self.ended.set()
 
     async def close(self):

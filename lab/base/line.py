@@ -2,6 +2,7 @@
 import asyncio
 import os
 import pty
+import termios
 import traceback
 import tty
 
@@ -18,6 +19,7 @@ class Line:
     def __init__(self, reader, writer):
         self.reader, self.writer = reader, writer
         self.held = b""  # a reply that waits for the next one
+        self.terminal = None  # the peer's end of a pseudo-terminal
 
     @classmethod
     async def pseudo_terminal(cls):
@@ -28,7 +30,9 @@ class Line:
         reader = asyncio.StreamReader(LIMIT)
         await loop.connect_read_pipe(lambda: asyncio.StreamReaderProtocol(reader), os.fdopen(os.dup(master), "rb", 0))
         writer = await loop.connect_write_pipe(asyncio.streams.FlowControlMixin, os.fdopen(master, "wb", 0))
-        return cls(reader, asyncio.StreamWriter(*writer, None, loop)), os.ttyname(terminal)
+        line = cls(reader, asyncio.StreamWriter(*writer, None, loop))
+        line.terminal = terminal
+        return line, os.ttyname(terminal)
 
     async def line(self):
         """The next line without its end, or None when there is none any more."""
@@ -45,6 +49,11 @@ class Line:
 
     async def pause(self, ms):
         await asyncio.sleep(ms / 1000)
+
+    def block(self, ms):
+        """Takes nothing from the peer for so long, as a modem that holds CTS low: what the peer writes waits with it."""
+        termios.tcflow(self.terminal, termios.TCOOFF)
+        asyncio.get_running_loop().call_later(ms / 1000, termios.tcflow, self.terminal, termios.TCOON)
 
     async def hang_up(self):
         raise HangUp

@@ -9,23 +9,24 @@ std::string ClockPrefix(const CalendarTime& local) {
     return text.data();
 }
 
-std::string TimeText(Clock& clock, std::int64_t seconds) {
-    if (seconds <= 0) return "n/a";
+LocalTimeText TimeText(Clock& clock, std::int64_t seconds) {
+    if (seconds <= 0) return std::string_view("n/a");
     const CalendarTime t = clock.ToLocal(seconds);
-    const auto digits = [](char* at, int value) {
-        at[0] = static_cast<char>('0' + value / 10 % 10);
-        at[1] = static_cast<char>('0' + value % 10);
+    std::array<char, 22> text = {"00/00/0000 00:00:00 A"};
+    const auto digits = [&text](std::size_t at, int value) {
+        text[at] = static_cast<char>('0' + value / 10 % 10);
+        text[at + 1] = static_cast<char>('0' + value % 10);
     };
-    std::string text = "00/00/0000 00:00:00 AM";
     const int hour = t.hour % 12 == 0 ? 12 : t.hour % 12;
-    digits(&text[0], t.month);
-    digits(&text[3], t.day);
-    digits(&text[6], t.year / 100);
-    digits(&text[8], t.year % 100);
-    digits(&text[11], hour);
-    digits(&text[14], t.minute);
-    digits(&text[17], t.second);
+    digits(0, t.month);
+    digits(3, t.day);
+    digits(6, t.year / 100);
+    digits(8, t.year % 100);
+    digits(11, hour);
+    digits(14, t.minute);
+    digits(17, t.second);
     if (t.hour >= 12) text[20] = 'P';
+    text[21] = 'M';
     return text;
 }
 

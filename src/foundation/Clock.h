@@ -1,5 +1,7 @@
 // Time as the component needs it: a tick counter, sleeping, and the wall clock in local time.
 #pragma once
+#include "foundation/InlineText.h"
+
 #include <cstdint>
 #include <string>
 
@@ -55,7 +57,8 @@ CalendarTime ToUtc(std::int64_t seconds);
 std::string ClockPrefix(const CalendarTime& local);
 
 // A time stamp as users read it: "11/15/2026 01:45:10 PM" in local time, "n/a" for 0 and below.
-std::string TimeText(Clock& clock, std::int64_t seconds);
+using LocalTimeText = InlineText<22>;
+LocalTimeText TimeText(Clock& clock, std::int64_t seconds);
 
 // The same in UTC as programs read it: "2026-11-15T13:45:10Z".
 std::string UtcTimeText(std::int64_t seconds);

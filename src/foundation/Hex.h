@@ -26,13 +26,15 @@ constexpr std::uint8_t Value(char c) {
 }
 constexpr std::uint8_t Value(char16_t c) { return c < 256 ? Value(static_cast<char>(c)) : std::uint8_t{0}; }
 
-// Whether a text is hexadecimal throughout, two characters an octet.
 template <class Character>
-bool IsText(std::basic_string_view<Character> text) {
-    const auto isDigit = [](Character c) {
-        return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F') || (c >= 'a' && c <= 'f');
-    };
-    return text.size() % 2 == 0 && std::ranges::all_of(text, isDigit);
+constexpr bool IsDigit(Character c) {
+    return Value(c) != 0 || c == '0';
+}
+
+// Whether the text is hexadecimal through and through, two characters an octet.
+template <class Character>
+bool IsHex(std::basic_string_view<Character> text) {
+    return text.size() % 2 == 0 && std::ranges::all_of(text, IsDigit<Character>);
 }
 
 inline void Append(std::string& text, std::uint8_t octet) { text.append(kPairs[octet].data(), 2); }
@@ -42,26 +44,58 @@ inline void AppendNumber(std::string& text, std::uint32_t number) {
     for (int shift = 24; shift >= 0; shift -= 8) Append(text, static_cast<std::uint8_t>(number >> shift));
 }
 
+// The upper-case character of a value below 16. Without a table, so that loops over it run wide.
+constexpr char Digit(std::uint8_t value) {
+    return static_cast<char>(value + '0' + (value > 9 ? 'A' - '0' - 10 : 0));
+}
+
+// Calls `convert(from, size)` for pieces of the octets 0 to `count`. The pieces are whole blocks as loops run
+// wide over them, the last one overlapping the one before it; only fewer octets than a block are a piece of
+// their own.
+template <class Convert>
+void InPieces(std::size_t count, Convert convert) {
+    constexpr std::size_t kBlock = 16;
+    std::size_t from = 0;
+    std::size_t size = count < kBlock ? count : count - count % kBlock;
+    for (;;) {  // one call, so that it becomes one loop
+        convert(from, size);
+        if (from + size == count) return;
+        from = count - kBlock;
+        size = kBlock;
+    }
+}
+
+// Writes both characters of each octet to `text`, which has room for them.
+inline void Write(std::string_view octets, char* text) {
+    InPieces(octets.size(), [&](std::size_t from, std::size_t size) {
+        const char* __restrict in = octets.data() + from;
+        char* __restrict out = text + 2 * from;
+        for (std::size_t i = 0; i < size; ++i) {
+            const auto octet = static_cast<std::uint8_t>(in[i]);
+            out[2 * i] = Digit(octet >> 4);
+            out[2 * i + 1] = Digit(octet & 15);
+        }
+    });
+}
+
 inline std::string Of(std::string_view octets) {
     std::string text(2 * octets.size(), '\0');
-    for (std::size_t i = 0; i < octets.size(); ++i) {
-        const auto& pair = kPairs[static_cast<std::uint8_t>(octets[i])];
-        text[2 * i] = pair[0];
-        text[2 * i + 1] = pair[1];
-    }
+    Write(octets, text.data());
     return text;
 }
 
 // The octets that hexadecimal text stands for, written to `octets`, which has room for half its length; an
 // odd last character is left out. Returns their number.
 template <class Character>
-std::size_t Read(std::basic_string_view<Character> text, std::uint8_t* __restrict octets) {
-    const std::size_t count = text.size() / 2;
-    const Character* __restrict in = text.data();
-    for (std::size_t i = 0; i < count; ++i) {
-        octets[i] = static_cast<std::uint8_t>(Value(in[2 * i]) << 4 | Value(in[2 * i + 1]));
-    }
-    return count;
+std::size_t Read(std::basic_string_view<Character> text, std::uint8_t* octets) {
+    InPieces(text.size() / 2, [&](std::size_t from, std::size_t size) {
+        const Character* __restrict in = text.data() + 2 * from;
+        std::uint8_t* __restrict out = octets + from;
+        for (std::size_t i = 0; i < size; ++i) {
+            out[i] = static_cast<std::uint8_t>(Value(in[2 * i]) << 4 | Value(in[2 * i + 1]));
+        }
+    });
+    return text.size() / 2;
 }
 
 template <class Character>

@@ -4,6 +4,7 @@
 #include "foundation/Text.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <utility>
 
@@ -37,11 +38,29 @@ std::size_t EncodedLength(std::string_view text, std::string_view password) {
     return at;
 }
 
+// The PIN, passwords of the SIM, and what locks it with them, 3GPP TS 27.007 sections 7.4, 7.5 and 8.3.
+constexpr auto kPinCommands = std::to_array<std::string_view>({"+CPIN", "+CPWD", "+CLCK"});
+
+// "AT+CPIN...", or another of the commands with values, which also stand behind others: "AT;+CPIN=...".
+bool HoldsPin(std::string_view line) {
+    if (ContainsNoCase(line, "AT+CPIN")) return true;
+    return std::ranges::any_of(kPinCommands, [&](std::string_view command) {
+        const std::size_t at = FindNoCase(line, command);
+        return at != std::string_view::npos && Trim(line.substr(at + command.size())).starts_with('=');
+    });
+}
+
 }  // namespace
 
-std::string MaskPin(std::string_view command) {
-    std::string masked(command);
-    if (ContainsNoCase(masked, "AT+CPIN")) std::ranges::replace_if(masked, IsDigit, '*');
+std::string MaskPin(std::string_view text) {
+    std::string masked(text);
+    for (std::size_t at = 0; at < masked.size();) {
+        const std::size_t end = std::min(masked.find_first_of("\r\n", at), masked.size());
+        const auto line = masked.begin() + static_cast<std::ptrdiff_t>(at);
+        const auto lineEnd = masked.begin() + static_cast<std::ptrdiff_t>(end);
+        if (HoldsPin({line, lineEnd})) std::replace_if(line, lineEnd, IsDigit, '*');
+        at = end + 1;
+    }
     return masked;
 }
 

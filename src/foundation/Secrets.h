@@ -5,8 +5,9 @@
 #include <string_view>
 #include <vector>
 
-// A modem's command as it may be logged: each digit of a PIN command is "*".
-std::string MaskPin(std::string_view command);
+// What was said on a modem's line, as it may be logged: in each line with a PIN command, also an echo and
+// among other commands, every digit is "*".
+std::string MaskPin(std::string_view text);
 
 // The passwords of one object.
 class Secrets {

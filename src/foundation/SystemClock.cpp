@@ -4,11 +4,6 @@
 
 namespace {
 
-constexpr std::int64_t kQuarterHour = 900;
-constexpr std::int64_t kDay = 86400;
-
-constexpr std::int64_t FloorDivide(std::int64_t a, std::int64_t b) { return a / b - (a % b < 0 ? 1 : 0); }
-
 // Days since 1970-01-01 in the proleptic Gregorian calendar; a month outside 1..12 carries into the year.
 constexpr std::int64_t DaysFromCivil(std::int64_t year, int month, int day) {
     year += FloorDivide(month - 1, 12);
@@ -50,41 +45,33 @@ std::int64_t OffsetAt(std::int64_t seconds) {
            seconds;
 }
 
+// How far local time, read with the given daylight flag, is ahead of UTC. A time that the library cannot read
+// counts as UTC.
+std::int64_t OffsetAtLocal(std::int64_t local, int daylightFlag) {
+    const CalendarTime start = CivilFromSeconds(local);
+    std::tm t{};
+    t.tm_year = start.year - 1900;
+    t.tm_mon = start.month - 1;
+    t.tm_mday = start.day;
+    t.tm_hour = start.hour;
+    t.tm_min = start.minute;
+    t.tm_isdst = daylightFlag;
+    const std::time_t utc = std::mktime(&t);
+    return utc == -1 ? 0 : local - static_cast<std::int64_t>(utc);
+}
+
 }  // namespace
 
 CalendarTime ToUtc(std::int64_t seconds) { return CivilFromSeconds(seconds); }
 
 CalendarTime LibraryCalendar::ToLocal(std::int64_t seconds) {
-    struct Memory {
-        std::int64_t quarter = -1, offset = 0;
-    };
-    thread_local Memory memory;
-    const std::int64_t quarter = FloorDivide(seconds, kQuarterHour);
-    if (quarter != memory.quarter) memory = {quarter, OffsetAt(quarter * kQuarterHour)};
-    return CivilFromSeconds(seconds + memory.offset);
+    return CivilFromSeconds(seconds + toLocal_.At(seconds, Now(), OffsetAt));
 }
 
 std::int64_t LibraryCalendar::FromLocal(const CalendarTime& local) {
-    struct Memory {
-        std::int64_t quarter = -1, offset = 0, nowQuarter = -1;
-    };
-    thread_local Memory memory;
     const std::int64_t civil = SecondsFromCivil(local);
-    const std::int64_t quarter = FloorDivide(civil, kQuarterHour);
     const std::int64_t now = Now();
-    const std::int64_t nowQuarter = FloorDivide(now, kQuarterHour);
-    if (quarter != memory.quarter || nowQuarter != memory.nowQuarter) {
-        std::tm t{};
-        const CalendarTime start = CivilFromSeconds(quarter * kQuarterHour);
-        t.tm_year = start.year - 1900;
-        t.tm_mon = start.month - 1;
-        t.tm_mday = start.day;
-        t.tm_hour = start.hour;
-        t.tm_min = start.minute;
-        t.tm_isdst = LibraryLocal(static_cast<std::time_t>(now)).tm_isdst;
-        const std::time_t utc = std::mktime(&t);
-        memory = {quarter, utc == -1 ? 0 : quarter * kQuarterHour - static_cast<std::int64_t>(utc),
-                  nowQuarter};
-    }
-    return civil - memory.offset;
+    return civil - fromLocal_.At(civil, now, [now](std::int64_t time) {
+        return OffsetAtLocal(time, LibraryLocal(static_cast<std::time_t>(now)).tm_isdst);
+    });
 }

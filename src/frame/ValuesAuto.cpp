@@ -155,7 +155,12 @@ IUnknown* ObjectIn(const VARIANT* value) noexcept {
     return found.vt == VT_DISPATCH || found.vt == VT_UNKNOWN ? found.punkVal : nullptr;
 }
 
-BSTR NewBstr(std::string_view ansi) { return NewBstr(FromAnsi(ansi)); }
+BSTR NewBstr(std::string_view ansi) {
+    BSTR text = ::SysAllocStringLen(nullptr, static_cast<UINT>(ansi.size()));
+    if (text == nullptr || CopyAscii(ansi, text)) return text;
+    ::SysFreeString(text);
+    return NewBstr(FromAnsi(ansi));
+}
 BSTR NewBstr(std::u16string_view text) {
     return ::SysAllocStringLen(reinterpret_cast<const OLECHAR*>(text.data()), static_cast<UINT>(text.size()));
 }

@@ -6,6 +6,7 @@
 #include "foundation/Addresses.h"
 #include "foundation/ErrorTexts.h"
 #include "foundation/Hex.h"
+#include "foundation/UniqueNumber.h"
 #include "sms/MessageFormats.h"
 #include "sms/SmsConstants.h"
 
@@ -33,6 +34,13 @@ constexpr auto kConcatenationOctets = static_cast<std::int32_t>(udh::kConcatenat
 constexpr auto kPortOctets = static_cast<std::int32_t>(udh::kPortsSize);
 
 }  // namespace
+
+// The objects of a process get numbers that follow each other; this far apart, their messages stay apart
+// long.
+std::uint32_t CGsmCodec::FirstReference() {
+    constexpr std::uint32_t kApart = 159;
+    return UniqueNumber() * kApart;
+}
 
 struct CGsmCodec::Plan {
     MessageFormat format{};
@@ -69,6 +77,7 @@ ResultCode CGsmCodec::Encode(const GsmSubmit& submit) {
     }
     Plan plan;
     plan.format = FormatOf(submit.format);
+    if (!CanHold(plan.format, submit.body)) return result::InvalidFormat;
     ReadBody(submit, plan);
     if (const ResultCode code = DivideIntoParts(plan); code != result::Success) return code;
     text_.reserve(static_cast<std::size_t>(plan.parts) * 2 * (kOctetsPerMessage + 40));
@@ -166,10 +175,12 @@ std::size_t CGsmCodec::PutUserData(const Plan& plan, std::size_t part, std::size
     };
     if (plan.format.alphabet == Alphabet::kUcs2) {
         const auto units = cut(std::span(plan.ucs2));
-        for (const char16_t unit : units) {
-            Put(static_cast<std::uint8_t>(unit >> 8));
-            Put(static_cast<std::uint8_t>(unit));
+        std::uint8_t* __restrict out = &pdu_[count_];
+        for (std::size_t i = 0; i < units.size(); ++i) {
+            out[2 * i] = static_cast<std::uint8_t>(units[i] >> 8);
+            out[2 * i + 1] = static_cast<std::uint8_t>(units[i]);
         }
+        count_ += units.size() * 2;
         return headerOctets + units.size() * 2;
     }
     const auto units = cut(plan.units);
@@ -214,10 +225,6 @@ void CGsmCodec::EncodePart(const GsmSubmit& submit, const Plan& plan, std::size_
     pdu_[lengthAt] = static_cast<std::uint8_t>(PutUserData(plan, part, headerOctets));
     const std::size_t start = text_.size();
     text_.resize(start + 2 * count_ + 1);
-    char* out = text_.data() + start;
-    for (std::size_t i = 0; i < count_; ++i) {
-        *out++ = hex::kPairs[pdu_[i]][0];
-        *out++ = hex::kPairs[pdu_[i]][1];
-    }
-    *out = ';';
+    hex::Write({reinterpret_cast<const char*>(pdu_.data()), count_}, text_.data() + start);
+    text_.back() = ';';
 }

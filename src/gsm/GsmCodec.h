@@ -23,9 +23,13 @@ struct GsmSubmit {
 
 class CGsmCodec {
   public:
-    // 0; 34031 when the recipient or the service centre is no number; 34033 when the message does not fit:
-    // format 10 needs more than one part, a caller's header leaves no room, or more than 255 parts would be
-    // needed.
+    // Counts concatenation references up from the given one. By default clock and process choose it, so that
+    // a phone does not mix up the messages of two runs.
+    explicit CGsmCodec(std::uint32_t reference = FirstReference()) : reference_(reference) {}
+
+    // 0; 34031 when the recipient or the service centre is no number; 34034 when data is no hexadecimal;
+    // 34033 when the message does not fit: format 10 needs more than one part, a caller's header leaves no
+    // room, or more than 255 parts would be needed.
     ResultCode Encode(const GsmSubmit& submit);
 
     // The PDUs of the last Encode, each as upper-case hexadecimal followed by ";".
@@ -36,6 +40,8 @@ class CGsmCodec {
 
   private:
     struct Plan;  // how the body is laid out over the parts
+
+    static std::uint32_t FirstReference();
 
     void ReadBody(const GsmSubmit& submit, Plan& plan);
     ResultCode DivideIntoParts(Plan& plan);
@@ -50,7 +56,7 @@ class CGsmCodec {
     void PutHeader(const GsmSubmit& submit, const Plan& plan, std::size_t part);
     std::size_t PutUserData(const Plan& plan, std::size_t part, std::size_t headerOctets);
 
-    std::uint32_t reference_ = 0;
+    std::uint32_t reference_;
     std::vector<std::uint8_t> units_;  // GSM codes or octets of the whole body
     std::array<std::uint8_t, 256> pdu_{};
     std::size_t count_ = 0;

@@ -8,7 +8,7 @@ constexpr std::uint8_t kDeliver = 0x00;
 constexpr std::uint8_t kHeaderIndicator = 0x40;
 constexpr std::uint8_t kDcsAlphabet = 0x0C;
 constexpr std::uint8_t kDcsUcs2 = 0x08;
-constexpr std::size_t kMostUnits = 256;
+constexpr std::size_t kMostUnits = 256;  // of up to two octets
 }  // namespace
 
 bool CGsmDeliverPdu::Decode() {
@@ -24,7 +24,7 @@ bool CGsmDeliverPdu::Decode() {
     std::size_t headerOctets = 0;
     if (hasHeader) {
         const std::size_t length = Octet();
-        for (std::size_t i = 0; i < length; ++i) header.AddOctet(Octet());
+        header.AddOctets(Octets(length));
         header.Parse();
         headerOctets = length + 1;
     }
@@ -32,7 +32,6 @@ bool CGsmDeliverPdu::Decode() {
     const std::size_t octets = septets ? (userDataLength * 7 + 7) / 8 : userDataLength;
     const std::size_t rest = octets > headerOctets ? octets - headerOctets : 0;
     const std::size_t unitSize = (dcs & kDcsUcs2) != 0 ? 2 : 1;
-    dataSize_ = std::min(rest / unitSize, kMostUnits) * unitSize;
-    Octets({data_.data(), dataSize_});
+    data_ = Octets(std::min(rest / unitSize, kMostUnits) * unitSize);
     return true;
 }

@@ -20,9 +20,8 @@ class CGsmDeliverPdu : public CGsmPdu {
     CUserDataHeader header;
 
     // The user data behind the header, at most 256 units: octets, or 16-bit units when DCS bit 0x08 is set.
-    std::span<const std::uint8_t> Data() const { return {data_.data(), dataSize_}; }
+    std::span<const std::uint8_t> Data() const { return data_; }
 
   private:
-    std::array<std::uint8_t, 512> data_;
-    std::size_t dataSize_ = 0;
+    std::span<const std::uint8_t> data_;
 };

@@ -20,7 +20,17 @@ constexpr unsigned kEvent = logmask::kActivity | logmask::kVerbatim;
 constexpr std::string_view kListRead = "AT+CMGL=1";
 constexpr std::string_view kListUnread = "AT+CMGL=0";
 
+std::uint32_t TimeoutOf(std::int32_t milliseconds) {
+    if (milliseconds == -1) return Timer::kForever;
+    return static_cast<std::uint32_t>(std::max(milliseconds, 0));
+}
+
 }  // namespace
+
+bool IsQuotable(std::string_view value) {
+    return std::ranges::none_of(
+        value, [](char c) { return c == '"' || static_cast<unsigned char>(c) < ' ' || c == '\x7f'; });
+}
 
 std::string Quoted(std::string_view command, std::string_view value) {
     return std::string(command) + "\"" + std::string(value) + "\"";
@@ -56,7 +66,15 @@ ResultCode CGsmDevice::Command(std::string_view command, std::string_view expect
     return exchange.outcome.code;
 }
 
+ResultCode CGsmDevice::Announce(std::string_view command) {
+    const ResultCode code = Command(command, ">");
+    if (code == result::ModemNoResponse || code == result::ModemUnexpectedResponse)
+        (void)WriteBytes({&kEscape, 1});
+    return code;
+}
+
 ResultCode CGsmDevice::Initialise(const GsmSettings& settings) {
+    if (!IsQuotable(settings.smsc)) return result::SmscSetFailed;
     for (const std::string_view command :
          {std::string_view(settings.initString), std::string_view("ATE0"), std::string_view("AT+CMEE=1")}) {
         if (command.empty()) continue;
@@ -124,17 +142,18 @@ void CGsmDevice::WaitForRegistration() {
 }
 
 ResultCode CGsmDevice::SendCommand(const GsmSettings& settings, std::string_view command,
-                                   std::uint32_t timeout, std::string& response) {
+                                   std::int32_t timeout, std::string& response) {
     response.clear();
     const Session session(*this, settings);
     if (session.Code() != result::Success) return session.Code();
-    AtExchange exchange = Collect(command, timeout);
+    AtExchange exchange = Collect(command, TimeoutOf(timeout));
     response = std::move(exchange.reply);
     const ResultCode code = exchange.outcome.code;
     if (IsLogging()) {
         const std::string shown = MaskPin(command);
-        LogSized(logmask::kLog, shown.size() + response.size() + kEntrySlack,
-                 "SEND COMMAND: [%s], Response=[%s], Result=[%d (%s)]\n", shown.c_str(), response.c_str(),
+        const std::string answer = MaskPin(response);
+        LogSized(logmask::kLog, shown.size() + answer.size() + kEntrySlack,
+                 "SEND COMMAND: [%s], Response=[%s], Result=[%d (%s)]\n", shown.c_str(), answer.c_str(),
                  code.Number(), std::string(DescribeError(code)).c_str());
     }
     return code;
@@ -161,11 +180,12 @@ ResultCode CGsmDevice::List(const GsmStorage& storage, const TakeEntry& take) {
         Log(kEvent, "Invalid message storage specified");
         return result::StorageUnavailable;
     }
-    const auto list = [&](std::string_view command) {
-        return Listing(command, "+CMGL:", kCommandTime, take);
-    };
-    const ResultCode read = list(kListRead);
-    if (read == result::ModemNoResponse) return read;
-    const ResultCode unread = list(kListUnread);
-    return read == result::Success ? unread : read;
+    ResultCode first = result::Success;
+    for (const std::string_view command : {kListRead, kListUnread}) {
+        const ResultCode code = Listing(command, "+CMGL:", kCommandTime, take);
+        // Some devices have this for a storage without messages.
+        if (code == result::StorageUnavailable) continue;
+        if (first == result::Success) first = code;
+    }
+    return first;
 }

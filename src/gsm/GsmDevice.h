@@ -34,9 +34,10 @@ class CGsmDevice : public CVrmComIO {
 
     class Session;  // the device open for one operation
 
-    // Both open the device for themselves; the codes are those of the channels' methods of the same names.
+    // Both open the device for themselves; the codes are those of the channels' methods of the same names. A
+    // time-out of -1 ms waits for ever, any other below 0 not at all.
     ResultCode EnterPin(const GsmSettings& settings, std::string_view pin);
-    ResultCode SendCommand(const GsmSettings& settings, std::string_view command, std::uint32_t timeout,
+    ResultCode SendCommand(const GsmSettings& settings, std::string_view command, std::int32_t timeout,
                            std::string& response);
 
     // All that follows works on the open device.
@@ -51,9 +52,12 @@ class CGsmDevice : public CVrmComIO {
     ResultCode Command(std::string_view command, std::string_view expected = {},
                        std::string* reply = nullptr);
 
+    // A command that a prompt answers. When none comes, what the modem still waits for is called off.
+    ResultCode Announce(std::string_view command);
+
     ResultCode Select(const GsmStorage& storage);
-    // Hands on the PDUs of a storage, those read before and then the unread ones; 33150 when the device lacks
-    // the storage.
+    // Hands on the PDUs of a storage, those read before and then the unread ones, also when one of the two
+    // listings fails: the code is that of the first failure, 33150 when the device lacks the storage.
     ResultCode List(const GsmStorage& storage, const TakeEntry& take);
 
   private:
@@ -82,6 +86,10 @@ class CGsmDevice::Session {
     const GsmSettings* settings_;
     ResultCode code_;
 };
+
+// True when a value can stand in double quotes: no quote and no control character would end it or the
+// command.
+bool IsQuotable(std::string_view value);
 
 // A command with its value in double quotes.
 std::string Quoted(std::string_view command, std::string_view value);

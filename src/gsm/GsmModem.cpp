@@ -4,12 +4,14 @@
 #include "foundation/CodePage.h"
 #include "foundation/Text.h"
 #include "gsm/AtValues.h"
+#include "gsm/GsmPduSize.h"
 #include "gsm/PDUDecode.h"
 #include "sms/MessageFormats.h"
 
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <utility>
 
 namespace {
 
@@ -20,6 +22,9 @@ constexpr int kSubmitAttempts = 3;
 constexpr std::int64_t kReportsMaximumAge = 10;  // seconds
 constexpr char kRecipientSeparator = '/';  // in the reference of a report that is for none of the messages
 constexpr unsigned kEvent = logmask::kActivity | logmask::kVerbatim;
+
+// What follows it would be commands to the modem.
+bool EndsData(char c) { return c == CKorComIO::kCtrlZ || c == CKorComIO::kEscape; }
 
 }  // namespace
 
@@ -82,6 +87,7 @@ ResultCode CGsmModem::ChooseMode() {
 ResultCode CGsmModem::Send(const CSmsMessageX& message, std::string& references) {
     references.clear();
     if (const ResultCode code = address::CheckNumber(message.Recipient); code != result::Success) return code;
+    if (!CanHold(FormatOf(message.Format), message.Data)) return result::InvalidFormat;
     const CGsmDevice::Session session(device_, settings);
     if (session.Code() != result::Success) return session.Code();
     if (const ResultCode code = Initialise(); code != result::Success) return code;
@@ -96,6 +102,7 @@ ResultCode CGsmModem::Send(const CSmsMessageX& message, std::string& references)
         return code;
     }
     for (const std::string_view reference : Split(references, {&kReferenceSeparator, 1})) {
+        if (reference.empty()) continue;
         reports_.RecordSent(reference, message.RequestDeliveryStatus ? ReportWanted::kYes : ReportWanted::kNo,
                             message.Recipient);
     }
@@ -123,7 +130,7 @@ ResultCode CGsmModem::SendPdus(const CSmsMessageX& message, std::string& referen
         if (part > 0) GetClock().Sleep(kPartPause);
         std::string reference;
         if (const ResultCode code = SendPdu(pdus[part], reference); code != result::Success) return code;
-        if (part > 0) references += kReferenceSeparator;
+        if (!references.empty() && !reference.empty()) references += kReferenceSeparator;
         references += reference;
     }
     return result::Success;
@@ -135,11 +142,11 @@ ResultCode CGsmModem::SendPdu(std::string_view pdu, std::string& reference) {
     const std::string announce = "AT+CMGS=" + std::to_string(pdu.size() / 2 - 1);
     const std::string data = std::string(pdu) + CKorComIO::kCtrlZ;
     for (int attempt = 1;; ++attempt) {
-        if (const ResultCode code = device_.Command(announce, ">"); code != result::Success) return code;
+        if (const ResultCode code = device_.Announce(announce); code != result::Success) return code;
         const AtExchange exchange = device_.Exchange(data, kSubmitTime, "+CMGS:");
         if (exchange.outcome.code == result::Success) {
             reference = OnlyDigits(AnswerOf(exchange.reply));
-            return reference.empty() ? result::ModemUnexpectedResponse : result::Success;
+            return result::Success;
         }
         if (exchange.outcome.code != result::NetworkBusy || attempt == kSubmitAttempts)
             return exchange.outcome.code;
@@ -148,14 +155,16 @@ ResultCode CGsmModem::SendPdu(std::string_view pdu, std::string& reference) {
 }
 
 ResultCode CGsmModem::SendText(const CSmsMessageX& message, std::string& references) {
+    if (!IsQuotable(message.Recipient)) return result::InvalidRecipient;
     if (const ResultCode code = device_.Command("AT+CMGF=1"); code != result::Success) return code;
     std::string recipient = message.Recipient;
     std::erase_if(recipient,
                   [](char c) { return std::string_view("ASNG").find(c) != std::string_view::npos; });
-    if (const ResultCode code = device_.Command(Quoted("AT+CMGS=", recipient), ">"); code != result::Success)
+    if (const ResultCode code = device_.Announce(Quoted("AT+CMGS=", recipient)); code != result::Success)
         return code;
-    std::string body = ToAnsi(message.Data).substr(0, CKorComIO::kLongestText - 1) + CKorComIO::kCtrlZ;
-    const AtExchange exchange = device_.Exchange(body, kSubmitTime, "+CMGS:");
+    std::string body = ToAnsi(message.Data).substr(0, CKorComIO::kLongestText - 1);
+    std::ranges::replace_if(body, EndsData, ' ');
+    const AtExchange exchange = device_.Exchange(body + CKorComIO::kCtrlZ, kSubmitTime, "+CMGS:");
     if (exchange.outcome.code == result::Success) references = OnlyDigits(exchange.reply);
     return exchange.outcome.code;
 }
@@ -196,24 +205,25 @@ ResultCode CGsmModem::ReadStorages(StorageUse use) {
     const CGsmDevice::Session session(device_, settings);
     if (session.Code() != result::Success) return session.Code();
     if (const ResultCode code = Initialise(); code != result::Success) return code;
+    ResultCode first = result::Success;
     for (const GsmStorage* storage :
          StoragesToRead(settings.messageStorage, use, device_.OfferedStorages())) {
-        if (const ResultCode code = ReadStorage(*storage); code != result::Success) return code;
+        const ResultCode code = ReadStorage(*storage);
+        if (first == result::Success) first = code;
     }
-    return result::Success;
+    return first;
 }
 
 // Reports lie among the messages. They leave the device once they are known.
 ResultCode CGsmModem::ReadStorage(const GsmStorage& storage) {
     std::string reportKeys;
-    const ResultCode code = device_.List(storage, [&](std::int32_t index, const std::string& pdu) {
-        std::string key = StorageKey(storage, index);
-        CGsmStatusPdu status(pdu);
-        if (status.Decode(GetClock())) {
-            TakeReport(status);
+    const ResultCode code = device_.List(storage, [&](const AtEntry& entry) {
+        if (IsCut(entry)) return;
+        std::string key = StorageKey(storage, entry.number);
+        if (TakeReport(entry.hexText)) {
             reportKeys += key;
-        } else {
-            TakeMessage(pdu, index, std::move(key));
+        } else if (!received_.HoldsLocation(key)) {
+            TakeMessage(entry, std::move(key));
         }
     });
     if (reportKeys.empty()) return code;
@@ -222,7 +232,22 @@ ResultCode CGsmModem::ReadStorage(const GsmStorage& storage) {
     return code == result::Success ? deleted : code;
 }
 
-void CGsmModem::TakeReport(const CGsmStatusPdu& status) {
+// A PDU that lost its end on the line would be read with zeros in its place, and a report with a zero says
+// "Delivered".
+bool CGsmModem::IsCut(const AtEntry& entry) {
+    const GsmPduSize size = SizeOfPdu(entry.hexText);
+    const std::vector<AtField> values = AtFields(entry.values);
+    const bool isShort = values.size() > 1 && size.octets < size.needed &&
+                         std::cmp_less(size.octets, ToInt(values.back().text));
+    if (entry.whole && !isShort) return false;
+    Log(kEvent, "Message at memory location [%d] was cut on its way, it stays on the device: [%s]\n",
+        entry.number, entry.hexText.c_str());
+    return true;
+}
+
+bool CGsmModem::TakeReport(const std::string& pdu) {
+    CGsmStatusPdu status(pdu);
+    if (!status.Decode(GetClock())) return false;
     Log(kEvent, "Report received for message %d, status = %02X\n", status.messageReference, status.status);
     std::string reference = std::to_string(status.messageReference);
     if (AdvancedSetting("CheckReports", 0) != 0 &&
@@ -231,12 +256,17 @@ void CGsmModem::TakeReport(const CGsmStatusPdu& status) {
         Log(kEvent, "Report is for another message, kept as [%s]\n", reference.c_str());
     }
     reports_.Update(reference, StatusOfOctet(status.status), status.dischargeSeconds, status.status);
+    return true;
 }
 
-void CGsmModem::TakeMessage(const std::string& pdu, std::int32_t index, std::string key) {
-    Log(kEvent, "Receiving message at memory location [%d]...\n", index);
+void CGsmModem::TakeMessage(const AtEntry& entry, std::string key) {
+    Log(kEvent, "Receiving message at memory location [%d]...\n", entry.number);
     CPDUDecode decoded(GetClock());
-    if (!decoded.Decode(pdu)) return;
+    if (!decoded.Decode(entry.hexText)) {
+        Log(kEvent, "Message at memory location [%d] cannot be decoded, it stays on the device: [%s]\n",
+            entry.number, entry.hexText.c_str());
+        return;
+    }
     CSmsMessageX message;
     message.Sender = std::move(decoded.originator);
     message.SMSC = std::move(decoded.serviceCentre);
@@ -269,12 +299,14 @@ ResultCode CGsmModem::DeleteMessage(std::int32_t index) {
 
 // Parts of messages that are still incomplete stay on the device, so that nothing is lost that was never
 // read.
-ResultCode CGsmModem::DeleteAllMessages(bool all) {
+ResultCode CGsmModem::DeleteAllMessages(std::int32_t all) {
     if (received_.Stored() == 0) return result::NoMoreMessages;
+    const bool notifications = all == 1 || all == -1;
     std::string keys;
     CSmsMessageX message;
     for (std::size_t index = 0; received_.ByIndex(index, message) == result::Success; ++index) {
-        if (all || message.Format != sms::asMESSAGEFORMAT_NOTIFICATION_MMS) keys += message.StorageLocation;
+        if (notifications || message.Format != sms::asMESSAGEFORMAT_NOTIFICATION_MMS)
+            keys += message.StorageLocation;
     }
     const CGsmDevice::Session session(device_, settings);
     if (session.Code() != result::Success) return session.Code();

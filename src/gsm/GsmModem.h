@@ -31,20 +31,22 @@ class CGsmModem : public CVrmBase {
 
     // All return a result code; see the class's own page of the reference for the codes of each.
     ResultCode EnterPin(std::string_view pin) { return device_.EnterPin(settings, pin); }
-    ResultCode SendCommand(std::string_view command, std::uint32_t timeout, std::string& response) {
+    ResultCode SendCommand(std::string_view command, std::int32_t timeout, std::string& response) {
         return device_.SendCommand(settings, command, timeout, response);
     }
 
-    // `references`: the modem's reference of each part, joined by ";" ("17;18;19").
+    // `references`: the modem's reference of each part, joined by ";" ("17;18;19"). A part for which the
+    // modem gives none counts as sent.
     ResultCode Send(const CSmsMessageX& message, std::string& references);
 
-    // Reads the chosen storages into the received messages.
+    // Reads the chosen storages into the received messages: all that can be read, whatever fails. The code is
+    // that of the first failure.
     ResultCode Receive();
     CSmsMessagesX& Received() { return received_; }
 
     ResultCode DeleteMessage(std::int32_t index);
-    // MMS notifications stay on the device unless `all`.
-    ResultCode DeleteAllMessages(bool all);
+    // MMS notifications stay on the device unless `all` is 1 or -1, which is a script's True.
+    ResultCode DeleteAllMessages(std::int32_t all);
 
     // The report of a reference as Send returned it. For several parts: open while one part is; then the
     // first state that is not "Delivered", and the latest time. A final report leaves the store.
@@ -62,8 +64,9 @@ class CGsmModem : public CVrmBase {
 
     ResultCode ReadStorages(StorageUse use);
     ResultCode ReadStorage(const GsmStorage& storage);
-    void TakeReport(const CGsmStatusPdu& status);
-    void TakeMessage(const std::string& pdu, std::int32_t index, std::string key);
+    bool IsCut(const AtEntry& entry);
+    bool TakeReport(const std::string& pdu);
+    void TakeMessage(const AtEntry& entry, std::string key);
     ResultCode DeleteKeys(std::string_view keys);
 
     CGsmDevice device_;

@@ -4,32 +4,42 @@
 #include "foundation/Hex.h"
 
 #include <algorithm>
+#include <cstring>
 
-CGsmPdu::CGsmPdu(std::string_view text) : text_(text.substr(0, kCapacity)) {}
+namespace {
 
-std::uint8_t CGsmPdu::Octet() {
-    const auto digit = [this] {
-        return cursor_ < text_.size() ? hex::Value(text_[cursor_++]) : std::uint8_t{0};
-    };
-    const std::uint8_t high = digit();
-    return static_cast<std::uint8_t>(high << 4 | digit());
+// Writes the octets that the text stands for, also one of which only the first character is there, and
+// returns their number.
+std::size_t ReadOctets(std::string_view text, std::uint8_t* octets) {
+    const std::size_t whole = hex::Read(text, octets);
+    if (text.size() % 2 == 0) return whole;
+    octets[whole] = static_cast<std::uint8_t>(hex::Value(text.back()) << 4);
+    return whole + 1;
 }
 
-void CGsmPdu::Octets(std::span<std::uint8_t> octets) {
-    const std::size_t whole = hex::Read(text_.substr(cursor_, 2 * octets.size()), octets.data());
-    cursor_ += 2 * whole;
-    for (std::uint8_t& missing : octets.subspan(whole)) missing = Octet();
+}  // namespace
+
+CGsmPdu::CGsmPdu(std::string_view text)
+    : size_(ReadOctets(text.substr(0, kCapacity), octets_.data())),
+      in_({reinterpret_cast<const char*>(octets_.data()), size_}) {}
+
+std::span<const std::uint8_t> CGsmPdu::Octets(std::size_t count) {
+    const std::size_t at = in_.Position();
+    const std::size_t present = in_.Take(count).size();
+    std::fill_n(octets_.data() + size_, count - present, std::uint8_t{0});
+    return {octets_.data() + at, count};
 }
 
 std::string CGsmPdu::SemiOctets(std::size_t octets) {
-    std::string digits;
-    for (std::size_t i = 0; i < octets; ++i) {
-        const std::uint8_t octet = Octet();
-        digits.push_back(hex::kDigits[octet & 0x0F]);
-        digits.push_back(hex::kDigits[octet >> 4]);
+    std::array<char, 2 * 0xFF> digits;
+    std::size_t size = 0;
+    for (const std::uint8_t octet : Octets(octets)) {
+        const auto& pair = hex::kPairs[octet];
+        digits[size++] = pair[1];
+        digits[size++] = pair[0];
     }
-    if (!digits.empty() && digits.back() == 'F') digits.pop_back();
-    return digits;
+    if (size > 0 && digits[size - 1] == 'F') --size;
+    return {digits.data(), size};
 }
 
 GsmAddress CGsmPdu::ServiceCentre() {
@@ -54,21 +64,20 @@ GsmAddress CGsmPdu::Address() {
         address.digits = SemiOctets(octets);
         return address;
     }
-    std::array<std::uint8_t, 128> packed{};
-    for (std::size_t i = 0; i < octets; ++i) packed[i] = Octet();
-    std::array<std::uint8_t, 160> codes{};
-    const std::size_t size = septets::Unpack({packed.data(), octets}, 0, codes.size(), codes.data());
+    std::array<std::uint8_t, 160> codes;
+    const std::size_t size = septets::Unpack(Octets(octets), 0, codes.size(), codes.data());
     address.digits.assign(codes.begin(), codes.begin() + size);  // the codes themselves are the characters
     address.digits.resize(address.digits.find_last_not_of('\0') + 1);
     return address;
 }
 
 CGsmPdu::TimeStamp CGsmPdu::ReadTimeStamp() {
-    TimeStamp stamp{};
-    for (std::uint8_t& pair : stamp) {
-        const std::uint8_t octet = Octet();
-        pair = static_cast<std::uint8_t>(octet << 4 | octet >> 4);
-    }
+    TimeStamp stamp;
+    std::uint64_t octets = 0;
+    std::memcpy(&octets, Octets(stamp.size()).data(), stamp.size());
+    constexpr std::uint64_t kLowDigits = 0x0F0F0F0F0F0F0F0F;
+    octets = (octets & kLowDigits) << 4 | (octets >> 4 & kLowDigits);
+    std::memcpy(stamp.data(), &octets, stamp.size());
     return stamp;
 }
 

@@ -2,6 +2,7 @@
 // stamps.
 #pragma once
 #include "foundation/Clock.h"
+#include "foundation/OctetReader.h"
 
 #include <array>
 #include <cstdint>
@@ -27,10 +28,16 @@ class CGsmPdu {
     using TimeStamp = std::array<std::uint8_t, 7>;
 
     explicit CGsmPdu(std::string_view text);
+    CGsmPdu(const CGsmPdu&) = delete;
+    CGsmPdu& operator=(const CGsmPdu&) = delete;
 
   protected:
-    std::uint8_t Octet();
-    void Octets(std::span<std::uint8_t> octets);
+    ~CGsmPdu() = default;
+
+    std::uint8_t Octet() { return in_.Octet(); }
+    // At most kMostOctets; they last as long as the reader.
+    std::span<const std::uint8_t> Octets(std::size_t count);
+    static constexpr std::size_t kMostOctets = 512;
 
     // The address of the service centre: a count of octets, then the address.
     GsmAddress ServiceCentre();
@@ -41,8 +48,10 @@ class CGsmPdu {
   private:
     std::string SemiOctets(std::size_t octets);
 
-    std::string_view text_;
-    std::size_t cursor_ = 0;
+    // Behind those of the text stand the zeros that were last read for missing ones.
+    std::array<std::uint8_t, kCapacity / 2 + kMostOctets> octets_;
+    std::size_t size_;  // of the text's
+    OctetReader in_;
 };
 
 // The 14 digits as text.

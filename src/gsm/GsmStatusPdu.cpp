@@ -1,12 +1,23 @@
 #include "gsm/GsmStatusPdu.h"
 
+#include "foundation/Hex.h"
 #include "sms/SmsConstants.h"
-
-#include <cstdio>
 
 namespace {
 constexpr std::uint8_t kMessageType = 0x03;
 constexpr std::uint8_t kStatusReport = 0x02;
+
+std::string ReportText(const CGsmStatusPdu& pdu, Clock& clock) {
+    const LocalTimeText time = TimeText(clock, pdu.dischargeSeconds);
+    std::string text;
+    text.reserve(2 + 1 + std::string_view(time).size() + 1 + 3);
+    hex::Append(text, pdu.messageReference);
+    text.append(1, ',').append(time).append(1, ',');
+    if (pdu.status >= 100) text += static_cast<char>('0' + pdu.status / 100);
+    text += static_cast<char>('0' + pdu.status / 10 % 10);
+    text += static_cast<char>('0' + pdu.status % 10);
+    return text;
+}
 }  // namespace
 
 bool CGsmStatusPdu::Decode(Clock& clock) {
@@ -18,10 +29,7 @@ bool CGsmStatusPdu::Decode(Clock& clock) {
     dischargeTime = ReadTimeStamp();
     status = Octet();
     dischargeSeconds = TimeStampSeconds(dischargeTime, clock);
-    std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%02X,%s,%02d", messageReference,
-                  TimeText(clock, dischargeSeconds).c_str(), status);
-    report = text.data();
+    report = ReportText(*this, clock);
     return true;
 }
 

@@ -21,7 +21,7 @@ const GsmStorage* Chosen(std::int32_t choice, StorageUse use) {
 unsigned StoragesNamed(std::string_view text) {
     unsigned named = 0;
     for (const GsmStorage& row : kGsmStorages) {
-        if (text.find(row.name) != std::string_view::npos) named |= row.bit;
+        if (ContainsNoCase(text, row.name)) named |= row.bit;
     }
     return named;
 }

@@ -28,7 +28,7 @@ inline constexpr auto kGsmStorages = std::to_array<GsmStorage>({
 
 enum class StorageUse { kMessages, kReports };
 
-// The set of the storages that a text names.
+// The set of the storages that a text names, in letters of either case.
 unsigned StoragesNamed(std::string_view text);
 
 // What an asSTORAGE_ choice has read: the storage chosen, else those that the device offers (a set of bits).

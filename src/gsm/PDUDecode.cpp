@@ -17,14 +17,16 @@ void ReadText(const CGsmDeliverPdu& pdu, std::u16string& text) {
     std::array<std::uint8_t, 296> codes;
     const std::size_t size =
         septets::Unpack(pdu.Data(), headerOctets, static_cast<std::size_t>(maximum), codes.data());
-    text.resize(size);
-    text.resize(CGsmAlphabet::Decode({codes.data(), size}, text.data()));
+    std::array<char16_t, codes.size()> characters;
+    text.assign(characters.data(), CGsmAlphabet::Decode({codes.data(), size}, characters.data()));
 }
 
 void ReadUnits(std::span<const std::uint8_t> octets, std::u16string& text) {
     text.resize(octets.size() / 2);
+    char16_t* __restrict out = text.data();
+    const std::uint8_t* __restrict in = octets.data();
     for (std::size_t i = 0; i < text.size(); ++i) {
-        text[i] = static_cast<char16_t>(octets[2 * i] << 8 | octets[2 * i + 1]);
+        out[i] = static_cast<char16_t>(in[2 * i] << 8 | in[2 * i + 1]);
     }
 }
 

@@ -19,7 +19,7 @@ class CPDUDecode {
     CUserDataHeader header;
     std::string originator;
     std::string serviceCentre;
-    std::string timeText;
+    LocalTimeText timeText;
     std::int32_t timeSeconds = 0;
     std::int32_t format = 0;  // asMESSAGEFORMAT_TEXT, _DATA or _UNICODE
 

@@ -41,7 +41,7 @@ class SmsProtocolGsmAuto final : public SmsChannelAuto<ISmsProtocolGsm, CGsmMode
     }
     STDMETHODIMP SendCommand(BSTR bstrCommand, LONG lTimeout, BSTR* pbstrResponse) noexcept override {
         return Output(pbstrResponse, [&](std::string& response) {
-            return engine_.SendCommand(AnsiOf(bstrCommand), static_cast<std::uint32_t>(lTimeout), response);
+            return engine_.SendCommand(AnsiOf(bstrCommand), lTimeout, response);
         });
     }
     STDMETHODIMP Receive(LONG* pVal) noexcept override {
@@ -55,7 +55,7 @@ class SmsProtocolGsmAuto final : public SmsChannelAuto<ISmsProtocolGsm, CGsmMode
         return Method([&] { return engine_.DeleteMessage(lIndex); });
     }
     STDMETHODIMP DeleteAllMessages(LONG bAll) noexcept override {
-        return Method([&] { return engine_.DeleteAllMessages(bAll != 0); });
+        return Method([&] { return engine_.DeleteAllMessages(bAll); });
     }
     STDMETHODIMP QueryStatus(BSTR bstrReference, VARIANT* pVal) noexcept override {
         return GiveStatus(pVal, [&](CSmsDeliveryReport& report) {

@@ -64,8 +64,8 @@ ResultCode ReadMessage(const CSmsMessageX& message, Converted& converted, HttpFi
     fields.alphabet = format.alphabet;
     fields.dcs = format.Dcs();
     fields.hasHeader = message.Format == sms::asMESSAGEFORMAT_DATA_UDH;
+    if (!CanHold(format, fields.body)) return result::InvalidFormat;
     if (format.alphabet == Alphabet::kOctets) {
-        if (!hex::IsText(fields.body)) return result::InvalidFormat;
         ReadOctets(fields.body, converted.octets);
         fields.body = converted.octets;
     }

@@ -17,6 +17,7 @@ constexpr auto kStartTime = std::chrono::milliseconds(5000);
 constexpr std::uint32_t kUnbindTime = 5000;
 constexpr std::uint32_t kBlockedTime = 1;
 constexpr std::uint32_t kGatherTime = 1;
+constexpr std::size_t kManyTaken = 8;  // at a time, by a caller that sends on and on
 constexpr std::uint32_t kLongestQueryPause = 20;
 constexpr std::size_t kReadSize = 65536;
 constexpr std::int32_t kLastPort = 65535;
@@ -66,6 +67,7 @@ ResultCode CSmppProtocol::StartWorker() {
     settings.dumpFlags = static_cast<std::uint32_t>(AdvancedSetting("Debug", kDumpAll));
     active_ = settings;
     reports_.SetReceiptFormat(settings.reportFormat);
+    waiter_.Forget();
     stop_ = false;
     started_ = bindAnswered_ = false;
     try {
@@ -133,23 +135,33 @@ ResultCode CSmppProtocol::Send(const CSmsMessageX& message, std::string& referen
         Log(logmask::kVerbatim, "Sending failed (%s)\n", text.c_str());
         return code;
     }
+    bool isAwaited = false;
     for (const std::string& pdu : pdus_) {
         if (!references.empty()) references += kReferenceSeparator;
-        const std::string_view reference = EnterNew(references);
-        const std::scoped_lock guard(lock_);
-        intake_.Push({pdu, reference, message.RequestDeliveryStatus});
+        isAwaited |= PutIntoIntake({pdu, EnterNew(references), message.RequestDeliveryStatus});
     }
     Log(logmask::kVerbatim, "Adding message to queue...\n");
-    // The worker is only woken when it sleeps; a busy one comes by anyway.
-    if (sleeping_.exchange(false)) waiter_.Wake();
-    if (!IsConnected()) {  // the session ended meanwhile: what it did not take gets its result here
-        const std::scoped_lock guard(lock_);
-        for (; !intake_.IsEmpty(); intake_.Pop()) {
-            reports_.SetStatus(intake_.Front().reference, sms::asDELIVERYSTATUS_FAILED,
-                               result::SmppNotBound.Number());
-        }
-    }
+    if (isAwaited) waiter_.Wake();
+    if (!IsConnected())
+        FailIntake();  // the session ended meanwhile: what it did not take gets its result here
     return result::Success;
+}
+
+// True when the worker sleeps until there is as much as there is now; a busy one comes by anyway.
+bool CSmppProtocol::PutIntoIntake(const SmppQueuedSubmit& submit) {
+    const std::scoped_lock guard(intakeLock_);
+    intake_.Push(submit);
+    if (intake_.Size() < wakeAt_) return false;
+    wakeAt_ = kNever;
+    return true;
+}
+
+void CSmppProtocol::FailIntake() {
+    const std::scoped_lock guard(intakeLock_);
+    for (; !intake_.IsEmpty(); intake_.Pop()) {
+        reports_.SetStatus(intake_.Front().reference, sms::asDELIVERYSTATUS_FAILED,
+                           result::SmppNotBound.Number());
+    }
 }
 
 // The mode is the bound one; addresses and character set are those that are set now.
@@ -203,11 +215,12 @@ void CSmppProtocol::SignalBind(ResultCode code) {
     changed_.notify_all();
 }
 
-bool CSmppProtocol::TakeIntake(CSmppSession& session) {
-    const std::scoped_lock guard(lock_);
-    if (intake_.IsEmpty()) return false;
-    session.Queue(intake_);
-    return true;
+// Gives how many there were.
+std::size_t CSmppProtocol::TakeIntake(CSmppSession& session) {
+    const std::scoped_lock guard(intakeLock_);
+    const std::size_t taken = intake_.Size();
+    if (taken != 0) session.Queue(intake_);
+    return taken;
 }
 
 // Sends what is ready in one go; what the connection does not take stays for the next time. False when it is
@@ -231,7 +244,7 @@ bool CSmppProtocol::Flush(CSmppSession& session) {
 bool CSmppProtocol::Read(CSmppSession& session, std::size_t& received) {
     thread_local std::vector<char> buffer(kReadSize);
     const int code = socket_.Receive(buffer.data(), buffer.size(), received);
-    if (received > 0) session.OnBytes({buffer.data(), received});
+    if (received > 0) session.Take({buffer.data(), received});
     return code == tcp::kSuccess;
 }
 
@@ -243,36 +256,37 @@ void CSmppProtocol::ReadToEnd(CSmppSession& session) {
     }
 }
 
-// While the caller sends one message after another it need not wake the worker for each: the worker comes by
-// soon.
-void CSmppProtocol::WaitForWork(const CSmppSession& session, bool callerIsSending) {
-    if (callerIsSending) {
-        waiter_.Wait(net::kInvalid, kGatherTime);
-        return;
-    }
-    sleeping_ = true;
-    bool work = stop_;
+// The caller wakes the worker when there is something to send and room in the window. While it sends one
+// message after another it does so when they fill the window, and a pause sends what there is; answers that
+// come while many are gathered are read with the next.
+void CSmppProtocol::WaitForWork(const CSmppSession& session, std::size_t taken, bool mayRead) {
+    const std::size_t room = session.Queued() == 0 ? session.Room() : 0;
+    const bool isGathering = room != 0 && taken != 0;
+    const bool isBlind = isGathering && taken >= kManyTaken;
+    if (mayRead && !isBlind) return;
     {
-        const std::scoped_lock guard(lock_);
-        work = work || !intake_.IsEmpty();
+        const std::scoped_lock guard(intakeLock_);
+        wakeAt_ = room == 0 ? kNever : isGathering ? room : 1;
+        if (stop_ || intake_.Size() >= wakeAt_) return;
     }
-    if (!work) waiter_.Wait(socket_.SocketHandle(), session.NextTick());
-    sleeping_ = false;
+    waiter_.Wait(isBlind ? net::kInvalid : socket_.SocketHandle(),
+                 isGathering ? kGatherTime : session.NextTick());
 }
 
 // One round of reading, ticking and writing. False when the connection has ended.
 bool CSmppProtocol::Pump(CSmppSession& session) {
-    const bool taken = TakeIntake(session);
+    const std::size_t taken = TakeIntake(session);
     std::size_t received = 0;
     if (session.WantsBytes() && !Read(session, received)) return false;
     session.OnTick();
     if (!Flush(session)) return false;
+    session.Settle();
     if (session.GetState() == CSmppSession::State::kClosed) return false;
     if (!session.Output().empty()) {
         if (received == 0)
             waiter_.Wait(session.WantsBytes() ? socket_.SocketHandle() : net::kInvalid, kBlockedTime);
-    } else if (received == 0 || taken) {
-        WaitForWork(session, taken && !session.IsWindowFull());
+    } else {
+        WaitForWork(session, taken, received > 0);
     }
     return true;
 }

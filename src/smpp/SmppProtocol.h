@@ -1,5 +1,6 @@
 // The SMPP channel: one connection, its worker thread, and the calls that a caller's thread makes on it.
 #pragma once
+#include "foundation/BriefMutex.h"
 #include "foundation/ProviderFile.h"
 #include "foundation/ResultCode.h"
 #include "foundation/net/KorTcpSocket.h"
@@ -56,6 +57,8 @@ class CSmppProtocol : public CVrmBase {
     CSmsMessagesX& Received() { return received_; }
 
   private:
+    static constexpr std::size_t kNever = SIZE_MAX;
+
     std::vector<ProviderRow> ProviderRows();
 
     ResultCode Build(const CSmsMessageX& message);
@@ -64,6 +67,8 @@ class CSmppProtocol : public CVrmBase {
     void LogConnect(ResultCode code);
 
     std::string_view EnterNew(std::string& references);
+    bool PutIntoIntake(const SmppQueuedSubmit& submit);
+    void FailIntake();
 
     void Work();
     void Serve(CSmppSession& session);
@@ -74,8 +79,8 @@ class CSmppProtocol : public CVrmBase {
     bool Flush(CSmppSession& session);
     bool Read(CSmppSession& session, std::size_t& received);
     void ReadToEnd(CSmppSession& session);
-    bool TakeIntake(CSmppSession& session);
-    void WaitForWork(const CSmppSession& session, bool callerIsSending);
+    std::size_t TakeIntake(CSmppSession& session);
+    void WaitForWork(const CSmppSession& session, std::size_t taken, bool mayRead);
     void SignalBind(ResultCode code);
 
     CKorTcpSocket socket_;
@@ -91,11 +96,13 @@ class CSmppProtocol : public CVrmBase {
     std::atomic<bool> bound_ = false;
     std::atomic<bool> isSettled_ = true;  // no worker is left that could still give a message its result
     std::atomic<bool> stop_ = false;
-    std::atomic<bool> sleeping_ = false;
+
+    BriefMutex intakeLock_;  // of what follows
+    SmppSubmitQueue intake_;
+    std::size_t wakeAt_ = kNever;  // so many messages in the intake wake the worker
 
     std::mutex lock_;  // of what follows
     std::condition_variable changed_;
-    SmppSubmitQueue intake_;
     bool started_ = false;
     bool bindAnswered_ = false;
     ResultCode bindResult_;

@@ -166,7 +166,7 @@ void CSmppSession::OnClosed() {
 
 bool CSmppSession::WantsBytes() const { return output_.size() < kReadMark; }
 
-void CSmppSession::OnBytes(std::string_view octets) {
+void CSmppSession::Take(std::string_view octets) {
     // Whole PDUs are taken from where they lie; only a piece that is left over is kept.
     const bool kept = !input_.empty();
     if (kept) input_.append(octets);
@@ -184,9 +184,12 @@ void CSmppSession::OnBytes(std::string_view octets) {
         rest.remove_prefix(length);
     }
     input_ = std::string(rest);
+    if (isUnbound_) state_ = State::kClosed;
+}
+
+void CSmppSession::Settle() {
     RecordAnswers();
     receipts_.Settle();
-    if (isUnbound_) state_ = State::kClosed;
 }
 
 // Receipts that waited for one of the answers find their message now.
@@ -352,7 +355,7 @@ void CSmppSession::Finish(const SmppInFlight& submit, std::uint32_t status, cons
 void CSmppSession::Submit() {
     const std::uint32_t now = clock_->Ticks();
     const bool logging = log_->IsLogging();
-    while (!queue_.IsEmpty() && !IsWindowFull() && output_.size() < kSubmitMark &&
+    while (!queue_.IsEmpty() && Room() != 0 && output_.size() < kSubmitMark &&
            pace_.Allows(settings_->throughput)) {
         const SmppQueuedSubmit submit = queue_.Front();
         const std::uint32_t sequence = NextSequence();
@@ -392,12 +395,12 @@ void CSmppSession::OnTick() {
         lastService_ = now;
         reports_->RemoveOlderThan(kReportsKept);
     }
-    receipts_.Settle();
+    if (answers_.empty()) receipts_.Settle();  // whose answer may be among them
     Submit();
 }
 
 std::uint32_t CSmppSession::NextTick() const {
-    if (state_ == State::kBound && !queue_.IsEmpty() && settings_->throughput > 0 && !IsWindowFull()) {
+    if (state_ == State::kBound && !queue_.IsEmpty() && settings_->throughput > 0 && Room() != 0) {
         return static_cast<std::uint32_t>(std::min<std::uint64_t>(pace_.Wait(), kIdleTick));
     }
     const std::uint32_t interval = KeepAliveInterval();

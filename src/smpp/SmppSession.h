@@ -31,8 +31,13 @@ class CSmppSession {
     void Queue(SmppSubmitQueue& submits) { queue_.Append(submits); }
 
     // Octets as they arrive, in any pieces. What is no PDU closes the session; a PDU whose handling throws is
-    // left unanswered.
-    void OnBytes(std::string_view octets);
+    // left unanswered. What they answered is recorded by Settle, so that the next messages can go out first.
+    void Take(std::string_view octets);
+    void Settle();
+    void OnBytes(std::string_view octets) {
+        Take(octets);
+        Settle();
+    }
     // False while so much output waits that nothing more should be read: a server that only asks must listen.
     bool WantsBytes() const;
 
@@ -56,7 +61,9 @@ class CSmppSession {
     // Why the session closed by itself: 33206 after ten unanswered keep-alives, else 0.
     ResultCode CloseCode() const { return closeCode_; }
     std::size_t InFlight() const { return inFlight_.Size(); }
-    bool IsWindowFull() const { return inFlight_.Size() >= Window(); }
+    // How many more messages may go out before one is answered.
+    std::size_t Room() const { return Window() - std::min(Window(), inFlight_.Size()); }
+    std::size_t Queued() const { return queue_.Size(); }
 
   private:
     std::size_t Window() const { return static_cast<std::size_t>(std::max(settings_->windowSize, 1)); }
@@ -122,7 +129,7 @@ class CSmppSession {
     std::string output_;
     SmppSubmitQueue queue_;
     SmppWindow inFlight_;
-    std::vector<SubmitAnswer> answers_;  // of the octets being read, recorded together
+    std::vector<SubmitAnswer> answers_;  // not yet recorded
 
     Header header_;
     CSmppSubmitSmResp submitResp_;

@@ -124,6 +124,7 @@ struct SmppSubmitBuilder::Layout {
 ResultCode SmppSubmitBuilder::Build(const SmppSettings& settings, const CSmsMessageX& message,
                                     std::vector<std::string>& pdus) {
     if (!address::IsNumber(message.Recipient)) return result::InvalidRecipient;
+    if (!CanHold(FormatOf(message.Format), message.Data)) return result::InvalidFormat;
     const Body body = ReadBody(message, settings.charSet);
     Layout layout;
     layout.port = message.DestinationPort;
@@ -223,6 +224,6 @@ bool SmppSubmitBuilder::EncodePart(std::string_view callerHeader, std::string_vi
     text.append(callerHeader).append(data);
     pdu_.Encode();
     const auto encoded = pdu_.Data();
-    octets.assign(encoded.begin(), encoded.end());
+    octets.assign(reinterpret_cast<const char*>(encoded.data()), encoded.size());
     return pdu_.IsWhole();
 }

@@ -16,8 +16,9 @@ class SmppSubmitBuilder {
   public:
     explicit SmppSubmitBuilder(Clock& clock = SystemClock()) : clock_(&clock) {}
 
-    // Makes `pdus` one encoded submit_sm a part, with sequence_number 0. 0, 34031 recipient, 34033 when a
-    // header leaves no room, more than 255 parts would be needed, or optional parameters burst the PDU.
+    // Makes `pdus` one encoded submit_sm a part, with sequence_number 0. 0, 34031 recipient, 34034 data that
+    // is no hexadecimal, 34033 when a header leaves no room, more than 255 parts would be needed, or optional
+    // parameters burst the PDU.
     ResultCode Build(const SmppSettings& settings, const CSmsMessageX& message,
                      std::vector<std::string>& pdus);
 

@@ -35,6 +35,7 @@ void SmppSubmitQueue::Push(const SmppQueuedSubmit& submit) {
     std::string& octets = blocks_.back().octets;
     octets.append(reinterpret_cast<const char*>(&head), sizeof head);
     octets.append(submit.reference).append(submit.pdu);
+    ++size_;
 }
 
 SmppQueuedSubmit SmppSubmitQueue::Front() const {
@@ -46,6 +47,7 @@ SmppQueuedSubmit SmppSubmitQueue::Front() const {
 }
 
 void SmppSubmitQueue::Pop() {
+    --size_;
     Block& block = blocks_.front();
     const EntryHead head = HeadAt(block.octets.data() + block.read);
     block.read += sizeof head + head.referenceSize + head.pduSize;
@@ -60,10 +62,11 @@ void SmppSubmitQueue::Pop() {
 
 void SmppSubmitQueue::Append(SmppSubmitQueue& other) {
     if (IsEmpty()) {
-        blocks_.swap(other.blocks_);
+        std::swap(*this, other);
         return;
     }
     if (other.IsEmpty()) return;
+    size_ += std::exchange(other.size_, 0);
     for (Block& block : other.blocks_) {
         const std::string_view rest = std::string_view(block.octets).substr(block.read);
         std::string& last = blocks_.back().octets;

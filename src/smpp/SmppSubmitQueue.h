@@ -16,14 +16,14 @@ struct SmppQueuedSubmit {
 
 class SmppSubmitQueue {
   public:
-    bool IsEmpty() const { return blocks_.empty() || blocks_.front().read == blocks_.front().octets.size(); }
+    bool IsEmpty() const { return size_ == 0; }
+    std::size_t Size() const { return size_; }
     void Push(const SmppQueuedSubmit& submit);
     SmppQueuedSubmit Front() const;
     void Pop();
 
     // Takes all of the other queue behind its own; the other is empty afterwards.
     void Append(SmppSubmitQueue& other);
-    void Clear() { blocks_.clear(); }
 
   private:
     struct Block {
@@ -31,4 +31,5 @@ class SmppSubmitQueue {
         std::size_t read = 0;
     };
     std::deque<Block> blocks_;  // only an only block may be read to its end
+    std::size_t size_ = 0;      // messages
 };

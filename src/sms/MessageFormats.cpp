@@ -1,5 +1,6 @@
 #include "sms/MessageFormats.h"
 
+#include "foundation/Hex.h"
 #include "sms/SmsConstants.h"
 
 #include <algorithm>
@@ -27,4 +28,8 @@ constexpr MessageFormat kOther{-1, "UNKNOWN", Alphabet::kGsm, false, false};
 const MessageFormat& FormatOf(std::int32_t number) {
     const auto* const row = std::ranges::find(kFormats, number, &MessageFormat::number);
     return row != kFormats.end() ? *row : kOther;
+}
+
+bool CanHold(const MessageFormat& format, std::u16string_view body) {
+    return format.alphabet != Alphabet::kOctets || hex::IsHex(body);
 }

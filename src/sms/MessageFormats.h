@@ -22,3 +22,7 @@ struct MessageFormat {
 
 // Every other number is coded as plain text of one part and called "UNKNOWN".
 const MessageFormat& FormatOf(std::int32_t number);
+
+// Whether a message of that format can have this body: that of a data format is hexadecimal, two digits an
+// octet and nothing between them. Otherwise the channels give 34034 and send nothing.
+bool CanHold(const MessageFormat& format, std::u16string_view body);

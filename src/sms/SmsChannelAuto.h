@@ -6,6 +6,7 @@
 #include "sms/SmsMessageAuto.h"
 
 #include <optional>
+#include <utility>
 
 template <class Interface, class Engine>
 class SmsChannelAuto : public ProtocolAuto<Interface, Engine> {
@@ -13,9 +14,11 @@ class SmsChannelAuto : public ProtocolAuto<Interface, Engine> {
     STDMETHODIMP Send(VARIANT* pMessage, BSTR* pVal) noexcept override {
         return this->Output(pVal, [&](std::optional<std::string>& references) {
             if (pMessage == nullptr) return result::InvalidParameter;
-            CSmsMessageX message;
-            const ResultCode code = Prepare(pMessage, message);
-            return code == result::Success ? engine_.Send(message, references.emplace()) : code;
+            CSmsMessageX message(std::move(sent_));
+            ResultCode code = Prepare(pMessage, message);
+            if (code == result::Success) code = engine_.Send(message, references.emplace());
+            sent_ = std::move(message);
+            return code;
         });
     }
 
@@ -57,7 +60,7 @@ class SmsChannelAuto : public ProtocolAuto<Interface, Engine> {
     virtual void WalkEnded() {}
     // How this channel writes the time at which a status became final.
     virtual std::string CompletedTimeText(std::int32_t seconds) {
-        return TimeText(engine_.GetClock(), seconds);
+        return std::string(TimeText(engine_.GetClock(), seconds));
     }
 
     // Gives the report that `query` finds; one that was waited for in vain is given as it is.
@@ -74,6 +77,8 @@ class SmsChannelAuto : public ProtocolAuto<Interface, Engine> {
     }
 
   private:
+    CSmsMessageX sent_;  // the last, kept for its memory; a Send within a Send finds it empty
+
     template <class Read>
     HRESULT GiveMessage(VARIANT* pVal, Read read) noexcept {
         return this->Output(pVal, [&](ComPointer<IDispatch>& object) {

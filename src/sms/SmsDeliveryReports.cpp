@@ -16,6 +16,7 @@ namespace {
 constexpr const char* kSource = "SmsDeliveryReport";
 constexpr std::string_view kRecordEnd = "||";
 constexpr std::string_view kFieldEnd = ";;";
+constexpr std::size_t kAnswersAtOnce = 8;
 constexpr std::uint32_t kSaveSlice = 1024;  // places copied at a time, so that nobody waits for the lock
 constexpr std::size_t kWritePiece = std::size_t{1} << 18;
 constexpr std::int32_t kClockTolerance = 86'400;  // s
@@ -172,8 +173,12 @@ void CSmsDeliveryReports::PutText(Key key, std::uint32_t place, std::string_view
 }
 
 std::optional<std::uint32_t> CSmsDeliveryReports::PlaceOf(Key key, std::string_view text) const {
-    return IndexOf(key).Find(LooseHash(text),
-                             [&](std::uint32_t place) { return TextOf(key, place) == text; });
+    return PlaceOf(key, text, LooseHash(text));
+}
+
+std::optional<std::uint32_t> CSmsDeliveryReports::PlaceOf(Key key, std::string_view text,
+                                                          std::uint32_t hash) const {
+    return IndexOf(key).Find(hash, [&](std::uint32_t place) { return TextOf(key, place) == text; });
 }
 
 void CSmsDeliveryReports::FindLoosely(std::string_view providerReference, Candidates& found) const {
@@ -197,11 +202,13 @@ CSmsDeliveryReport CSmsDeliveryReports::ReportAt(std::uint32_t place) const {
 }
 
 std::uint32_t CSmsDeliveryReports::Insert(std::string_view reference, std::int32_t createdTime) {
-    if (const auto older = PlaceOf(Key::kReference, reference)) Erase(*older);
-    return InsertNew(reference, createdTime);
+    const std::uint32_t hash = LooseHash(reference);
+    if (const auto older = PlaceOf(Key::kReference, reference, hash)) Erase(*older);
+    return InsertNew(reference, hash, createdTime);
 }
 
-std::uint32_t CSmsDeliveryReports::InsertNew(std::string_view reference, std::int32_t createdTime) {
+std::uint32_t CSmsDeliveryReports::InsertNew(std::string_view reference, std::uint32_t hash,
+                                             std::int32_t createdTime) {
     oldest_ = std::min(oldest_, createdTime);
     auto place = static_cast<std::uint32_t>(records_.size());
     if (freePlaces_.empty()) {
@@ -213,7 +220,7 @@ std::uint32_t CSmsDeliveryReports::InsertNew(std::string_view reference, std::in
     records_[place].createdTime = createdTime;
     records_[place].isHeld = true;
     PutText(Key::kReference, place, reference);
-    IndexOf(Key::kReference).Insert(LooseHash(reference), place);
+    IndexOf(Key::kReference).Insert(hash, place);
     return place;
 }
 
@@ -234,8 +241,9 @@ void CSmsDeliveryReports::NameProvider(std::uint32_t place, std::string_view pro
     PutText(Key::kProvider, place, providerReference);
     if (!NamesAMessage(providerReference)) return;
     // Of messages with the same provider reference the one that was named last is found.
-    if (const auto older = PlaceOf(Key::kProvider, providerReference)) withdraw(*older);
-    index.Insert(LooseHash(providerReference), place);
+    const std::uint32_t hash = LooseHash(providerReference);
+    if (const auto older = PlaceOf(Key::kProvider, providerReference, hash)) withdraw(*older);
+    index.Insert(hash, place);
 }
 
 // The server has named the message.
@@ -282,9 +290,10 @@ void CSmsDeliveryReports::RecordSent(std::string_view reference, ReportWanted wa
 
 bool CSmsDeliveryReports::RecordNew(std::string_view reference, ReportWanted wanted) {
     const auto now = static_cast<std::int32_t>(clock_->Now());
+    const std::uint32_t hash = LooseHash(reference);
     const std::scoped_lock guard(lock_);
-    if (PlaceOf(Key::kReference, reference)) return false;
-    PutSent(records_[InsertNew(reference, now)], wanted);
+    if (PlaceOf(Key::kReference, reference, hash)) return false;
+    PutSent(records_[InsertNew(reference, hash, now)], wanted);
     return true;
 }
 
@@ -296,13 +305,18 @@ void CSmsDeliveryReports::RecordProviderReference(std::string_view reference,
         TakeProviderReference(*place, providerReference);
 }
 
+// A few at a time, so that a sender never waits for long.
 void CSmsDeliveryReports::RecordAnswers(std::span<const SubmitAnswer> answers) {
-    const std::scoped_lock guard(lock_);
-    for (const SubmitAnswer& answer : answers) {
-        const auto place = PlaceOf(Key::kReference, answer.reference);
-        if (!place) continue;
-        PutStatus(records_[*place], answer.status, 0);
-        TakeProviderReference(*place, answer.providerReference);
+    while (!answers.empty()) {
+        const auto few = answers.first(std::min(answers.size(), kAnswersAtOnce));
+        answers = answers.subspan(few.size());
+        const std::scoped_lock guard(lock_);
+        for (const SubmitAnswer& answer : few) {
+            const auto place = PlaceOf(Key::kReference, answer.reference);
+            if (!place) continue;
+            PutStatus(records_[*place], answer.status, 0);
+            TakeProviderReference(*place, answer.providerReference);
+        }
     }
 }
 
@@ -400,7 +414,7 @@ bool CSmsDeliveryReports::KeepForeign(const SmsReceipt& receipt) {
     const std::scoped_lock guard(lock_);
     auto place = PlaceOf(Key::kReference, receipt.id);
     if (place && records_[*place].isSent) return false;
-    if (!place) place = InsertNew(receipt.id, static_cast<std::int32_t>(clock_->Now()));
+    if (!place) place = Insert(receipt.id, static_cast<std::int32_t>(clock_->Now()));
     Record& record = records_[*place];
     record.status = receipt.status;
     record.completedTime = receipt.completedTime;

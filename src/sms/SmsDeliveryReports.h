@@ -1,5 +1,6 @@
 // The delivery reports of sent messages, found by the reference that `Send` returned or by the provider's id.
 #pragma once
+#include "foundation/BriefMutex.h"
 #include "foundation/Clock.h"
 #include "foundation/HashIndex.h"
 #include "foundation/ResultCode.h"
@@ -11,7 +12,6 @@
 #include <array>
 #include <cstdint>
 #include <deque>
-#include <mutex>
 #include <optional>
 #include <span>
 #include <string>
@@ -148,11 +148,12 @@ class CSmsDeliveryReports {
     std::string_view TextOf(Key key, std::uint32_t place) const;
     void PutText(Key key, std::uint32_t place, std::string_view text);
     std::optional<std::uint32_t> PlaceOf(Key key, std::string_view text) const;
+    std::optional<std::uint32_t> PlaceOf(Key key, std::string_view text, std::uint32_t hash) const;
     void FindLoosely(std::string_view providerReference, Candidates& found) const;
     CSmsDeliveryReport ReportAt(std::uint32_t place) const;
 
     std::uint32_t Insert(std::string_view reference, std::int32_t createdTime);
-    std::uint32_t InsertNew(std::string_view reference, std::int32_t createdTime);
+    std::uint32_t InsertNew(std::string_view reference, std::uint32_t hash, std::int32_t createdTime);
     void Erase(std::uint32_t place);
     void NameProvider(std::uint32_t place, std::string_view providerReference);
     void TakeProviderReference(std::uint32_t place, std::string_view providerReference);
@@ -171,7 +172,7 @@ class CSmsDeliveryReports {
     std::size_t AddWhole(std::string_view text, bool swapped, bool isLast);
 
     Clock* clock_;
-    mutable std::mutex lock_;
+    mutable BriefMutex lock_;
     std::deque<Record> records_;  // in places that stay
     std::vector<std::uint32_t> freePlaces_;
     std::array<std::unordered_map<std::uint32_t, std::string>, 2> longTexts_;  // by Key, then by place

@@ -252,6 +252,16 @@ std::size_t CSmsMessagesX::Stored() const {
     return complete_.size() + fresh_.size() + arrived_.size() + parts_.size();
 }
 
+bool CSmsMessagesX::HoldsLocation(std::string_view location) const {
+    const auto lies = [location](const CSmsMessageX& record) {
+        return record.StorageLocation.find(location) != std::string::npos;
+    };
+    const std::scoped_lock guard(passLock_, lock_);
+    return std::ranges::any_of(complete_, lies) || std::ranges::any_of(fresh_, lies) ||
+           std::ranges::any_of(arrived_, lies) ||
+           std::ranges::any_of(parts_, [&](const auto& part) { return lies(part.second.record); });
+}
+
 void CSmsMessagesX::Remove(std::size_t index) {
     const std::scoped_lock guard(lock_);
     if (index >= complete_.size()) return;

@@ -40,6 +40,8 @@ class CSmsMessagesX {
 
     std::size_t Count();         // complete messages, after a pass
     std::size_t Stored() const;  // complete messages and waiting parts
+    // Whether a message or a part that is held lies, alone or among others, at this place.
+    bool HoldsLocation(std::string_view location) const;
     void Remove(std::size_t index);
     void RemoveRead();  // the messages that First and Next have given
     void Clear();

@@ -1,6 +1,5 @@
 // Time-outs, the calendar, and time as text.
-#include "foundation/Clock.h"
-
+#include "foundation/SystemClock.h"
 #include "support/VirtualClock.h"
 
 #include <cstdlib>
@@ -40,28 +39,91 @@ TEST(TimeText, IsATwelveHourClockOrUtc) {
     }
 }
 
-TEST(SystemClockCalendar, AgreesWithTheCLibrary) {
-    const std::string old = getenv("TZ") != nullptr ? getenv("TZ") : "";
-    for (const char* zone : {"UTC", "Europe/Amsterdam", "Asia/Kolkata", "America/St_Johns"}) {
-        setenv("TZ", zone, 1);
+// The calendar of the machine's zone at a chosen present.
+class ZoneClock : public LibraryCalendar {
+  public:
+    explicit ZoneClock(std::int64_t now) : now_(now) {}
+    std::uint32_t Ticks() override { return 0; }
+    void Sleep(std::uint32_t) override {}
+    std::int64_t Now() override { return now_; }
+    void SetNow(std::int64_t now) { now_ = now; }
+
+  private:
+    std::int64_t now_;
+};
+
+class Zone {
+  public:
+    explicit Zone(const char* name) {
+        if (const char* old = getenv("TZ")) old_ = old;
+        Set(name);
+    }
+    Zone(const Zone&) = delete;
+    Zone& operator=(const Zone&) = delete;
+    ~Zone() { Set(old_.empty() ? nullptr : old_.c_str()); }
+
+  private:
+    static void Set(const char* name) {
+        name != nullptr ? setenv("TZ", name, 1) : unsetenv("TZ");
         tzset();
-        for (std::int64_t t = 946'684'800; t < 2'000'000'000; t += 9'876'543) {
-            const auto seconds = static_cast<std::time_t>(t);
-            std::tm local{};
-            localtime_r(&seconds, &local);
-            const CalendarTime mine = SystemClock().ToLocal(t);
-            EXPECT_EQ(std::tie(mine.year, mine.month, mine.day, mine.hour, mine.minute, mine.second),
-                      std::make_tuple(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour,
-                                      local.tm_min, local.tm_sec));
-            const std::time_t now = std::time(nullptr);
-            std::tm present{};
-            localtime_r(&now, &present);
-            local.tm_isdst = present.tm_isdst;
-            EXPECT_EQ(SystemClock().FromLocal(mine), std::mktime(&local)) << zone << " " << t;
+    }
+    std::string old_;
+};
+
+void ExpectAsTheCLibrary(LibraryCalendar& clock, std::int64_t moment) {
+    const auto seconds = static_cast<std::time_t>(moment);
+    std::tm local{};
+    localtime_r(&seconds, &local);
+    const CalendarTime mine = clock.ToLocal(moment);
+    ASSERT_EQ(std::tie(mine.year, mine.month, mine.day, mine.hour, mine.minute, mine.second),
+              std::make_tuple(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour,
+                              local.tm_min, local.tm_sec))
+        << moment;
+    const auto now = static_cast<std::time_t>(clock.Now());
+    std::tm present{};
+    localtime_r(&now, &present);
+    local.tm_isdst = present.tm_isdst;
+    ASSERT_EQ(clock.FromLocal(mine), std::mktime(&local)) << moment;
+}
+
+constexpr std::int64_t kWinter = 1'769'000'000, kSummer = 1'784'000'000;  // January and July 2026
+
+TEST(LibraryCalendar, AgreesWithTheCLibrary) {
+    for (const char* name : {"UTC", "Europe/Amsterdam", "Asia/Kolkata", "America/St_Johns",
+                             "Australia/Lord_Howe", "Pacific/Apia", "Africa/Casablanca"}) {
+        SCOPED_TRACE(name);
+        const Zone zone(name);
+        ZoneClock clock(0);
+        for (const std::int64_t now : {kWinter, kSummer}) {
+            clock.SetNow(now);
+            for (std::int64_t t = 946'684'800; t < 2'000'000'000; t += 9'876'543)
+                ExpectAsTheCLibrary(clock, t);
+            for (std::int64_t t = 1'325'100'000; t < 1'325'400'000; t += 1799)  // a day that Apia left out
+                ExpectAsTheCLibrary(clock, t);
         }
     }
-    old.empty() ? unsetenv("TZ") : setenv("TZ", old.c_str(), 1);
-    tzset();
+}
+
+TEST(LibraryCalendar, ChangesAtTheMinuteWithTheZone) {
+    const Zone zone("Europe/Berlin");
+    for (const std::int64_t now : {kWinter, kSummer}) {
+        ZoneClock clock(now);
+        for (const std::int64_t change : {1'774'746'000, 1'792'890'000}) {  // March and October 2026
+            for (std::int64_t t = change - 100'000; t < change + 100'000; t += 61)
+                ExpectAsTheCLibrary(clock, t);
+        }
+    }
+}
+
+TEST(LibraryCalendar, ReadsLocalTimeWithThePresentDaylightFlag) {
+    const Zone zone("Europe/Berlin");
+    ZoneClock clock(kWinter);
+    const CalendarTime noon{2026, 7, 1, 12, 0, 0};
+    EXPECT_EQ(clock.FromLocal(noon), 1'782'903'600);  // 11:00 UTC, as in winter
+    clock.SetNow(kSummer);
+    EXPECT_EQ(clock.FromLocal(noon), 1'782'900'000);  // 10:00 UTC
+    clock.SetNow(kWinter);
+    EXPECT_EQ(clock.FromLocal(noon), 1'782'903'600);
 }
 
 }  // namespace

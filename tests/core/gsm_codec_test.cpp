@@ -9,6 +9,7 @@
 #include "support/VirtualClock.h"
 
 #include <gtest/gtest.h>
+#include <set>
 
 namespace {
 
@@ -48,6 +49,28 @@ TEST(GsmAlphabet, EncodesWithItsPeculiarities) {
              Row{std::u16string(1, u'\0'), {}},
          }) {
         EXPECT_EQ(Encode(row.text), row.codes);
+    }
+}
+
+TEST(GsmAlphabet, CodesEveryCharacterAtEveryPlaceOfAText) {
+    for (const auto& [character, codes] : {std::pair<char16_t, Codes>{u'@', {0x00}},
+                                           {u'\u039E', {0x1A}},
+                                           {u'\u20AC', {0x1B, 0x65}},
+                                           {u'|', {0x1B, 0x40}},
+                                           {u'\u4E2D', {}}}) {
+        for (std::size_t size = 1; size <= 20; ++size) {
+            for (std::size_t at = 0; at < size; ++at) {
+                std::u16string text(size, u'a');
+                text[at] = character;
+                Codes expected(size, 0x61);
+                expected.erase(expected.begin() + static_cast<std::ptrdiff_t>(at));
+                expected.insert(expected.begin() + static_cast<std::ptrdiff_t>(at), codes.begin(),
+                                codes.end());
+                EXPECT_EQ(Encode(text), expected) << size << " " << at;
+                if (codes.empty()) text.erase(at, 1);
+                EXPECT_EQ(Decode(expected), text) << size << " " << at;
+            }
+        }
     }
 }
 
@@ -179,7 +202,13 @@ TEST(GsmCodec, EncodesSinglePdus) {
                        {"", "U123", u"\u4E2D", 21},
                        0,
                        "000100038121F30018024E2D;"},
-             SubmitRow{"data", {"", "+123", u"00fFx", 10}, 0, "000100039121F300F50200FF;"},
+             SubmitRow{"data", {"", "+123", u"00fF", 10}, 0, "000100039121F300F50200FF;"},
+             SubmitRow{"no data", {"", "+123", u"", 10}, 0, "000100039121F300F500;"},
+             SubmitRow{"odd digits", {"", "+123", u"00fF0", 10}, 34034, ""},
+             SubmitRow{"blanks", {"", "+123", u"00 FF ", 10}, 34034, ""},
+             SubmitRow{"no digits", {"", "+123", u"Hell", 11}, 34034, ""},
+             SubmitRow{"digits of another script", {"", "+123", u"\uFF10\u0130", 10}, 34034, ""},
+             SubmitRow{"the recipient goes first", {"", "12", u"x", 10}, 34031, ""},
              SubmitRow{"data with header",
                        {"", "+123", u"0605040B8423F0ABCD", 11},
                        0,
@@ -202,7 +231,7 @@ TEST(GsmCodec, EncodesSinglePdus) {
              SubmitRow{"recipient dl", {"", "dl:team", u"a"}, 34031, ""},
              SubmitRow{"service centre bad", {"x", "+123", u"a"}, 34031, ""},
          }) {
-        CGsmCodec codec;
+        CGsmCodec codec(0);
         std::string expected = row.pdus;
         std::erase(expected, ' ');
         EXPECT_EQ(codec.Encode(row.submit), row.code) << row.name;
@@ -255,7 +284,7 @@ TEST(GsmCodec, SplitsAtTheCapacitiesOfEachAlphabet) {
 }
 
 TEST(GsmCodec, NumbersThePartsOfAMessageAndCountsMessages) {
-    CGsmCodec codec;
+    CGsmCodec codec(0);
     const std::u16string body(161, u'a');
     ASSERT_EQ(codec.Encode({"", "+123", body, 2}), 0);
     const std::string& text = codec.Text();
@@ -268,6 +297,12 @@ TEST(GsmCodec, NumbersThePartsOfAMessageAndCountsMessages) {
     EXPECT_EQ(codec.Reference(), 3U);
     ASSERT_EQ(codec.Encode({"", "+123", u"short", 2}), 0);
     EXPECT_EQ(codec.Reference(), 3U);
+}
+
+TEST(GsmCodec, EveryObjectStartsItsReferencesElsewhere) {
+    std::set<std::uint32_t> starts;
+    for (int i = 0; i < 64; ++i) starts.insert(CGsmCodec().Reference() & 0xFF);
+    EXPECT_EQ(starts.size(), 64U);
 }
 
 TEST(GsmCodec, AHeaderWithoutRoomForDataIsRefused) {

@@ -128,6 +128,7 @@ TEST_F(Device, NotesTheStoragesOfTheFirstList) {
              {R"("SM","ME")", kSim | kDevice},
              {"(SM,MT),(ME)", kSim | kCombined},
              {R"(("SM_P","BM"))", kSim},
+             {R"(("sm","Mt"),("ME"))", kSim | kCombined},
              {"()", 0U},
          }) {
         modem.On("AT+CPMS=?", {std::string("\r\n+CPMS: ") + answer + "\r\n\r\nOK\r\n"});
@@ -141,23 +142,22 @@ TEST_F(Device, TheFirstFailureOfTwoListingsCounts) {
         const char* read;
         const char* unread;
         std::int32_t code;
-        bool both;
     };
     const char* const kOk = "\r\nOK\r\n";
     const char* const kError = "\r\nERROR\r\n";
     const char* const kNoSim = "\r\n+CMS ERROR: 310\r\n";
+    const char* const kEmpty = "\r\n+CMS ERROR: 321\r\n";
     for (const Row& row :
-         {Row{kOk, kOk, 0, true}, Row{kNoSim, kOk, 33140, true}, Row{kOk, kNoSim, 33140, true},
-          Row{kError, kNoSim, 30352, true}, Row{kNoSim, kError, 33140, true}, Row{kOk, "", 30350, true},
-          Row{"", kNoSim, 30350, false}}) {
+         {Row{kOk, kOk, 0}, Row{kNoSim, kOk, 33140}, Row{kOk, kNoSim, 33140}, Row{kError, kNoSim, 30352},
+          Row{kNoSim, kError, 33140}, Row{kOk, "", 30350}, Row{"", kNoSim, 30350}, Row{kEmpty, kOk, 0},
+          Row{kOk, kEmpty, 0}, Row{kEmpty, kEmpty, 0}, Row{kEmpty, kError, 30352}}) {
         modem.On("AT+CMGL=1", {row.read});
         modem.On("AT+CMGL=0", {row.unread});
         modem.commands.clear();
         const CGsmDevice::Session session(device, settings);
-        EXPECT_EQ(device.List(kGsmStorages[0], [](auto, auto&) {}), row.code) << row.read << row.unread;
-        std::vector<std::string> expected{"AT+CMGF=0", "AT+CPMS=\"MT\"", "AT+CMGL=1"};
-        if (row.both) expected.emplace_back("AT+CMGL=0");
-        EXPECT_EQ(modem.commands, expected);
+        EXPECT_EQ(device.List(kGsmStorages[0], [](auto&) {}), row.code) << row.read << row.unread;
+        EXPECT_EQ(modem.commands,
+                  (std::vector<std::string>{"AT+CMGF=0", "AT+CPMS=\"MT\"", "AT+CMGL=1", "AT+CMGL=0"}));
     }
 }
 
@@ -238,19 +238,28 @@ TEST_F(Device, PinsAreMaskedInBothFiles) {
     const TemporaryFolder folder;
     device.SetLogFile(folder.File("log"));
     device.SetActivityFile(folder.File("activity"));
+    modem.echo = true;
     modem.On("AT+CPIN?", {"\r\n+CPIN: SIM PIN\r\n\r\nOK\r\n"});
     modem.On("AT+CREG?", {"\r\n+CREG: 0,1\r\n\r\nOK\r\n"});
     EXPECT_EQ(device.EnterPin(settings, "2222"), 0);
     std::string response;
     EXPECT_EQ(device.SendCommand(settings, "at+cpin=\"2222\"", 1000, response), 0);
+    EXPECT_EQ(response, "at+cpin=\"2222\"\r\nOK");  // as it came
     EXPECT_TRUE(Sent("AT+CPIN=\"2222\"") && Sent("at+cpin=\"2222\""));
+    modem.On("AT+CPMS=?", {"\r\n+CPMS: (\"SM\")\r\n\r\nOK\r\n"});
+    for (const char* command : {"AT+CPIN=2222", "AT+CMEE=1;+CPIN = \"2222\"", "AT+CLCK=\"SC\",1,\"2222\""}) {
+        const CGsmDevice::Session session(device, settings);
+        EXPECT_EQ(device.Initialise({.initString = command}), 0);
+        EXPECT_TRUE(Sent(command));
+    }
     const std::string log = TemporaryFolder::Read(folder.File("log"));
     const std::string activity = TemporaryFolder::Read(folder.File("activity"));
     EXPECT_EQ(log.find("2222"), std::string::npos);
     EXPECT_EQ(activity.find("2222"), std::string::npos);
     for (const char* line :
          {"WRITE STRING, string=[AT+CPIN=\"****\"]", "WRITE STRING, string=[at+cpin=\"****\"]",
-          "SEND COMMAND: [at+cpin=\"****\"], Response=[OK], Result=[0 ("}) {
+          "READ STRING,  string=[AT+CPIN=\"****\"]",
+          "SEND COMMAND: [at+cpin=\"****\"], Response=[at+cpin=\"****\" <CRLF> OK], Result=[0 ("}) {
         EXPECT_NE(log.find(line), std::string::npos) << line;
     }
     EXPECT_NE(activity.find("Sending command [AT+CPIN=\"****\"]..."), std::string::npos);
@@ -291,6 +300,31 @@ TEST_F(Device, RawCommandsGiveTheWholeReply) {
     EXPECT_EQ(clock.Slept() - before, 2500U);
     EXPECT_EQ(response, "");
     EXPECT_EQ(modem.openings, modem.closings);
+}
+
+TEST_F(Device, ARawCommandWaitsAsLongAsItIsTold) {
+    struct Row {
+        std::int32_t timeout;
+        std::int32_t code;
+        std::uint64_t waited;
+    };
+    modem.OnInPieces("ATS", {{10'000'000, "\r\nOK\r\n"}});
+    std::string response;
+    for (const Row& row : {Row{2000, 30350, 2000}, Row{0, 30350, 0}, Row{-2, 30350, 0},
+                           Row{INT32_MIN, 30350, 0}, Row{-1, 0, 10'000'000}}) {
+        const auto before = clock.Slept();
+        EXPECT_EQ(device.SendCommand(settings, "ATS", row.timeout, response), row.code) << row.timeout;
+        EXPECT_EQ(clock.Slept() - before, 500 + row.waited) << row.timeout;
+        clock.Sleep(20'000'000);
+    }
+}
+
+TEST_F(Device, TheServiceCentreCannotEndItsCommand) {
+    const CGsmDevice::Session session(device, settings);
+    for (const char* smsc : {"+316\"", "+316\r", "+316\n", "+316\x1a", "+316\x1b", "+316\x7f"}) {
+        EXPECT_EQ(device.Initialise({.smsc = smsc}), 33171) << smsc;
+        EXPECT_TRUE(modem.commands.empty());
+    }
 }
 
 }  // namespace

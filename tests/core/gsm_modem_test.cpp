@@ -126,6 +126,11 @@ TEST_F(Gsm, RecipientsAreCheckedBeforeTheDeviceIsOpened) {
         message.Recipient = recipient;
         EXPECT_EQ(Send(message), code) << recipient;
     }
+    for (const char16_t* body : {u"Hello", u"ABC", u"AB CD", u"ABCG"}) {  // data that is no hexadecimal
+        CSmsMessageX message = Message(body);
+        message.Format = sms::asMESSAGEFORMAT_DATA;
+        EXPECT_EQ(Send(message), 34034);
+    }
     EXPECT_EQ(modem.openings, 0);
 }
 
@@ -135,16 +140,14 @@ TEST_F(Gsm, SendsThePartsOfALongMessageASecondApart) {
     modem.Otherwise("\r\nOK\r\n");
     CSmsMessageX message = Message(std::u16string(161, u'a'));
     message.Format = 2;
-    CGsmCodec codec;
-    ASSERT_EQ(codec.Encode({"", message.Recipient, message.Data, 2}), 0);
-    const std::string& text = codec.Text();
-    const std::size_t at = text.find(';');
-    const std::string first = text.substr(0, at);
-    const std::string second = text.substr(at + 1, text.size() - at - 2);
-    modem.On("AT+CMGS=" + std::to_string(first.size() / 2 - 1), {"\r\n> "});
-    modem.On("AT+CMGS=" + std::to_string(second.size() / 2 - 1), {"\r\n> "});
-    modem.On(first, {"\r\n+CMGS: 254\r\n\r\nOK\r\n"});
-    modem.On(second, {"\r\n+CMGS: 255\r\n\r\nOK\r\n"});
+    for (std::uint32_t reference = 0; reference < 256; ++reference) {  // it starts anywhere
+        CGsmCodec codec(reference);
+        ASSERT_EQ(codec.Encode({"", message.Recipient, message.Data, 2}), 0);
+        const std::string& text = codec.Text();
+        const std::size_t at = text.find(';');
+        modem.On(text.substr(0, at), {"\r\n+CMGS: 254\r\n\r\nOK\r\n"});
+        modem.On(text.substr(at + 1, text.size() - at - 2), {"\r\n+CMGS: 255\r\n\r\nOK\r\n"});
+    }
     ASSERT_EQ(Send(message), 0);
     EXPECT_EQ(references, "254;255");
     EXPECT_EQ(clock.Slept(), 1500U);
@@ -232,6 +235,95 @@ TEST_F(Gsm, KeywordsChooseTheMode) {
         message.Recipient = recipient;
         EXPECT_EQ(Send(message), 0) << recipient;
         EXPECT_TRUE(Sent("AT+CMGS=\"12345\"")) << recipient;
+    }
+}
+
+TEST_F(Gsm, ATextIsNoCommand) {
+    gsm.SetAdvancedSettings("ForceTextMode");
+    modem.On("AT+CMGS=\"+31612345678\"", {"\r\n> "});
+    modem.On("a AT+CMGD=1,4", {"\r\nOK\r\n"});
+    ASSERT_EQ(Send(Message(u"a\x1a"
+                           u"AT+CMGD=1,4\x1b")),
+              0);
+    EXPECT_EQ(modem.commands.back(), "a AT+CMGD=1,4 ");
+    for (const char* recipient : {"dl:x\"\rAT+CMGD=1", "dl:x\"", "dl:\x1a", "\"1234",
+                                  "\x1b"
+                                  "1234"}) {
+        modem.commands.clear();
+        CSmsMessageX message = Message();
+        message.Recipient = recipient;
+        EXPECT_EQ(Send(message), 34031) << recipient;
+        EXPECT_FALSE(Sent("AT+CMGF=1")) << recipient;
+    }
+}
+
+TEST_F(Gsm, AnOkWithoutAReferenceIsASuccessWithoutAReport) {
+    modem.On("AT+CMGS=\"+31612345678\"", {"\r\n> "});
+    for (const char* keywords : {"ForcePduMode", "ForceTextMode"}) {
+        for (const char* answer : {"\r\nOK\r\n", "\r\n+CMGS:\r\n\r\nOK\r\n"}) {
+            gsm.SetAdvancedSettings(keywords);
+            modem.On(kPdu, {answer});
+            modem.On("a", {answer});
+            EXPECT_EQ(Send(Message()), 0) << keywords << answer;
+            EXPECT_EQ(references, "");
+            EXPECT_EQ(gsm.Reports().Count(), 0U);
+        }
+    }
+    gsm.SetAdvancedSettings("ForcePduMode");
+    for (const char* command : {"ATE0", "AT+CMEE=1", "AT+CMGF=0"}) modem.On(command, {"\r\nOK\r\n"});
+    for (const char* command : {"AT+CMGS=153", "AT+CMGS=33"}) modem.On(command, {"\r\n> "});
+    CSmsMessageX message = Message(std::u16string(141, u'a'));
+    message.Format = sms::asMESSAGEFORMAT_UNICODE_MULTIPART;
+    modem.OtherwiseInTurn({"\r\n+CMGS: 7\r\n\r\nOK\r\n", "\r\nOK\r\n", "\r\n+CMGS: 9\r\n\r\nOK\r\n"});
+    EXPECT_EQ(Send(message), 0);
+    EXPECT_EQ(references, "7;9");
+    EXPECT_EQ(gsm.Reports().Count(), 2U);
+}
+
+// A modem that comes to its prompt later would take the next commands for data.
+TEST_F(Gsm, APromptThatDoesNotComeIsCalledOff) {
+    modem.On("AT+CMGS=\"+31612345678\"", {""});
+    struct Row {
+        const char* answer;
+        std::int32_t code;
+        bool escape;
+    };
+    for (const char* keywords : {"ForcePduMode", "ForceTextMode"}) {
+        for (const Row& row : {Row{"", 30350, true}, Row{"\r\nwhat\r\n", 30351, true},
+                               Row{"\r\n+CMS ERROR: 500\r\n", 30352, false}}) {
+            gsm.SetAdvancedSettings(keywords);
+            modem.On("AT+CMGS=14", {row.answer});
+            modem.On("AT+CMGS=\"+31612345678\"", {row.answer});
+            modem.written.clear();
+            EXPECT_EQ(Send(Message()), row.code);
+            EXPECT_EQ(modem.written.ends_with("\r\x1b"), row.escape) << row.answer;
+            modem.Forget();
+        }
+    }
+}
+
+// What the modem got is what counts, not only that it said "OK".
+TEST_F(Gsm, LinesThatTheModemSendsByItselfChangeNothing) {
+    CSmsMessageX message = Message(u"\u4e2d");
+    message.Format = sms::asMESSAGEFORMAT_UNICODE_FLASH;
+    message.RequestDeliveryStatus = true;
+    std::vector<std::string> expected = kInitialise;
+    expected.insert(expected.end(), {"AT+CMGF=0", "AT+CNMI=?", "AT+CNMI=1,0,0,2,1", "AT+CMGS=15",
+                                     "0021000B911316325476F80018024E2D"});
+    for (const std::string& line : {"^RSSI: 20", "+CMTI: \"SM\",9", "RING", "+CLIP: \"Brooke\",129"}) {
+        const std::string between = "\r\n" + line + "\r\n";
+        const std::string ok = between + "\r\nOK\r\n";
+        modem.On("AT+CPMS=?", {between + "\r\n+CPMS: (\"SM\"),(\"SM\")\r\n" + ok});
+        modem.On("AT+CMGF=?", {between + "\r\n+CMGF: (0,1)\r\n" + ok});
+        modem.On("AT+CNMI=?", {between + "\r\n+CNMI: (1,2),(0-3),(0,2),(0-2),(1)\r\n" + ok});
+        modem.On("AT+CMGS=15", {between + "\r\n> "});
+        modem.On(expected.back(), {between + "\r\n+CMGS: 17\r\n" + ok});
+        modem.Otherwise(ok);
+        modem.commands.clear();
+        const auto before = clock.Slept();
+        EXPECT_EQ(Send(message), 0) << line;
+        EXPECT_EQ(modem.commands, expected) << line;
+        EXPECT_EQ(clock.Slept() - before, 500U) << line;
     }
 }
 
@@ -345,6 +437,105 @@ TEST_F(Gsm, AListingThatBreaksOffHasACodeAndAnEnd) {
     }
 }
 
+TEST_F(Gsm, WhatCanBeReadIsRead) {
+    modem.On("AT+CPMS=?", {"\r\n+CPMS: (\"SM\",\"ME\")\r\n\r\nOK\r\n"});
+    struct Row {
+        const char* command;
+        const char* reply;
+        std::int32_t code;
+        std::size_t received;
+    };
+    const std::string noEnd = Listed(1, kHello);
+    for (const Row& row : {
+             Row{"AT+CPMS=\"SM\"", "\r\nERROR\r\n", 33150, 2},
+             Row{"AT+CPMS=\"ME\"", "\r\nERROR\r\n", 33150, 2},
+             Row{"AT+CPMS=\"SM\"", "\r\n+CMS ERROR: 310\r\n", 33140, 2},
+             Row{"AT+CMGL=1", noEnd.c_str(), 30350, 4},
+             Row{"AT+CMGL=1", "", 30350, 2},
+             Row{"AT+CMGL=1", "\r\n+CMS ERROR: 321\r\n", 0, 2},
+             Row{"AT+CMGL=0", "\r\n+CMS ERROR: 321\r\n", 0, 2},
+             Row{"AT+CMGL=0", "\r\n+CMS ERROR: 500\r\n", 30352, 2},
+         }) {
+        for (const char* storage : {"SM", "ME"})
+            modem.On("AT+CPMS=\"" + std::string(storage) + "\"", {"\r\nOK\r\n"});
+        modem.On("AT+CMGL=1", {Listed(1, kHello) + "\r\nOK\r\n"});
+        modem.On("AT+CMGL=0", {Listed(2, kHello) + "\r\nOK\r\n"});
+        modem.On(row.command, {row.reply});
+        EXPECT_EQ(gsm.Receive(), row.code) << row.command << row.reply;
+        EXPECT_EQ(gsm.Received().Count(), row.received) << row.command << row.reply;
+    }
+}
+
+TEST_F(Gsm, APduThatWasCutStaysOnTheDevice) {
+    gsm.settings.messageStorage = 1;
+    const std::string report = kReport;
+    const std::string hello = kHello;
+    const std::string ucs2 = "00040B911316111111F10008621112406180000400E90041";
+    const auto listed = [](const std::string& pdu, int octets) {
+        return "\r\n+CMGL: 5,1,," + std::to_string(octets) + "\r\n" + pdu + "\r\n\r\nOK\r\n";
+    };
+    struct Row {
+        const char* name;
+        std::string reply;
+        bool report, message;
+        const char* line;  // of the log
+    };
+    const char* const kCut = "Message at memory location [5] was cut on its way, it stays on the device: [";
+    const char* const kNoMessage =
+        "Message at memory location [5] cannot be decoded, it stays on the device: [";
+    for (const Row& row : {
+             Row{"report", listed(report, 25), true, false, "Report received for message 17, status = 00"},
+             Row{"report cut", listed(report.substr(0, 48), 25), false, false, kCut},
+             Row{"report cut in an octet", listed(report.substr(0, 51), 25), false, false, kCut},
+             Row{"report cut to its beginning", listed("00", 25), false, false, kCut},
+             Row{"report as short as stated", listed(report.substr(0, 48), 23), true, false, "status = 00"},
+             Row{"report of no stated length", "\r\n+CMGL: 5,1\r\n" + report.substr(0, 48) + "\r\nOK\r\n",
+                 true, false, "status = 00"},
+             Row{"report with more than stated", listed(report + "00", 20), true, false, "status = 00"},
+             Row{"message", listed(hello, 28), false, true, "Receiving message"},
+             Row{"message shorter than stated, but whole", listed(hello, 30), false, true,
+                 "Receiving message"},
+             Row{"message cut", listed(hello.substr(0, 46), 28), false, false, kCut},
+             Row{"message without an end", "\r\n+CMGL: 5,1\r\n" + hello, false, false, kCut},
+             Row{"UCS-2", listed(ucs2, 23), false, true, "Receiving message"},
+             Row{"UCS-2 cut", listed(ucs2.substr(0, 46), 23), false, false, kCut},
+             Row{"with a service centre", listed("07911356131313F3" + hello.substr(2, 40), 28), false, false,
+                 kCut},
+             Row{"of another kind", listed("0001000B911316325476F800000161", 14), false, false, kNoMessage},
+         }) {
+        const TemporaryFolder folder;
+        gsm.Reports().Clear();
+        gsm.SetLogFile(folder.File("log"));
+        modem.On("AT+CMGL=1", {row.reply});
+        modem.commands.clear();
+        (void)gsm.Receive();
+        EXPECT_EQ(gsm.Reports().Count(), row.report ? 1U : 0U) << row.name;
+        EXPECT_EQ(gsm.Received().Count(), row.message ? 1U : 0U) << row.name;
+        EXPECT_EQ(Sent("AT+CMGD=5"), row.report) << row.name;
+        EXPECT_NE(TemporaryFolder::Read(folder.File("log")).find(row.line), std::string::npos) << row.name;
+    }
+}
+
+TEST_F(Gsm, WhatIsHeldIsNotAddedAgain) {
+    modem.On("AT+CPMS=?", {"\r\n+CPMS: (\"SM\")\r\n\r\nOK\r\n"});
+    const std::string part = "00440B911316111111F10000621112406180000905000301020";
+    modem.On("AT+CMGL=1",
+             {Listed(1, kHello) + Listed(2, part + "1C242") + Listed(3, part + "2C242") +
+              Listed(4, "00440B911316111111F100006211124061800009050003020201C242") + "\r\nOK\r\n"});
+    modem.On("AT+CMGL=0", {Listed(1, kHello) + "\r\nOK\r\n"});  // a modem that lists it twice
+    clock.SetNow(1795234568);
+    ASSERT_EQ(gsm.Receive(), 0);
+    CSmsDeliveryReport report;
+    for (int query = 0; query < 3; ++query) {
+        EXPECT_EQ(gsm.QueryStatus("99", report), 33061);
+        EXPECT_EQ(gsm.Received().Count(), 2U);   // one alone and one of two parts
+        EXPECT_EQ(gsm.Received().Stored(), 3U);  // and a part that waits
+        clock.Sleep(11'000);
+    }
+    EXPECT_EQ(gsm.DeleteAllMessages(0), 0);
+    for (const char* command : {"AT+CMGD=1", "AT+CMGD=2", "AT+CMGD=3"}) EXPECT_EQ(Count(command), 1);
+}
+
 TEST_F(Gsm, AMissingStorageIsNamed) {
     gsm.settings.messageStorage = 2;
     modem.On("AT+CPMS=\"ME\"", {"\r\nERROR\r\n"});
@@ -361,7 +552,7 @@ TEST_F(Gsm, AMissingStorageIsNamed) {
 
 TEST_F(Gsm, DeletesByStorageAndKey) {
     EXPECT_EQ(gsm.DeleteMessage(0), 33060);
-    EXPECT_EQ(gsm.DeleteAllMessages(true), 33060);
+    EXPECT_EQ(gsm.DeleteAllMessages(1), 33060);
     modem.On("AT+CMGL=1", {Listed(3, kHello) + "\r\nOK\r\n"});
     ASSERT_EQ(gsm.Receive(), 0);
     ASSERT_EQ(gsm.Received().Count(), 2U);  // one in SM, one in ME
@@ -373,9 +564,9 @@ TEST_F(Gsm, DeletesByStorageAndKey) {
     EXPECT_EQ(gsm.Received().Count(), 1U);
     modem.commands.clear();
     modem.On("AT+CMGD=3", {"\r\nERROR\r\n", "\r\nOK\r\n"});
-    EXPECT_EQ(gsm.DeleteAllMessages(false), 30352);
+    EXPECT_EQ(gsm.DeleteAllMessages(0), 30352);
     EXPECT_EQ(gsm.Received().Count(), 1U);
-    EXPECT_EQ(gsm.DeleteAllMessages(false), 0);
+    EXPECT_EQ(gsm.DeleteAllMessages(0), 0);
     EXPECT_EQ(gsm.Received().Count(), 0U);
 }
 
@@ -387,7 +578,7 @@ TEST_F(Gsm, DeletionGoesOnAfterAnErrorButNotAfterSilence) {
         ASSERT_EQ(gsm.Received().Count(), 2U);
         modem.On("AT+CMGD=3", {reply});
         modem.commands.clear();
-        EXPECT_EQ(gsm.DeleteAllMessages(true), code);
+        EXPECT_EQ(gsm.DeleteAllMessages(1), code);
         EXPECT_EQ(Count("AT+CMGD=4"), second) << code;
     }
 }
@@ -395,7 +586,7 @@ TEST_F(Gsm, DeletionGoesOnAfterAnErrorButNotAfterSilence) {
 TEST_F(Gsm, MmsNotificationsStayUnlessAllAreDeleted) {
     modem.On("AT+CPMS=?", {"\r\n+CPMS: (\"SM\")\r\n\r\nOK\r\n"});
     modem.On("AT+CMGL=1", {Listed(3, kHello) + "\r\nOK\r\n"});
-    for (const auto& [all, deleted] : {std::pair{false, 0}, {true, 1}}) {
+    for (const auto& [all, deleted] : {std::pair{0, 0}, {1, 1}, {-1, 1}, {2, 0}}) {
         ASSERT_EQ(gsm.Receive(), 0);
         CSmsMessageX notification;
         notification.Format = sms::asMESSAGEFORMAT_NOTIFICATION_MMS;
@@ -437,7 +628,7 @@ TEST_F(Gsm, IncompletePartsAreNotDeleted) {
     clock.SetNow(1795234568);
     ASSERT_EQ(gsm.Receive(), 0);
     EXPECT_EQ(gsm.Received().Count(), 1U);
-    EXPECT_EQ(gsm.DeleteAllMessages(true), 0);
+    EXPECT_EQ(gsm.DeleteAllMessages(1), 0);
     EXPECT_TRUE(Sent("AT+CMGD=1"));
     EXPECT_FALSE(Sent("AT+CMGD=2"));
 }

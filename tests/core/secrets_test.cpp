@@ -37,6 +37,27 @@ TEST(Secrets, AreHiddenInEveryForm) {
     }
 }
 
+TEST(Secrets, PinCommandsShowNoDigits) {
+    struct Row {
+        const char* text;
+        const char* shown;
+    };
+    for (const Row& row : {
+             Row{"AT+CPIN=\"1234\"", "AT+CPIN=\"****\""},
+             Row{"at+cpin=12345678,1234", "at+cpin=********,****"},
+             Row{"AT+CMEE=1;+CPIN = 1234", "AT+CMEE=*;+CPIN = ****"},
+             Row{"AT+CPWD=\"SC\",\"1234\",\"5678\"", "AT+CPWD=\"SC\",\"****\",\"****\""},
+             Row{"AT+CLCK=\"SC\",1,\"1234\"", "AT+CLCK=\"SC\",*,\"****\""},
+             Row{"17\r\nAT+CPIN=1234\r\r\n+CME ERROR: 16", "17\r\nAT+CPIN=****\r\r\n+CME ERROR: 16"},
+             Row{"+CPIN: SIM PIN2", "+CPIN: SIM PIN2"},
+             Row{"+CLCK: 1", "+CLCK: 1"},
+             Row{"AT+CMGS=14", "AT+CMGS=14"},
+             Row{"", ""},
+         }) {
+        EXPECT_EQ(MaskPin(row.text), row.shown);
+    }
+}
+
 TEST(Secrets, StayOutOfBothFilesWhenTheSettingSaysSo) {
     const TemporaryFolder folder;
     VirtualClock clock;

@@ -26,12 +26,17 @@ TEST_F(Serial, ChoosesPortOrTelephonyByName) {
         std::uint32_t speed;
         bool telephony;
         std::uint32_t usedSpeed;
+        const char* opened;
     };
-    for (const Row& row : {Row{"COM3", 0, false, 115200}, Row{"com12", 9600, false, 9600},
-                           Row{"Standard Modem", 0, true, 0}}) {
+    for (const Row& row :
+         {Row{"COM3", 0, false, 115200, "COM3"}, Row{"com12", 9600, false, 9600, "com12"},
+          Row{"\\\\.\\COM251", 0, false, 115200, "COM251"}, Row{" COM3 ", 0, false, 115200, "COM3"},
+          Row{"COM251:", 0, false, 115200, "COM251"}, Row{"Standard Modem", 0, true, 0, "Standard Modem"},
+          Row{" A modem: COM3", 0, true, 0, " A modem: COM3"}}) {
         Open({.device = row.device, .speed = row.speed});
         EXPECT_EQ(modem.viaTelephony, row.telephony);
         EXPECT_EQ(modem.settings.speed, row.usedSpeed);
+        EXPECT_EQ(modem.settings.device, row.opened);
         EXPECT_EQ(port.Open({.device = "COM3"}), 30103);
         EXPECT_TRUE(modem.dtr && modem.rts) << row.device;
         port.Close();
@@ -94,6 +99,23 @@ TEST_F(Serial, ASlowWriteToADeadLineEnds) {
     EXPECT_EQ(clock.Slept() - before, 5000U + 4 * 20);
 }
 
+TEST_F(Serial, WhatALineTakesDependsOnItsSpeed) {
+    struct Row {
+        std::uint32_t speed, timeout;
+        std::uint64_t waited;
+        std::uint32_t left;
+    };
+    for (const Row& row : {Row{115200, 5000, 5000 + 10, 0}, Row{300, 20'000, 5000 + 3667, 15'000},
+                           Row{9600, Timer::kForever, 5000 + 115, Timer::kForever}}) {
+        Open({.device = "COM3", .speed = row.speed});
+        modem.blockedFor = 100'000;
+        const auto before = clock.Slept();
+        EXPECT_EQ(port.WriteString(std::string(99, 'x'), row.timeout), row.left);
+        EXPECT_EQ(clock.Slept() - before, row.waited);
+        port.Close();
+    }
+}
+
 TEST_F(Serial, ReadsLinesHoweverTheyArrive) {
     struct Row {
         const char* name;
@@ -110,6 +132,7 @@ TEST_F(Serial, ReadsLinesHoweverTheyArrive) {
                  Row{"blanks are trimmed", "\r\n  a b \t\r", 100, "a b", 0, 0},
                  Row{"cut by the time-out", "half", 100, "half", 0, 1000},
                  Row{"cut by the maximum", "abcdef\r", 4, "abcd", 0, 0},
+                 Row{"line feed", "\nOK\nmore", 100, "OK", 0, 0},
                  Row{"nothing", "", 100, "", 30115, 1000},
                  Row{"only line ends", "\r\n\r\n\r\n", 100, "", 30115, 1000},
                  Row{"embedded zero", std::string("a\0b\r", 4), 100, std::string("a\0b", 3), 0, 0},

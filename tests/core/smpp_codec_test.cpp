@@ -243,6 +243,20 @@ TEST_F(Submit, AddressesTakeTheirDefaults) {
     EXPECT_EQ(code, 34031);
 }
 
+TEST_F(Submit, DataThatIsNoHexadecimalIsRefused) {
+    for (const std::int32_t format : {sms::asMESSAGEFORMAT_DATA, sms::asMESSAGEFORMAT_DATA_UDH}) {
+        message.Format = format;
+        for (const char16_t* body : {u"Hello", u"ABC", u"AB CD", u"ABCG", u"AB\uFF10\uFF11"}) {
+            message.Data = body;
+            Build();
+            EXPECT_EQ(code, 34034);
+        }
+        message.Data = u"00fF";
+        Build();
+        EXPECT_EQ(code, 0);
+    }
+}
+
 TEST_F(Submit, LongMessagesAreSplit) {
     struct Row {
         std::int32_t format;

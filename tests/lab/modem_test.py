@@ -4,6 +4,7 @@ import pathlib
 import re
 import select
 import tempfile
+import time
 import unittest
 
 from lab import program
@@ -12,14 +13,23 @@ FINAL = re.compile(rb"\r\n(OK|ERROR|\+CM[SE] ERROR: \d+)\r\n$|> $")
 
 
 class Port:
-    """The terminal of a modem of its own, echo off."""
+    """The terminal of a modem of its own, echo off unless it is wanted."""
 
-    def __init__(self, test, *options, rules=None):
+    def __init__(self, test, *options, rules=None, echo=False):
         link = pathlib.Path(test.enterContext(tempfile.TemporaryDirectory()), "modem")
         self.modem = test.enterContext(program("modem.py", "--link", link, *options, rules=rules))
         self.terminal = os.open(link, os.O_RDWR | os.O_NOCTTY)
         test.addCleanup(os.close, self.terminal)
-        self.exchange("ATE0")
+        if not echo:
+            self.exchange("ATE0")
+
+    def raw(self, command, seconds=0.5):
+        """What comes within so long."""
+        os.write(self.terminal, command.encode("latin-1") + b"\r")
+        heard, end = b"", time.monotonic() + seconds
+        while (left := end - time.monotonic()) > 0 and select.select([self.terminal], [], [], left)[0]:
+            heard += os.read(self.terminal, 4096)
+        return heard
 
     def exchange(self, command, end="\r"):
         """The lines of the reply to a command."""
@@ -87,6 +97,43 @@ class Commands(unittest.TestCase):
                                ("AT+CMGS=1", ["AT+CMGS=1", ">"])]:
             self.assertEqual(port.exchange(command), reply)
         self.assertEqual(port.exchange("00", "\x1a"), ["+CMS", "ERROR:", "500"])
+
+    def test_replies_that_come_oddly(self):
+        port = Port(self, rules=[{"match": "AT+CSQ", "do": "late-end", "ms": 300},
+                                 {"match": "AT+CMGF", "do": "no-end"},
+                                 {"match": "AT+CREG", "do": "halves", "ms": 150}])
+        whole = b"\r\n+CSQ: 20,99\r\n\r\nOK\r\n"
+        for command, early, late in [("AT+CSQ", whole[:-6], whole), ("AT+CMGF?", None, b"\r\n+CMGF: 0\r\n\r\nOK"),
+                                     ("AT+CREG?", b"\r\n+CREG", b"\r\n+CREG: 0,1\r\n\r\nOK\r\n")]:
+            with self.subTest(command):
+                heard = port.raw(command, 0.1 if early else 0.5)
+                self.assertEqual(heard, early or late)
+                if early:
+                    self.assertEqual(heard + port.raw("", 0.6), late)
+
+    def test_lists_with_wrong_lengths(self):
+        rules = [{"match": "AT+CMGL", "nth": [1], "do": "length", "add": -2}, {"match": "AT+CMGL", "nth": [2], "do": "cut-pdu"}]
+        port = Port(self, "--message", "text SM +31611111111 Hi", rules=rules)
+        wrong, cut, right = (port.exchange("AT+CMGL=4") for _ in range(3))
+        self.assertEqual((wrong[1], right[1]), ("1,0,,19", "1,1,,21"))
+        self.assertEqual((wrong[2], cut[2]), (right[2], right[2][:-2]))
+
+    def test_lines_of_its_own_and_other_line_ends(self):
+        port = Port(self, "--every", "50", "--unsolicited", "+CMT: ,3\n001122", "--line-end", "lf", echo=True)
+        heard = port.raw("AT+CSQ")
+        self.assertIn(b"\n+CMT: ,3\n\n001122\n", heard)
+        self.assertIn(b"AT+CSQ\r\n+CSQ: 20,99\n\nOK\n", heard)
+        heard = port.raw("AT+CMGS=3")  # whoever types is left in peace
+        self.assertTrue(heard.endswith(b"\n> "), heard)
+
+    def test_a_line_that_takes_nothing(self):
+        port = Port(self, rules=[{"match": "AT+CSQ", "do": "block", "ms": 400}])
+        port.exchange("AT+CSQ")
+        os.set_blocking(port.terminal, False)
+        with self.assertRaises(BlockingIOError):
+            os.write(port.terminal, b"AT\r")
+        os.set_blocking(port.terminal, True)
+        self.assertEqual(port.exchange("AT"), ["OK"])
 
     def test_a_dropped_line_ends_the_modem_and_takes_the_link_away(self):
         port = Port(self, rules=[{"match": "AT+CSQ", "do": "hangup"}])

@@ -13,6 +13,7 @@ PROGRAMS = {  # what each tells of its arguments
     "gsm_example": r"send [^\n]* \| receive [^\n]*",
     "smpp_example": r"send [^\n]* \| receive [^\n]*",
     "http_example": r"127\.0\.0\.1 8080 [^\n]*",
+    "pager_example": r"127\.0\.0\.1 4444 [^\n]*",
 }
 
 
@@ -37,7 +38,7 @@ class Usage(unittest.TestCase):
             with self.subTest(file.name):
                 code, output = wine.script(file)
                 self.assertEqual(code, 2)
-                self.assertRegex(output, rf"^cscript {file.name} (COM5|127\.0\.0\.1 (2775 user password|8080))[^\n]*\n$")
+                self.assertRegex(output, rf"^cscript {file.name} (COM5|127\.0\.0\.1 (2775 user password|8080|4444))[^\n]*\n$")
         for program, arguments in PROGRAMS.items():
             with self.subTest(program):
                 code, output = wine.run(f"{program}.exe")

@@ -120,10 +120,8 @@ class Dialogue(unittest.TestCase):
     def test_misbehaviour_costs_bounded_time_and_a_clear_code(self):
         rows = [  # rules, action, expected lines, seconds at the most
             ("flood", [{"match": "AT+CMGF=?", "do": "flood", "ms": 9000, "text": "RING"}], "Result gsm.Send(message)",
-             ["|30351"], 12),
+             ["|30350"], 12),
             ("split", [{"match": "AT", "do": "split", "ms": 5}], "Result gsm.Send(message)", ["17|0"], 20),
-            ("unsolicited", [{"match": "AT", "do": "unsolicited", "text": "^RSSI: 20"}], "Result gsm.Send(message)",
-             ["17|0"], 25),
             ("garbage", [{"match": "AT+C", "do": "garbage", "text": "\x00\xff#?"}], "Result gsm.Send(message)",
              ["17|0"], 20),
             ("hang up", [{"match": "AT+CMGF=0", "do": "hangup"}], "Result gsm.Send(message)", None, 15),
@@ -136,6 +134,68 @@ class Dialogue(unittest.TestCase):
                     self.assertEqual(lines, wanted)
                 else:
                     self.assertNotEqual(lines[0].split("|")[1], "0")
+
+    def test_a_modem_as_it_is_gets_what_a_good_one_gets(self):
+        body = ('message.Recipient = "+31612345678"; message.Format = 21; message.Data = "\\u4e2d";\n'
+                "message.RequestDeliveryStatus = true;\nResult(gsm.Send(message)); Result(gsm.Receive());\n")
+        opening = ["ATE0", "AT+CMEE=1", "AT+CPMS=?", "AT+CMGF=?"]
+        commands = opening + ["AT+CMGF=0", "AT+CNMI=?", "AT+CNMI=0,0,0,2,0", "AT+CMGS=15"] + opening
+        for storage in ("SM", "ME"):
+            commands += ["AT+CMGF=0", f'AT+CPMS="{storage}"', "AT+CMGL=1", "AT+CMGL=0"]
+            if storage == "SM":
+                commands += ['AT+CPMS="SM"', "AT+CMGD=1"]  # the report
+        rows = [  # options, rules, seconds at the most
+            ("unsolicited", [], [{"match": "AT", "do": "unsolicited", "text": "^RSSI: 20"},
+                                 {"match": "PDU", "do": "unsolicited", "text": '+CMTI: "SM",9'}], 5),
+            ("by a timer", ["--every", "30", "--unsolicited", '+CLIP: "Brooke",129'], [], 5),
+            ("line feeds", ["--line-end", "lf"], [], 5),
+            ("carriage returns", ["--line-end", "cr"], [], 5),
+            ("late OK", [], [{"match": "AT+CMGF=?", "do": "late-end", "ms": 2500},
+                             {"match": "AT+CNMI=?", "do": "late-end", "ms": 800}], 15),
+            ("no line end", [], [{"match": "PDU", "do": "no-end"}], 8),
+            ("echo", [], [{"match": "ATE0", "do": "keep-echo"}], 5),
+        ]
+        for name, options, rules, limit in rows:
+            options = ["--storages", "SM,ME", "--message", "text ME +31611111111 One", *options]
+            with self.subTest(name), wine.modem(BASE + 13, *options, rules=rules) as modem:
+                lines, seconds = run_script(modem, body, "js")
+                self.assertEqual(lines, ["17|0", "1|0"])
+                self.assertEqual(modem.commands(), commands)
+                sent, = modem.submitted()
+                self.assertEqual((sent["coding"], sent["text"], sent["flash"], sent["report"]),
+                                 ("UCS-2", "\u4e2d", True, True))
+                self.assertLess(seconds, limit + 5)
+
+    def test_pins_stay_secret_and_are_refused_when_the_modem_refuses(self):
+        late = [{"match": "AT+CPIN?", "do": "late-end", "ms": 2500}, {"match": "AT+CPIN=", "do": "delay", "ms": 1500}]
+        for rules in ([], late):
+            with self.subTest(rules), wine.folder() as path, wine.modem(BASE + 14, "--pin", "1234", rules=rules) as modem:
+                log, activity = path / "gsm.log", path / "gsm.ini"
+                lines, _ = run_script(modem, f'gsm.LogFile = "{wine.windows_path(log)}"\n'
+                                             f'gsm.ActivityFile = "{wine.windows_path(activity)}"\n'
+                                             'Result gsm.EnterPin("9876")\nResult gsm.EnterPin("9876")\n'
+                                             'gsm.DeviceInitString = "AT+CPIN=""9876"""\nResult gsm.Receive()\n')
+                self.assertEqual(lines[:2], ["|33142"] * 2)
+                for file in (log, activity):
+                    text = file.read_text("latin-1")
+                    self.assertIn("AT+CPIN=", text)
+                    self.assertNotIn("9876", text)
+
+    def test_a_line_that_takes_nothing_costs_the_time_of_the_command(self):
+        with wine.modem(BASE + 15, rules=[{"match": "connect", "do": "block", "ms": 20000}]) as modem:
+            body = ('var started = new Date(); gsm.SendCommand("AT", 1000);\n'
+                    'Result(new Date() - started < 3000);\n')
+            self.assertEqual(run_script(modem, body, "js")[0], ["true|30350"])
+
+    def test_lists_that_lose_octets(self):
+        messages = ["--message", "text SM +31611111111 hello", "--message", "text ME +31611111111 whole"]
+        rules = [{"match": "AT+CMGL=0", "nth": [1], "do": "cut-pdu", "characters": 3}]
+        with wine.modem(BASE + 16, *messages, rules=rules) as modem, wine.folder() as path:
+            log = path / "gsm.log"
+            lines, _ = run_script(modem, f'gsm.LogFile = "{wine.windows_path(log)}"\nResult gsm.Receive()\n'
+                                         "WScript.Echo gsm.GetMessage(0).Data\n")
+            self.assertEqual(lines, ["1|0", "whole"])
+            self.assertIn("Message at memory location [1] was cut on its way", log.read_text("latin-1"))
 
     def test_log_and_activity_files(self):
         with wine.folder() as path, wine.modem(BASE + 11) as modem:

@@ -66,25 +66,40 @@ TEST(LineSettings, ApplyEveryCode) {
     EXPECT_EQ(state.XonLim, 0);
 }
 
-// --- a telephony library of two lines
+// --- a telephony library of three lines, one of which is for voice only
+
+class TickClock : public Clock {
+  public:
+    std::uint32_t Ticks() override { return ticks; }
+    void Sleep(std::uint32_t milliseconds) override { ticks += milliseconds; }
+    std::int64_t Now() override { return 0; }
+    CalendarTime ToLocal(std::int64_t) override { return {}; }
+    std::int64_t FromLocal(const CalendarTime&) override { return 0; }
+    std::uint32_t ticks = 0;
+};
+TickClock tickClock;
 
 struct Script {
-    LONG makeCall = 7;      // the request's number, or an error
-    LONG outcome = 0;       // of the reply message
-    int replyAfter = 1;     // polls until the reply; 0 = never
-    HANDLE port = nullptr;  // of the call
+    LONG makeCall = 7;         // the request's number, or an error
+    LONG outcome = 0;          // of the reply message
+    int replyAfter = 1;        // polls until the reply; 0 = never
+    bool failsAtOnce = false;  // a poll without a reply does not wait
+    HANDLE port = nullptr;     // of the call
     int initializations = 0, shutdowns = 0, drops = 0, closes = 0, polls = 0;
     int failingStarts = 0;
     LINECALLPARAMS parameters{};
 };
 Script script;
 
+constexpr const char* kLines[] = {"First Modem", "Telephone", "Second Modem"};
+constexpr DWORD kVoiceLine = 1;
+
 LONG WINAPI Initialize(LPHLINEAPP application, HINSTANCE, LINECALLBACK, LPCSTR, LPDWORD count, LPDWORD,
                        LPLINEINITIALIZEEXPARAMS) {
     ++script.initializations;
     if (script.failingStarts-- > 0) return static_cast<LONG>(0x80000048);
     *application = 1;
-    *count = 2;
+    *count = 3;
     return 0;
 }
 LONG WINAPI Negotiate(HLINEAPP, DWORD, DWORD, DWORD, LPDWORD version, LPLINEEXTENSIONID) {
@@ -92,7 +107,9 @@ LONG WINAPI Negotiate(HLINEAPP, DWORD, DWORD, DWORD, LPDWORD version, LPLINEEXTE
     return 0;
 }
 LONG WINAPI Capabilities(HLINEAPP, DWORD line, DWORD, DWORD, LPLINEDEVCAPS capabilities) {
-    const char* name = line == 0 ? "First Modem" : "Second Modem";
+    const char* const name = kLines[line];
+    capabilities->dwMediaModes =
+        line == kVoiceLine ? LINEMEDIAMODE_INTERACTIVEVOICE : LINEMEDIAMODE_DATAMODEM | LINEMEDIAMODE_UNKNOWN;
     capabilities->dwLineNameOffset = sizeof(LINEDEVCAPS);
     capabilities->dwLineNameSize = static_cast<DWORD>(strlen(name) + 1);
     memcpy(reinterpret_cast<char*>(capabilities) + sizeof(LINEDEVCAPS), name, strlen(name) + 1);
@@ -110,8 +127,8 @@ LONG WINAPI MakeCall(HLINE, LPHCALL call, LPCSTR, DWORD, LPLINECALLPARAMS parame
 LONG WINAPI Message(HLINEAPP, LPLINEMESSAGE message, DWORD wait) {
     ++script.polls;
     if (script.replyAfter == 0 || script.polls < script.replyAfter) {
-        ::Sleep(script.replyAfter == 0 ? wait : 0);
-        return static_cast<LONG>(0x80000049);
+        if (!script.failsAtOnce) tickClock.Sleep(wait);
+        return static_cast<LONG>(0x80000048);
     }
     message->dwMessageID = 12;
     message->dwParam1 = static_cast<DWORD_PTR>(script.makeCall);
@@ -133,7 +150,7 @@ LONG WINAPI Shutdown(HLINEAPP) { return ++script.shutdowns; }
 const TelephonyApi kTable{Initialize, Negotiate, Capabilities, OpenLine,  MakeCall, Message,
                           Id,         Drop,      Deallocate,   CloseLine, Shutdown};
 
-TEST(Telephony, ListsItsLines) {
+TEST(Telephony, ListsItsDataModems) {
     script = {};
     EXPECT_EQ(TelephonyLines(kTable), (std::vector<std::string>{"First Modem", "Second Modem"}));
     EXPECT_EQ(script.shutdowns, 1);
@@ -147,24 +164,33 @@ TEST(Telephony, CallsHaveTheirCodes) {
         const char* device;
         Script script;
         std::int32_t code;
+        std::uint32_t waited;
+        int polls;
     };
     for (const Row& row : {
-             Row{"works", "Second Modem", {.port = port}, 0},
-             Row{"after a second start", "Second Modem", {.port = port, .failingStarts = 1}, 0},
-             Row{"unknown name", "Third Modem", {}, 30201},
-             Row{"no telephony", "First Modem", {.failingStarts = 2}, 30201},
-             Row{"refused at once", "First Modem", {.makeCall = static_cast<LONG>(0x80000048)}, 30203},
-             Row{"in use", "First Modem", {.outcome = static_cast<LONG>(0x8000004B)}, 30204},
-             Row{"line in use", "First Modem", {.outcome = static_cast<LONG>(0x80000005)}, 30204},
-             Row{"failed", "First Modem", {.outcome = static_cast<LONG>(0x80000048)}, 30203},
-             Row{"no reply", "First Modem", {.replyAfter = 0}, 30203},
-             Row{"no handle", "First Modem", {.port = nullptr}, 30202},
+             Row{"works", "Second Modem", {.port = port}, 0, 0, 1},
+             Row{"after a while", "Second Modem", {.replyAfter = 4, .port = port}, 0, 1500, 4},
+             Row{"after a second start", "Second Modem", {.port = port, .failingStarts = 1}, 0, 0, 1},
+             Row{"unknown name", "Third Modem", {}, 30201, 0, 0},
+             Row{"no telephony", "First Modem", {.failingStarts = 2}, 30201, 0, 0},
+             Row{"refused at once", "First Modem", {.makeCall = static_cast<LONG>(0x80000048)}, 30203, 0, 0},
+             Row{"in use at once", "First Modem", {.makeCall = static_cast<LONG>(0x80000005)}, 30204, 0, 0},
+             Row{"in use", "First Modem", {.outcome = static_cast<LONG>(0x8000004B)}, 30204, 0, 1},
+             Row{"line in use", "First Modem", {.outcome = static_cast<LONG>(0x80000005)}, 30204, 0, 1},
+             Row{"failed", "First Modem", {.outcome = static_cast<LONG>(0x80000048)}, 30203, 0, 1},
+             Row{"no reply", "First Modem", {.replyAfter = 0}, 30203, 5000, 10},
+             Row{"no poll", "First Modem", {.replyAfter = 0, .failsAtOnce = true}, 30203, 5000, 10},
+             Row{"no handle", "First Modem", {.port = nullptr}, 30202, 0, 1},
          }) {
         script = row.script;
+        tickClock.ticks = 0xFFFFFF00;  // about to wrap
+        const std::uint32_t start = tickClock.ticks;
         {
-            Telephony telephony(kTable);
+            Telephony telephony(kTable, tickClock);
             HANDLE found = nullptr;
             EXPECT_EQ(telephony.Connect(row.device, found), row.code) << row.name;
+            EXPECT_EQ(tickClock.ticks - start, row.waited) << row.name;
+            EXPECT_EQ(script.polls, row.polls) << row.name;
             if (row.code == 0) {
                 EXPECT_EQ(found, port);
                 EXPECT_EQ(script.parameters.dwBearerMode, 0x40U);

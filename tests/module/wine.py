@@ -57,6 +57,14 @@ class Gateway(Counterpart):
         return self.entries("number")
 
 
+class Pager(Counterpart):
+    def __init__(self, folder, options, rules):
+        super().__init__("pager.py", folder, "--port", 0, *options, rules=rules)
+
+    def pages(self):
+        return [(entry["pager"], entry["text"]) for entry in self.entries("pager")]
+
+
 @contextlib.contextmanager
 def folder():
     path = pathlib.Path(tempfile.mkdtemp(prefix="neltctrl-"))
@@ -89,3 +97,7 @@ def smsc(*options, rules=None):
 
 def gateway(*options, rules=None):
     return running(Gateway, options, rules)
+
+
+def pager(*options, rules=None):
+    return running(Pager, options, rules)

@@ -1,6 +1,7 @@
 #include "Common/GsmPdu/GsmAlphabet.h"
 
 #include <array>
+#include <cstring>
 
 namespace {
 
@@ -25,6 +26,9 @@ constexpr auto kToGsm = [] {
     return table;
 }();
 
+constexpr char16_t kEuro = 0x20AC;
+constexpr std::uint8_t kEuroCode = 0x65;  // behind an escape
+
 struct Pair {
     char16_t character;
     std::uint8_t code;
@@ -39,7 +43,7 @@ constexpr auto kEscaped = std::to_array<Pair>({
     {u'|', 0x40},
     {u'}', 0x29},
     {u'~', 0x3D},
-    {u'\u20AC', 0x65},
+    {kEuro, kEuroCode},
 });
 
 constexpr auto kGreek = std::to_array<Pair>({
@@ -60,20 +64,45 @@ constexpr std::uint8_t kEuroOctet = 0x80;  // the euro sign in the Windows Weste
 constexpr char16_t kSmallPi = 0x03C0;      // folded onto the capital
 constexpr std::uint8_t kCapitalPi = 0x16;
 
-// For each character up to 0xFF: the code, or kEscapedFlag and the code that follows an escape, or kDropped.
-constexpr std::uint16_t kEscapedFlag = 0x100;
-constexpr std::uint16_t kDropped = 0x200;
+// What is written for a character: the low octets hold the codes, an escape first, and the third their
+// number.
+using Written = std::uint32_t;
+constexpr Written One(std::uint8_t code) { return 0x10000U | code; }
+constexpr Written Escaped(std::uint8_t code) {
+    return 0x20000U | static_cast<Written>(code) << 8 | CGsmAlphabet::kEscape;
+}
+constexpr std::size_t CountOf(Written written) { return written >> 16; }
+
+// All characters that have codes but the euro sign lie below.
+constexpr char16_t kEncodeEnd = 0x0400;
 constexpr auto kEncode = [] {
-    std::array<std::uint16_t, 256> table{};
-    for (std::size_t c = 0; c < table.size(); ++c) {
-        table[c] = kToGsm[c] == CGsmAlphabet::kNoMapping ? kDropped : kToGsm[c];
+    std::array<Written, kEncodeEnd> table{};
+    for (std::size_t c = 0; c < kToGsm.size(); ++c) {
+        if (kToGsm[c] != CGsmAlphabet::kNoMapping) table[c] = One(kToGsm[c]);
     }
+    for (const Pair& pair : kGreek) table[pair.character] = One(pair.code);
+    table[kSmallPi] = One(kCapitalPi);
     for (const Pair& pair : kEscaped) {
-        if (pair.character < table.size()) table[pair.character] = kEscapedFlag | pair.code;
+        if (pair.character < table.size()) table[pair.character] = Escaped(pair.code);
     }
-    table[kEuroOctet] = kEscapedFlag | 0x65;
+    table[kEuroOctet] = Escaped(kEuroCode);
     return table;
 }();
+
+// The code of a character that takes one; otherwise an octet that is no code.
+constexpr auto kEncodeOne = [] {
+    std::array<std::uint8_t, kEncodeEnd> table{};
+    for (std::size_t c = 0; c < table.size(); ++c) {
+        table[c] =
+            CountOf(kEncode[c]) == 1 ? static_cast<std::uint8_t>(kEncode[c]) : CGsmAlphabet::kNoMapping;
+    }
+    return table;
+}();
+
+constexpr Written WrittenFor(char16_t c) {
+    if (c < kEncodeEnd) return kEncode[c];
+    return c == kEuro ? Escaped(kEuroCode) : 0;
+}
 
 constexpr auto kDecode = [] {
     std::array<char16_t, 128> table{};
@@ -90,33 +119,60 @@ constexpr auto kDecodeEscaped = [] {
     return table;
 }();
 
-std::uint16_t EncodeWide(char16_t c) {
-    for (const Pair& pair : kGreek) {
-        if (pair.character == c) return pair.code;
+constexpr std::size_t kAtOnce = 8;
+
+// Writes the codes of eight characters; false when one of them has not exactly one code.
+bool EncodeEight(const char16_t* text, std::uint8_t* codes) {
+    std::array<std::uint64_t, 2> characters;
+    std::memcpy(characters.data(), text, sizeof characters);
+    constexpr std::uint64_t kBeyond = 0x0001000100010001U * (0x10000 - kEncodeEnd);
+    if (((characters[0] | characters[1]) & kBeyond) != 0) return false;
+    std::uint64_t eight = 0;
+    for (std::size_t i = kAtOnce; i-- > 0;) eight = eight << 8 | kEncodeOne[text[i]];
+    std::memcpy(codes, &eight, sizeof eight);
+    return (eight & 0x8080808080808080U) == 0;
+}
+
+// Every character writes two octets and moves on by as many as it has, so that nothing is decided on the way.
+std::uint8_t* EncodeEach(std::u16string_view text, std::uint8_t* codes) {
+    for (const char16_t c : text) {
+        const Written written = WrittenFor(c);
+        codes[0] = static_cast<std::uint8_t>(written);
+        codes[1] = static_cast<std::uint8_t>(written >> 8);
+        codes += CountOf(written);
     }
-    if (c == kSmallPi) return kCapitalPi;
-    return c == kEscaped.back().character ? kEscapedFlag | kEscaped.back().code : kDropped;
+    return codes;
+}
+
+// Whether one of eight codes is an escape: the octet that becomes zero borrows its highest bit.
+constexpr bool HasEscape(std::uint64_t codes) {
+    const std::uint64_t zeros = codes ^ 0x0101010101010101U * CGsmAlphabet::kEscape;
+    return ((zeros - 0x0101010101010101U) & ~zeros & 0x8080808080808080U) != 0;
 }
 
 }  // namespace
 
 std::size_t CGsmAlphabet::Encode(std::u16string_view text, std::uint8_t* codes) {
     std::uint8_t* out = codes;
-    for (const char16_t c : text) {
-        const std::uint16_t entry = c < kEncode.size() ? kEncode[c] : EncodeWide(c);
-        if (entry < kEscapedFlag) {
-            *out++ = static_cast<std::uint8_t>(entry);
-        } else if (entry < kDropped) {
-            *out++ = kEscape;
-            *out++ = static_cast<std::uint8_t>(entry);
-        }
+    for (; text.size() >= kAtOnce; text.remove_prefix(kAtOnce)) {
+        out = EncodeEight(text.data(), out) ? out + kAtOnce : EncodeEach(text.substr(0, kAtOnce), out);
     }
-    return static_cast<std::size_t>(out - codes);
+    return static_cast<std::size_t>(EncodeEach(text, out) - codes);
 }
 
 std::size_t CGsmAlphabet::Decode(std::span<const std::uint8_t> codes, char16_t* text) {
     char16_t* out = text;
     for (std::size_t i = 0; i < codes.size(); ++i) {
+        while (i + kAtOnce <= codes.size()) {
+            std::uint64_t eight = 0;
+            std::memcpy(&eight, &codes[i], sizeof eight);
+            eight &= 0x7F7F7F7F7F7F7F7FU;
+            if (HasEscape(eight)) break;
+            for (std::size_t k = 0; k < kAtOnce; ++k) out[k] = kDecode[eight >> 8 * k & 0x7F];
+            out += kAtOnce;
+            i += kAtOnce;
+        }
+        if (i == codes.size()) break;
         std::uint8_t code = codes[i] & 0x7F;
         if (code != kEscape) {
             *out++ = kDecode[code];

@@ -20,7 +20,7 @@ std::size_t Pack(std::span<const std::uint8_t> codes, std::size_t headerOctets, 
         eight = (eight & 0x3FFF00003FFF0000) >> 2 | (eight & 0x00003FFF00003FFF);
         eight = (eight & 0x0FFFFFFF00000000) >> 4 | (eight & 0x000000000FFFFFFF);
         bits |= eight << held;
-        std::memcpy(out, &bits, 7);
+        std::memcpy(out, &bits, sizeof bits);  // the eighth octet is written again
         bits >>= 56;
     }
     for (; i < codes.size(); ++i) {

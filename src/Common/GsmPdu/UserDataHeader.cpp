@@ -23,17 +23,17 @@ void CUserDataHeader::Reset() {
     parsed_ = false;
 }
 
-void CUserDataHeader::AddOctet(std::uint8_t octet) {
-    if (octets_.size() == kCapacity) return;
-    octets_.push_back(octet);
-    parsed_ = false;
+void CUserDataHeader::AddOctets(std::span<const std::uint8_t> octets) {
+    const std::size_t size = std::min(octets.size(), kCapacity - octets_.size());
+    octets_.append(reinterpret_cast<const char*>(octets.data()), size);
+    parsed_ = parsed_ && size == 0;
 }
 
 // Departs from the standard on purpose: of a 16-bit reference only the low octet is kept, port elements sum,
 // known elements move the cursor by their usual length whatever length they state, and unknown elements are
 // not skipped.
 void CUserDataHeader::Parse() {
-    OctetReader in({reinterpret_cast<const char*>(octets_.data()), octets_.size()});
+    OctetReader in(octets_);
     while (!in.AtEnd()) {
         const std::uint8_t identifier = in.Octet();
         const std::uint8_t length = in.Octet();

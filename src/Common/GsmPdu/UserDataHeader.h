@@ -4,7 +4,8 @@
 
 #include <array>
 #include <cstdint>
-#include <vector>
+#include <span>
+#include <string>
 
 class CUserDataHeader {
   public:
@@ -30,7 +31,8 @@ class CUserDataHeader {
     void Reset();
 
     // The header's octets without the UDHL octet; a 257th is ignored.
-    void AddOctet(std::uint8_t octet);
+    void AddOctet(std::uint8_t octet) { AddOctets({&octet, 1}); }
+    void AddOctets(std::span<const std::uint8_t> octets);
     void Parse();
 
     // A decoded value; parses first when octets were added since. 0 for values the header does not hold.
@@ -43,7 +45,7 @@ class CUserDataHeader {
     void TakeConcatenation(OctetReader& in, std::size_t referenceOctets, bool isWanted);
     std::uint32_t& At(Value value) { return values_[static_cast<std::size_t>(value) - 1]; }
 
-    std::vector<std::uint8_t> octets_;
+    std::string octets_;  // which holds the headers that occur within itself
     std::array<std::uint32_t, 7> values_{};
     bool parsed_ = false;
 };

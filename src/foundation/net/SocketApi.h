@@ -58,11 +58,14 @@ class Waiter {
     ~Waiter();
 
     // Returns when the socket has something to read (or to report), when it was woken, or when the time is
-    // over.
+    // over. A read that found nothing goes before each wait.
     void Wait(Handle socket, std::uint32_t milliseconds);
     void Wake();
+    // The next socket is another, whatever its number.
+    void Forget() { watched_ = kInvalid; }
 
   private:
+    [[maybe_unused]] Handle watched_ = kInvalid;
     std::intptr_t first_ = 0;
     [[maybe_unused]] std::intptr_t second_ = 0;
 };

@@ -102,7 +102,9 @@ void Waiter::Wait(Handle socket, std::uint32_t milliseconds) {
     HANDLE events[2] = {Event(first_), Event(second_)};
     DWORD count = 1;
     if (socket != kInvalid) {
-        ::WSAEventSelect(Of(socket), Event(second_), FD_READ | FD_CLOSE);
+        // Lasts; each read makes the event ready for what comes next.
+        if (socket != watched_) ::WSAEventSelect(Of(socket), Event(second_), FD_READ | FD_CLOSE);
+        watched_ = socket;
         count = 2;
     }
     ::WaitForMultipleObjects(count, events, FALSE, milliseconds);

@@ -6,6 +6,7 @@
 #include <array>
 #include <span>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -13,13 +14,14 @@ struct FinalResult {
     std::string_view text;
     AtStatus status;
     ResultCode code;
-    bool endsLines = false;  // also ends a reply of many lines
+    bool endsLines = false;    // also ends a reply of many lines
+    bool isBeginning = false;  // more may follow in the line
 };
 
 // In the order in which they are looked for. "+CMS ERROR" and "+CME ERROR" get their code from the number.
 constexpr auto kFinalResults = std::to_array<FinalResult>({
     {"OK", AtStatus::kOk, result::Success, true},
-    {"CONNECT", AtStatus::kConnect, result::Success},
+    {"CONNECT", AtStatus::kConnect, result::Success, false, true},
     {"ERROR", AtStatus::kError, result::ModemError, true},
     {"NO DIALTONE", AtStatus::kNoDialtone, result::ModemNoDialtone},
     {"NO CARRIER", AtStatus::kNoCarrier, result::ModemNoCarrier},
@@ -73,17 +75,54 @@ ResultCode ErrorCode(std::string_view upper) {
     return result::ModemError;
 }
 
+// Final results that differ from those above, as whole lines.
+constexpr auto kErrorLines = std::to_array<FinalResult>({
+    {"+CMS ERROR", AtStatus::kError, result::ModemError, true, true},
+    {"+CME ERROR", AtStatus::kError, result::ModemError, true, true},
+    {"COMMAND ERROR", AtStatus::kError, result::ModemError, true},
+});
+
+const FinalResult* FinalResultOf(std::string_view line) {
+    const std::string upper = Upper(line);
+    const auto fits = [&](const FinalResult& row) {
+        return row.isBeginning ? upper.starts_with(row.text) : upper == row.text;
+    };
+    for (const auto table :
+         {std::span<const FinalResult>(kFinalResults), std::span<const FinalResult>(kErrorLines)}) {
+        const auto row = std::ranges::find_if(table, fits);
+        if (row != table.end()) return &*row;
+    }
+    return nullptr;
+}
+
+struct UnsolicitedLine {
+    std::string_view beginning;
+    bool bringsText = false;  // in the line behind it
+};
+
+// 3GPP TS 27.005 section 3.4, 27.007, and the makers' own, which begin with "^".
+constexpr auto kUnsolicitedLines = std::to_array<UnsolicitedLine>({
+    {"^"},       {"RING"},   {"+CRING:"},     {"+CLIP:"},      {"+CCWA:"},      {"+COLP:"},     {"+CMTI:"},
+    {"+CDSI:"},  {"+CBMI:"}, {"+CMT:", true}, {"+CDS:", true}, {"+CBM:", true}, {"+CREG:"},     {"+CGREG:"},
+    {"+CEREG:"}, {"+CPIN:"}, {"+CUSD:"},      {"+CSSI:"},      {"+CSSU:"},      {"+CIEV:"},     {"+CGEV:"},
+    {"+CTZV:"},  {"+CTZE:"}, {"+CTZU:"},      {"+CALA:"},      {"+PBREADY"},    {"CALL READY"}, {"SMS READY"},
+});
+
+bool BeginsWith(std::string_view line, std::string_view beginning) {
+    return !beginning.empty() && Upper(line.substr(0, beginning.size())) == Upper(beginning);
+}
+
 }  // namespace
 
 bool EndsReply(std::string_view line, std::string_view expected) {
     return ClassifyReply(line, expected).status > AtStatus::kUnexpected;
 }
 
+bool IsFinalResult(std::string_view line) { return FinalResultOf(line) != nullptr; }
+
 bool EndsLines(std::string_view line) {
-    const std::string upper = Upper(line);
-    return std::ranges::any_of(kFinalResults, [&](const FinalResult& row) {
-        return row.endsLines && upper.find(row.text) != std::string::npos;
-    });
+    const FinalResult* const row = FinalResultOf(line);
+    return row != nullptr && row->endsLines;
 }
 
 AtOutcome ClassifyReply(std::string_view reply, std::string_view expected) {
@@ -97,4 +136,14 @@ AtOutcome ClassifyReply(std::string_view reply, std::string_view expected) {
         return {AtStatus::kExpected, result::Success};
     }
     return {AtStatus::kUnexpected, result::ModemUnexpectedResponse};
+}
+
+bool AtUnsolicited::Takes(std::string_view line, std::string_view expected) {
+    if (std::exchange(textFollows_, false)) return true;
+    const auto row = std::ranges::find_if(
+        kUnsolicitedLines, [&](const UnsolicitedLine& known) { return BeginsWith(line, known.beginning); });
+    if (row == kUnsolicitedLines.end()) return false;
+    if (BeginsWith(expected, row->beginning) && BeginsWith(line, expected)) return false;
+    textFollows_ = row->bringsText;
+    return true;
 }

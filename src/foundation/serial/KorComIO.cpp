@@ -10,7 +10,11 @@ constexpr std::uint32_t kLineWait = 100;    // the longest wait for one more oct
 constexpr std::uint32_t kBytesWait = 10;    // the same when reading octets
 constexpr std::uint32_t kFileNotFound = 2;
 constexpr std::uint32_t kAccessDenied = 5;
-constexpr std::uint32_t kSlowWriteLimit = 5000;  // plus the delay of each character
+constexpr std::uint32_t kBlockedWriteLimit = 5000;  // plus the delay of each character, or its wire time
+constexpr std::uint32_t kLeastWriteLimit = 500;     // a driver may be slow where the line is not
+constexpr std::uint32_t kBitsPerOctet = 11;
+constexpr std::uint32_t kSlowestLine = 300;  // bits per second; what a line of unknown speed may have
+constexpr int kMostReads = 64;               // in which what was received is taken
 }  // namespace
 
 CKorComIO::CKorComIO(std::string className, SerialOpener& opener, Clock& clock)
@@ -55,6 +59,8 @@ ResultCode CKorComIO::Opened(ResultCode code, const SerialSettings& settings,
     receivedAt_ = receivedEnd_ = 0;
     writeDelay_ = settings.writeDelay;
     characterDelay_ = settings.characterDelay;
+    speed_ = settings.speed;
+    heardAt_ = GetClock().Ticks();
     return result::Success;
 }
 
@@ -66,26 +72,40 @@ void CKorComIO::Close() {
     device_.reset();
 }
 
-void CKorComIO::WriteString(std::string_view text, char terminator) {
-    if (!IsOpen()) return;
+// What the octets take on the line, in ms.
+std::uint32_t CKorComIO::WireTime(std::size_t octets) const {
+    const std::uint64_t speed = speed_ != 0 ? speed_ : kSlowestLine;
+    return static_cast<std::uint32_t>((octets * kBitsPerOctet * 1000 + speed - 1) / speed);
+}
+
+std::uint32_t CKorComIO::WriteString(std::string_view text, char terminator, std::uint32_t timeout) {
+    if (!IsOpen()) return timeout;
     std::string line(text.substr(0, kLongestText));
     if (!line.empty() && line.back() != kCtrlZ) line.push_back(terminator);
     if (writeDelay_ != 0) GetClock().Sleep(writeDelay_);
-    if (characterDelay_ == 0) {
-        (void)device_->Write(line);
-        return;
+    if (characterDelay_ != 0) {
+        WriteSlowly(line);
+        return timeout;
     }
+    const std::uint32_t wire = WireTime(line.size());
+    const Timer timer(GetClock(), Timer::kForever);
+    (void)device_->Write(line, wire + std::clamp(timeout, kLeastWriteLimit, kBlockedWriteLimit));
+    const std::uint32_t blocked = timer.Elapsed() > wire ? timer.Elapsed() - wire : 0;
+    return timeout == Timer::kForever ? timeout : timeout - std::min(timeout, blocked);
+}
+
+void CKorComIO::WriteSlowly(std::string_view octets) {
     const Timer timer(GetClock(),
-                      kSlowWriteLimit + static_cast<std::uint32_t>(line.size()) * characterDelay_);
-    for (std::size_t i = 0; i < line.size() && !timer.Expired();) {
-        if (device_->Write(std::span(line).subspan(i, 1))) ++i;
+                      kBlockedWriteLimit + static_cast<std::uint32_t>(octets.size()) * characterDelay_);
+    for (std::size_t i = 0; i < octets.size() && !timer.Expired();) {
+        if (device_->Write(octets.substr(i, 1), timer.Remaining())) ++i;
         GetClock().Sleep(characterDelay_);
     }
 }
 
 ResultCode CKorComIO::WriteBytes(std::string_view octets) {
     if (!IsOpen()) return result::PortNotOpen;
-    (void)device_->Write(octets);
+    (void)device_->Write(octets, WireTime(octets.size()) + kBlockedWriteLimit);
     return result::Success;
 }
 
@@ -94,6 +114,7 @@ bool CKorComIO::Fill(std::uint32_t wait) {
     const int size = device_->Read(received_, wait);
     receivedAt_ = 0;
     receivedEnd_ = size > 0 ? static_cast<std::size_t>(size) : 0;
+    if (size > 0) heardAt_ = GetClock().Ticks();
     if (size < 0) GetClock().Sleep(wait);  // a dead line is not asked in a tight loop
     return size > 0;
 }
@@ -118,35 +139,48 @@ ResultCode CKorComIO::ReadBytes(std::string& octets, std::size_t count, std::uin
 }
 
 ResultCode CKorComIO::ReadString(std::string& line, std::size_t maximum, std::uint32_t timeout,
-                                 char terminator, std::string_view prompt) {
+                                 std::string_view lineEnds, std::string_view prompt) {
     line.clear();
-    lineEnded_ = false;
     if (!IsOpen()) return result::PortNotOpen;
+    (void)ReadOn(line, maximum, timeout, lineEnds, prompt);
+    line = Trim(line);
+    return line.empty() ? result::PortNothingReceived : result::Success;
+}
+
+bool CKorComIO::ReadOn(std::string& line, std::size_t maximum, std::uint32_t timeout,
+                       std::string_view lineEnds, std::string_view prompt) {
+    if (!IsOpen()) return false;
     const Timer timer(GetClock(), timeout);
-    const auto finish = [&line] {
-        line = Trim(line);
-        return !line.empty();
-    };
     while (line.size() < maximum) {
         if (receivedAt_ == receivedEnd_) {
-            lineEnded_ = !prompt.empty() && Trim(line) == prompt;
-            if (lineEnded_) break;
-            if (timer.Expired()) break;
+            if (!prompt.empty() && Trim(line) == prompt) return true;
+            if (timer.Expired()) return false;
             (void)Fill(std::min(kLineWait, timer.Remaining()));
             continue;
         }
-        const char* const begin = &received_[receivedAt_];
         const std::size_t room = std::min(receivedEnd_ - receivedAt_, maximum - line.size());
-        const char* const end = std::find(begin, begin + room, terminator);
-        line.append(begin, end);
-        receivedAt_ += static_cast<std::size_t>(end - begin);
-        if (end == begin + room) continue;
+        const std::string_view there(&received_[receivedAt_], room);
+        const std::size_t size = std::min(there.find_first_of(lineEnds), room);
+        line.append(there.substr(0, size));
+        receivedAt_ += size;
+        if (size == room) continue;
         ++receivedAt_;
-        lineEnded_ = finish();
-        if (lineEnded_) return result::Success;
-        if (timer.Expired()) break;  // a flood of empty lines
+        if (!Trim(line).empty()) return true;
+        line.clear();
+        if (timer.Expired()) return false;  // a flood of empty lines
     }
-    return finish() ? result::Success : result::PortNothingReceived;
+    return true;
+}
+
+std::string CKorComIO::TakeReceived() {
+    std::string octets;
+    if (!IsOpen()) return octets;
+    int reads = 0;
+    do {
+        octets.append(&received_[receivedAt_], receivedEnd_ - receivedAt_);
+    } while (reads++ < kMostReads && Fill(0));
+    receivedAt_ = receivedEnd_ = 0;
+    return octets;
 }
 
 void CKorComIO::Purge() {

@@ -6,16 +6,30 @@
 
 #include <algorithm>
 #include <string>
+#include <vector>
 
 namespace {
 
 constexpr DWORD kBuffer = 16384;
-constexpr DWORD kWriteTime = 5000;  // plus the time the octets need at 300 bits per second
 constexpr DWORD kPollPause = 5;
 constexpr BYTE kXon = 0x11;
 constexpr BYTE kXoff = 0x13;
 constexpr WORD kXonLimit = 8192;
 constexpr WORD kXoffLimit = 4096;
+
+// The port's own defaults; the state it is in where the system has none.
+DCB DefaultsOf(const std::string& device, const DCB& state) {
+    std::vector<char> storage(sizeof(COMMCONFIG));
+    auto size = static_cast<DWORD>(storage.size());
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        auto* const configuration = reinterpret_cast<COMMCONFIG*>(storage.data());
+        configuration->dwSize = sizeof(COMMCONFIG);
+        if (::GetDefaultCommConfigA(device.c_str(), configuration, &size) != 0) return configuration->dcb;
+        if (size <= storage.size()) break;
+        storage.assign(size, '\0');  // the driver keeps more than the system
+    }
+    return state;
+}
 
 }  // namespace
 
@@ -64,11 +78,7 @@ ResultCode PortWin::Prepare(const SerialSettings& settings) {
     DCB state{};
     state.DCBlength = sizeof state;
     if (!::GetCommState(port_.get(), &state)) return result::PortStateUnreadable;
-    COMMCONFIG configuration{};
-    configuration.dwSize = sizeof configuration;
-    DWORD size = sizeof configuration;
-    const bool hasDefaults = ::GetDefaultCommConfigA(settings.device.c_str(), &configuration, &size) != 0;
-    ApplyLineSettings(settings, hasDefaults ? configuration.dcb : DCB(state), state);
+    ApplyLineSettings(settings, DefaultsOf(settings.device, state), state);
     if (!::SetCommState(port_.get(), &state)) return result::PortStateUnwritable;
     Purge();
     COMMTIMEOUTS timeouts{};
@@ -90,8 +100,7 @@ int PortWin::Finish(OVERLAPPED& operation, BOOL started, DWORD wait) {
     return static_cast<int>(moved);
 }
 
-bool PortWin::Write(std::span<const char> octets) {
-    const auto limit = kWriteTime + static_cast<DWORD>(octets.size()) * 33;
+bool PortWin::Write(std::span<const char> octets, std::uint32_t limit) {
     OVERLAPPED operation{};
     operation.hEvent = writeEvent_.get();
     ::ResetEvent(writeEvent_.get());

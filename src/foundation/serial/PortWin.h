@@ -17,7 +17,7 @@ class PortWin : public SerialDevice {
     // Buffers, line settings, purge and immediate-return time-outs; 0, 30105, 30109 or 30110.
     ResultCode Prepare(const SerialSettings& settings);
 
-    bool Write(std::span<const char> octets) override;
+    bool Write(std::span<const char> octets, std::uint32_t limit) override;
     int Read(std::span<char> buffer, std::uint32_t wait) override;
     void Purge() override;
     void SetDtr(bool on) override;

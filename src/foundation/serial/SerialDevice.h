@@ -28,8 +28,8 @@ class SerialDevice {
   public:
     virtual ~SerialDevice() = default;
 
-    // Writes all octets; false when the line failed or took none of them for too long.
-    virtual bool Write(std::span<const char> octets) = 0;
+    // Writes all octets; false when the line failed or did not take them within `limit` ms.
+    virtual bool Write(std::span<const char> octets, std::uint32_t limit) = 0;
 
     // Reads what is there, waiting up to `wait` ms for a first octet; 0 when none came, -1 when the line
     // failed.

@@ -14,8 +14,6 @@ constexpr DWORD kCallParameterFlags = 2;  // the line may be idle
 constexpr DWORD kReplyTime = 5000;
 constexpr DWORD kReplyPoll = 500;
 constexpr DWORD kLineReply = 12;
-constexpr auto kLineInUse = static_cast<LONG>(0x80000005);
-constexpr auto kCallUnavailable = static_cast<LONG>(0x8000004B);
 constexpr const char* kPortClass = "comm/datamodem";
 
 template <class Function>
@@ -29,6 +27,12 @@ std::string TextIn(const std::vector<char>& storage, DWORD offset, DWORD size) {
     if (offset < sizeof(Structure) || offset >= storage.size()) return {};
     const char* text = storage.data() + offset;
     return {text, strnlen(text, std::min<std::size_t>(size, storage.size() - offset))};
+}
+
+// All calls of the line are taken, or what a call needs is: 0x80000005 and 0x8000004B.
+bool IsInUse(LONG outcome) {
+    return outcome == static_cast<LONG>(LINEERR_CALLUNAVAIL) ||
+           outcome == static_cast<LONG>(LINEERR_RESOURCEUNAVAIL);
 }
 
 }  // namespace
@@ -89,30 +93,34 @@ void Telephony::Stop() {
     lineCount_ = 0;
 }
 
-std::string Telephony::LineName(DWORD line) {
+Telephony::Line Telephony::LineAt(DWORD number) {
     LINEEXTENSIONID extension{};
-    if (api_->negotiateVersion(application_, line, kLowestVersion, kHighestVersion, &version_, &extension) !=
-        0) {
+    if (api_->negotiateVersion(application_, number, kLowestVersion, kHighestVersion, &version_,
+                               &extension) != 0) {
         return {};
     }
     std::vector<char> storage(4096);
     auto* capabilities = reinterpret_cast<LINEDEVCAPS*>(storage.data());
     capabilities->dwTotalSize = static_cast<DWORD>(storage.size());
-    if (api_->deviceCapabilities(application_, line, version_, 0, capabilities) != 0) return {};
-    return TextIn<LINEDEVCAPS>(storage, capabilities->dwLineNameOffset, capabilities->dwLineNameSize);
+    if (api_->deviceCapabilities(application_, number, version_, 0, capabilities) != 0) return {};
+    return {TextIn<LINEDEVCAPS>(storage, capabilities->dwLineNameOffset, capabilities->dwLineNameSize),
+            (capabilities->dwMediaModes & LINEMEDIAMODE_DATAMODEM) != 0};
 }
 
 std::vector<std::string> Telephony::Lines() {
     std::vector<std::string> names;
     if (!Start()) return names;
-    for (DWORD line = 0; line < lineCount_; ++line) names.push_back(LineName(line));
+    for (DWORD number = 0; number < lineCount_; ++number) {
+        Line line = LineAt(number);
+        if (line.isDataModem) names.push_back(std::move(line.name));
+    }
     return names;
 }
 
 bool Telephony::FindLine(const std::string& name) {
     if (!Start()) return false;
     for (DWORD line = 0; line < lineCount_; ++line) {
-        if (LineName(line) != name) continue;
+        if (LineAt(line).name != name) continue;
         lineNumber_ = line;
         return true;
     }
@@ -147,17 +155,24 @@ ResultCode Telephony::MakeCall() {
     parameters.dwAddressMode = LINEADDRESSMODE_ADDRESSID;
     static_assert(sizeof(LINECALLPARAMS) >= kCallParametersSize);
     const LONG request = api_->makeCall(line_, &call_, nullptr, 0, &parameters);
-    if (request == kLineInUse || request == kCallUnavailable) return result::TelephonyDeviceInUse;
+    if (IsInUse(request)) return result::TelephonyDeviceInUse;
     if (request < 0) return result::TelephonyNoResponse;
-    const DWORD start = ::GetTickCount();
-    while (::GetTickCount() - start < kReplyTime) {
+    return AwaitReply(request);
+}
+
+ResultCode Telephony::AwaitReply(LONG request) {
+    const Timer timer(*clock_, kReplyTime);
+    while (!timer.Expired()) {
+        const Timer poll(*clock_, kReplyPoll);
         LINEMESSAGE message{};
-        if (api_->getMessage(application_, &message, kReplyPoll) != 0) continue;
+        if (api_->getMessage(application_, &message, kReplyPoll) != 0) {
+            clock_->Sleep(poll.Remaining());  // it may fail without having waited
+            continue;
+        }
         if (message.dwMessageID != kLineReply || static_cast<LONG>(message.dwParam1) != request) continue;
         const auto outcome = static_cast<LONG>(message.dwParam2);
         if (outcome >= 0) return result::Success;
-        const bool inUse = outcome == kLineInUse || outcome == kCallUnavailable;
-        return inUse ? result::TelephonyDeviceInUse : result::TelephonyNoResponse;
+        return IsInUse(outcome) ? result::TelephonyDeviceInUse : result::TelephonyNoResponse;
     }
     return result::TelephonyNoResponse;
 }

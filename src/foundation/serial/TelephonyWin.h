@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #define TAPI_CURRENT_VERSION 0x00010004
+#include "foundation/Clock.h"
 #include "foundation/ResultCode.h"
 #include "foundation/serial/SerialDevice.h"
 
@@ -35,12 +36,12 @@ const TelephonyApi& SystemTelephonyApi();
 // One use of telephony: from its start to its shutdown.
 class Telephony {
   public:
-    explicit Telephony(const TelephonyApi& api) : api_(&api) {}
+    explicit Telephony(const TelephonyApi& api, Clock& clock = SystemClock()) : api_(&api), clock_(&clock) {}
     Telephony(const Telephony&) = delete;
     Telephony& operator=(const Telephony&) = delete;
     ~Telephony();
 
-    // The names of all lines, in the order of their numbers.
+    // The names of the lines that carry data modems, in the order of their numbers.
     std::vector<std::string> Lines();
 
     // Calls the named line's modem and gives the port of the call, which this object keeps up; 0, 30201 to
@@ -48,14 +49,21 @@ class Telephony {
     ResultCode Connect(const std::string& name, HANDLE& port);
 
   private:
+    struct Line {
+        std::string name;
+        bool isDataModem = false;
+    };
+
     bool Start();
     void Stop();
     bool FindLine(const std::string& name);
-    std::string LineName(DWORD line);
+    Line LineAt(DWORD number);
+    ResultCode AwaitReply(LONG request);
     ResultCode MakeCall();
     ResultCode PortOfCall(HANDLE& port);
 
     const TelephonyApi* api_;
+    Clock* clock_;
     HLINEAPP application_ = 0;
     HLINE line_ = 0;
     HCALL call_ = 0;
@@ -64,7 +72,7 @@ class Telephony {
     DWORD version_ = 0;
 };
 
-// The names of the machine's telephony lines, each usable as a device name.
+// The names of the machine's telephony modems, each usable as a device name.
 std::vector<std::string> TelephonyLines(const TelephonyApi& api = SystemTelephonyApi());
 
 // Opens the line of that name as a serial device. 0, or a code of Telephony::Connect or PortWin::Prepare.

@@ -3,7 +3,7 @@
 #include "foundation/serial/SerialDevice.h"
 #include "support/VirtualClock.h"
 
-#include <deque>
+#include <algorithm>
 #include <map>
 #include <string>
 #include <utility>
@@ -18,14 +18,21 @@ class ScriptedModem : public SerialOpener {
     void On(const std::string& command, std::vector<std::string> answers) {
         rules_[command] = std::move(answers);
     }
-    void Otherwise(std::string answer) { otherwise_ = std::move(answer); }
+    // The same for an answer that comes in pieces, each so many ms after the command.
+    using Pieces = std::vector<std::pair<std::uint32_t, std::string>>;
+    void OnInPieces(const std::string& command, Pieces pieces) { inPieces_[command] = std::move(pieces); }
+    void Otherwise(std::string answer) { otherwise_ = {std::move(answer)}; }
+    void OtherwiseInTurn(std::vector<std::string> answers) { otherwise_ = std::move(answers); }
     void Give(const std::string& octets) { incoming_ += octets; }
-    // Octets that come so many ms from now; in the order of their times.
+    // Octets that come so many ms from now.
     void GiveAfter(std::uint32_t milliseconds, std::string octets) {
-        late_.emplace_back(clock_->Slept() + milliseconds, std::move(octets));
+        late_.emplace(clock_->Slept() + milliseconds, std::move(octets));
     }
     // Answers go out this many octets a read; 0 = all at once.
     void Fragment(std::size_t size) { fragment_ = size; }
+
+    // What was typed without an end.
+    void Forget() { pending_.clear(); }
 
     std::vector<std::string> commands;  // as received
     std::string written;                // every octet
@@ -36,8 +43,10 @@ class ScriptedModem : public SerialOpener {
     bool dtr = false, rts = false;  // as last set
     ResultCode openResult = result::Success;
     std::uint32_t systemError = 2;
-    bool dead = false;     // reads and writes fail
-    bool endless = false;  // gives `flood` without end
+    bool dead = false;             // reads and writes fail
+    std::uint32_t blockedFor = 0;  // ms in which the next write is not taken
+    bool echo = false;             // commands and data are echoed
+    bool endless = false;          // gives `flood` without end
     std::string flood;
 
     ResultCode OpenPort(const SerialSettings& wanted, std::unique_ptr<SerialDevice>& device,
@@ -54,8 +63,8 @@ class ScriptedModem : public SerialOpener {
       public:
         explicit Line(ScriptedModem& modem) : modem_(&modem) {}
         ~Line() override { ++modem_->closings; }
-        bool Write(std::span<const char> octets) override {
-            return modem_->Take({octets.data(), octets.size()});
+        bool Write(std::span<const char> octets, std::uint32_t limit) override {
+            return modem_->Take({octets.data(), octets.size()}, limit);
         }
         int Read(std::span<char> buffer, std::uint32_t wait) override { return modem_->Read(buffer, wait); }
         void Purge() override { modem_->incoming_.clear(); }
@@ -74,8 +83,11 @@ class ScriptedModem : public SerialOpener {
         return openResult;
     }
 
-    bool Take(const std::string& octets) {
+    bool Take(const std::string& octets, std::uint32_t limit) {
         if (dead) return false;
+        const std::uint32_t blocked = std::min(std::exchange(blockedFor, 0), limit);
+        clock_->Sleep(blocked);
+        if (blocked != 0 && blocked == limit) return false;
         written += octets;
         for (const char octet : octets) {
             if (octet != '\r' && octet != '\x1a') {
@@ -83,6 +95,7 @@ class ScriptedModem : public SerialOpener {
                 continue;
             }
             commands.push_back(pending_);
+            if (echo) incoming_ += pending_ + octet;
             Answer(pending_);
             pending_.clear();
         }
@@ -90,27 +103,27 @@ class ScriptedModem : public SerialOpener {
     }
 
     void Answer(const std::string& command) {
-        const auto rule = rules_.find(command);
-        if (rule == rules_.end()) {
-            incoming_ += otherwise_;
+        if (const auto pieces = inPieces_.find(command); pieces != inPieces_.end()) {
+            for (const auto& [when, octets] : pieces->second) GiveAfter(when, octets);
             return;
         }
-        std::vector<std::string>& answers = rule->second;
+        const auto rule = rules_.find(command);
+        std::vector<std::string>& answers = rule == rules_.end() ? otherwise_ : rule->second;
         incoming_ += answers.front();
         if (answers.size() > 1) answers.erase(answers.begin());
     }
 
     int Read(std::span<char> buffer, std::uint32_t wait) {
         if (dead) return -1;
-        if (endless && incoming_.empty()) {
+        if (endless && incoming_.empty() && wait > 0) {
             clock_->Sleep(1);
             incoming_ = flood;
         }
-        if (incoming_.empty() && !late_.empty() && late_.front().first <= clock_->Slept() + wait) {
-            const std::uint64_t due = late_.front().first;
+        if (incoming_.empty() && !late_.empty() && late_.begin()->first <= clock_->Slept() + wait) {
+            const std::uint64_t due = late_.begin()->first;
             if (due > clock_->Slept()) clock_->Sleep(static_cast<std::uint32_t>(due - clock_->Slept()));
-            incoming_ = std::move(late_.front().second);
-            late_.pop_front();
+            incoming_ = std::move(late_.begin()->second);
+            late_.erase(late_.begin());
         }
         if (incoming_.empty()) {
             clock_->Sleep(wait);
@@ -125,9 +138,10 @@ class ScriptedModem : public SerialOpener {
 
     VirtualClock* clock_;
     std::map<std::string, std::vector<std::string>> rules_;
-    std::string otherwise_ = "\r\nOK\r\n";
+    std::vector<std::string> otherwise_{"\r\nOK\r\n"};
     std::string pending_;
     std::string incoming_;
-    std::deque<std::pair<std::uint64_t, std::string>> late_;  // {when it comes, octets}
+    std::map<std::string, Pieces> inPieces_;
+    std::multimap<std::uint64_t, std::string> late_;  // octets by when they come
     std::size_t fragment_ = 0;
 };

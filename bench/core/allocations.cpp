@@ -1,0 +1,19 @@
+// Counts what the benchmarks allocate.
+#include "Measures.h"
+
+#include <cstdlib>
+#include <new>
+
+namespace {
+thread_local std::int64_t allocations = 0;
+}  // namespace
+
+std::int64_t measures::Allocations() { return allocations; }
+
+void* operator new(std::size_t size) {
+    ++allocations;
+    if (void* memory = std::malloc(size != 0 ? size : 1)) return memory;
+    throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
