@@ -4,7 +4,8 @@
 #include "foundation/Text.h"
 
 std::size_t CVrmBase::FindAdvancedSetting(std::string_view name) {
-    if (advancedSettings_.empty()) advancedSettings_ = MachineAdvancedSettings();
+    if (!isMachineAsked_ && advancedSettings_.empty()) advancedSettings_ = MachineAdvancedSettings();
+    isMachineAsked_ = true;
     return FindNoCase(advancedSettings_, name);
 }
 

@@ -11,7 +11,10 @@ class CVrmBase : public CKorBase {
     using CKorBase::CKorBase;
 
     const std::string& AdvancedSettings() const { return advancedSettings_; }
-    void SetAdvancedSettings(std::string settings) { advancedSettings_ = std::move(settings); }
+    void SetAdvancedSettings(std::string settings) {
+        advancedSettings_ = std::move(settings);
+        isMachineAsked_ = false;
+    }
 
     // True when the keyword stands in the advanced settings (of the object, else of the machine).
     bool HasAdvancedSetting(std::string_view keyword);
@@ -28,4 +31,5 @@ class CVrmBase : public CKorBase {
     std::size_t FindAdvancedSetting(std::string_view name);
 
     std::string advancedSettings_;
+    bool isMachineAsked_ = false;  // whether empty settings were looked for in the machine's
 };
