@@ -13,7 +13,7 @@
 
 // What a caller sets; it holds for every request until it is changed.
 struct HttpSettings {
-    bool secure = false;         // HTTPS also for URLs that name no scheme
+    bool secure = false;         // HTTPS whatever scheme the URL names
     std::uint32_t timeout = 60;  // s for a whole request, with all its rounds
     bool keepAlive = true;       // whether connections are used again
     std::string proxy;           // "host:port"; empty = none
@@ -22,7 +22,7 @@ struct HttpSettings {
     std::string getHeaders;   // further lines of a GET
     std::string postHeaders;  // the content-type line of a POST, or several lines; empty = a form's
     std::string postText;     // the body of a POST; a request with none is a GET
-    std::size_t largestBody = 16 * 1024 * 1024;  // octets of a reply that are kept
+    std::size_t largestBody = std::size_t{16} << 20;  // octets of a reply that are kept
     bool keepErrorReplies = false;  // whether replies of a status that is an error can be read as well
 };
 
