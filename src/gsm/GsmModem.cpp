@@ -274,7 +274,7 @@ void CGsmModem::TakeMessage(const AtEntry& entry, std::string key) {
     message.Format = decoded.format;
     message.TimeSecs = decoded.timeSeconds;
     message.ReceivedTime = static_cast<std::int32_t>(GetClock().Now());
-    message.Time = std::move(decoded.timeText);
+    message.Time = decoded.timeText;
     message.StorageLocation = std::move(key);
     message.SetSinglePart();
     message.UserDataHeader = std::move(decoded.header);

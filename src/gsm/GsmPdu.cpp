@@ -31,7 +31,7 @@ std::span<const std::uint8_t> CGsmPdu::Octets(std::size_t count) {
 }
 
 std::string CGsmPdu::SemiOctets(std::size_t octets) {
-    std::array<char, 2 * 0xFF> digits;
+    std::array<char, std::size_t{2} * 0xFF> digits;
     std::size_t size = 0;
     for (const std::uint8_t octet : Octets(octets)) {
         const auto& pair = hex::kPairs[octet];

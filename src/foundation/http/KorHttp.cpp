@@ -12,8 +12,8 @@ namespace {
 
 constexpr unsigned kEvent = logmask::kVerbatim | logmask::kActivity;
 constexpr std::size_t kLongestLoggedBody = 256;
-constexpr std::size_t kLineRoom = 2048;        // of a log entry, besides the texts in it
-constexpr std::size_t kPiece = 64 * 1024;      // octets of a body read at once
+constexpr std::size_t kLineRoom = 2048;                // of a log entry, besides the texts in it
+constexpr std::size_t kPiece = std::size_t{64} << 10;  // octets of a body read at once
 constexpr std::uint32_t kFirstPause = 1000;    // ms before a request is repeated; each next is doubled
 constexpr std::uint32_t kQuickRedirects = 10;  // redirects that are followed without a pause
 constexpr std::uint32_t kMostResends = 10;     // rounds in a row that the platform may ask for
