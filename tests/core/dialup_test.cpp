@@ -249,6 +249,12 @@ TEST(Dialup, AModemThatDoesNotObeyAte0IsDialledAllTheSame) {
     EXPECT_EQ(call.Send(), 0);
 }
 
+TEST(Dialup, WhatComesWithTheConnectionIsNoReply) {
+    Call call;
+    call.modem.On("ATD0201234567", {"\r\nCONNECT\r\n" + kAck});
+    EXPECT_EQ(call.Send(), 33461);
+}
+
 TEST(Dialup, JudgesUcpReplies) {
     const std::string refused = OctetText("02 '01/00022/R/01/N/02//07' 03");
     struct Row {
