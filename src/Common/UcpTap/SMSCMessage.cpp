@@ -50,10 +50,8 @@ ResultCode CSMSCMessage::BuildUcp(std::string_view recipient, std::string_view o
     Put('/');
     Put(password);
     Put(kUcpMessageType);
-    for (const char16_t character : text) {
-        Put(hex::Digit(static_cast<std::uint8_t>(character >> 4 & 15)));
-        Put(hex::Digit(static_cast<std::uint8_t>(character & 15)));
-    }
+    hex::WriteLow(text, buffer_.data() + length_);
+    length_ += 2 * text.size();
     Put('/');
     std::size_t length = length_ - kTransactionAt + kUcpChecksum;
     for (std::size_t i = kLengthDigits; i-- > 0; length /= 10) {
