@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the module and runs the main jobs against the lab: SMS through a GSM modem, an SMPP server and an
-# HTTP gateway, under Wine.
+# Builds the module and runs the main jobs against the lab, under Wine: SMS through a GSM modem, an SMPP server, an
+# HTTP gateway and dialled providers, and a page through a paging server.
 set -eu
 cd "$(dirname "$0")"
 scripts/install.sh demo

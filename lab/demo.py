@@ -88,11 +88,26 @@ def pager():
     return code
 
 
+def dialup(kind):
+    print(f"\nA message through a dialled provider, over {kind}")
+    print("---------------------------------------------")
+    log = WORK / f"dialup_{kind}.log"
+    link = PREFIX / "dosdevices/com6"
+    modem = Counterpart("modem.py", WORK, "--link", link, "--provider", kind.lower(), "--provider-password", "secret")
+    try:
+        code = play(LAB / "demo_dialup.vbs", "COM6", kind, windows_path(log))
+    finally:
+        modem.close()
+    show("The provider saw:", modem.log)
+    show("Log file:", log)
+    return code
+
+
 def main():
     WORK.mkdir(parents=True, exist_ok=True)
     for old in WORK.iterdir():
         old.unlink()
-    return gsm() or smpp() or http() or pager()
+    return gsm() or smpp() or http() or pager() or dialup("UCP") or dialup("TAP")
 
 
 if __name__ == "__main__":

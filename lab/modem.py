@@ -12,14 +12,19 @@ Stored messages, each a --message or a line of an --inbox file, where lines that
     parts SM +31611111111 2,1,3 A long text ...  one message in as many parts, stored in that order
     pdu   SM 07911326...                         any PDU, as it is
 
-The events of a scenario are the commands, and "PDU" the data behind the prompt of AT+CMGS.
+ATD connects to a provider that speaks UCP or TAP (--provider), until "+++ATH0". That DTR is dropped is not seen on a
+pseudo-terminal, so a caller who does not hang up stays connected.
+
+The events of a scenario are the commands, and "PDU" the data behind the prompt of AT+CMGS. While connected they are "UCP", or
+of TAP "ID", "PG1", "BLOCK" and "EOT", and "+++ATH0".
 """
 import asyncio
 import os
 
-from base.line import Dialogue, Line
+import provider
+from base.line import Dialogue, HangUp, Line
 from base.program import Program
-from base.scenario import Action, Refused
+from base.scenario import Action, Refused, Rule
 from wire import gsm
 from wire.parts import in_parts
 
@@ -114,6 +119,7 @@ async def block(rule, reply, line):
 class Commands(Dialogue):
     """The AT dialogue: commands, and what is typed behind the prompt."""
 
+    UNHEARD = ("silence", "stall", "instead", "flood")  # a reply that was not whole changes nothing
     LINE_ENDS = {"crlf": b"\r\n", "lf": b"\n", "cr": b"\r"}
 
     def __init__(self, program, line):
@@ -175,15 +181,31 @@ class Commands(Dialogue):
         if rule.do in ("error", "reply"):
             await self.lines(rule, rule.get("text").split("\n"))
             return
+        if command.upper().startswith("ATD"):
+            await self.dial(rule, command[3:])
+            return
         lines = self.spoilt(rule, self.answer(command.upper()))
         if self.prompt is None:
             await self.lines(rule, lines)
         else:
-            if rule.do in ("silence", "stall", "instead", "flood"):
+            if rule.do in self.UNHEARD:
                 self.prompt = None
             await self.reply(rule, self.line_end + b"> ")
         if rule.do == "keep-echo":
             self.echo = True
+
+    async def dial(self, rule, number):
+        await self.lines(rule, ["CONNECT 9600"])
+        if rule.do in self.UNHEARD:
+            return
+        self.program.say(f"connected to {number}")
+        try:
+            await provider.PROVIDERS[self.options.provider](self.program, self.line).converse()
+            self.program.say("hung up by the caller")
+            await self.lines(self.rule("+++ATH0"), ["OK"])
+        except HangUp:
+            self.program.say("hung up by the provider")
+            await self.lines(Rule(), ["NO CARRIER"])
 
     @staticmethod
     def spoilt(rule, lines):
@@ -339,6 +361,11 @@ class Commands(Dialogue):
         "AT+CGSN": ["490154203237518"],  # the example number of 3GPP TS 23.003
         "AT+CSQ": ["+CSQ: 20,99"],
         "AT+CFUN=1": [],
+        "ATM0": [],  # the loudspeaker
+        "ATX3": [],  # dials without waiting for a tone
+        "ATH": [],
+        "ATH0": [],
+        "+++ATH0": [],  # not connected any more
     }
 
     # name -> (also without a SIM card and while its PIN is missing, handler)
@@ -416,7 +443,7 @@ class Modem(Program):
         "block": Action("nothing is taken from the line for `ms`, from the reply on", {"ms": 7000}, block),
         "length": Action("AT+CMGL states lengths that are `add` octets off", {"add": 1}),
         "cut-pdu": Action("the PDUs of AT+CMGL lack their last `characters`", {"characters": 2}),
-    }
+    } | provider.ACTIONS
 
     @classmethod
     def add_arguments(cls, parser):
@@ -435,6 +462,7 @@ class Modem(Program):
         parser.add_argument("--every", type=int, default=0, help="ms between two times that it says them; 0 = never")
         parser.add_argument("--registration-polls", type=int, default=1, help="AT+CREG? answers until registered")
         parser.add_argument("--first-reference", type=int, default=17, help="reference of the first message")
+        provider.add_arguments(parser)
 
     def __init__(self, options):
         super().__init__(options)

@@ -65,10 +65,12 @@ void InPieces(std::size_t count, Convert convert) {
     }
 }
 
-// Writes both characters of each octet to `text`, which has room for them.
-inline void Write(std::string_view octets, char* text) {
+// Writes both characters of each octet to `text`, which has room for them. Of characters wider than an octet
+// the low one counts.
+template <class Character>
+void WriteLow(std::basic_string_view<Character> octets, char* text) {
     InPieces(octets.size(), [&](std::size_t from, std::size_t size) {
-        const char* __restrict in = octets.data() + from;
+        const Character* __restrict in = octets.data() + from;
         char* __restrict out = text + 2 * from;
         for (std::size_t i = 0; i < size; ++i) {
             const auto octet = static_cast<std::uint8_t>(in[i]);
@@ -77,6 +79,7 @@ inline void Write(std::string_view octets, char* text) {
         }
     });
 }
+inline void Write(std::string_view octets, char* text) { WriteLow(octets, text); }
 
 inline std::string Of(std::string_view octets) {
     std::string text(2 * octets.size(), '\0');

@@ -1,15 +1,15 @@
 // The class SmsProtocolGsm over the modem engine.
 #include "NeltCtrl.h"
 #include "foundation/serial/PortWin.h"
-#include "foundation/serial/TelephonyWin.h"
+#include "frame/DevicesAuto.h"
 #include "gsm/GsmModem.h"
 #include "sms/SmsChannelAuto.h"
 
 namespace {
 
-class SmsProtocolGsmAuto final : public SmsChannelAuto<ISmsProtocolGsm, CGsmModem> {
+class SmsProtocolGsmAuto final : public DevicesAuto<SmsChannelAuto<ISmsProtocolGsm, CGsmModem>> {
   public:
-    SmsProtocolGsmAuto() : SmsChannelAuto(MachineSerialOpener()) {}
+    SmsProtocolGsmAuto() : DevicesAuto(MachineSerialOpener()) {}
 
     AUTO_TEXT(Device, engine_.settings.device)
     AUTO_NUMBER(DeviceSpeed, engine_.settings.speed)
@@ -18,23 +18,6 @@ class SmsProtocolGsmAuto final : public SmsChannelAuto<ISmsProtocolGsm, CGsmMode
     AUTO_NUMBER(MessageStorage, engine_.settings.messageStorage)
     AUTO_NUMBER(ReportsStorage, engine_.settings.reportsStorage)
     AUTO_TEXT(SMSC, engine_.settings.smsc)
-
-    STDMETHODIMP GetDeviceCount(LONG* pVal) noexcept override {
-        return Output(pVal, [](std::size_t& count) {
-            count = TelephonyLines().size();
-            return result::Success;
-        });
-    }
-    STDMETHODIMP GetDevice(LONG lDevice, BSTR* pVal) noexcept override {
-        return Output(pVal, [lDevice](std::optional<std::string>& name) {
-            const std::vector<std::string> lines = TelephonyLines();
-            if (lDevice < 0 || static_cast<std::size_t>(lDevice) >= lines.size()) {
-                return result::TelephonyDeviceNotFound;
-            }
-            name = lines[static_cast<std::size_t>(lDevice)];
-            return result::Success;
-        });
-    }
 
     STDMETHODIMP EnterPin(BSTR bstrPIN) noexcept override {
         return Method([&] { return engine_.EnterPin(AnsiOf(bstrPIN)); });

@@ -18,3 +18,14 @@ void ApplyFlowControl(SerialSettings& settings, std::int32_t deviceFlowControl) 
             break;
     }
 }
+
+void ApplyDeviceSettings(SerialSettings& settings, std::int32_t deviceSettings) {
+    constexpr std::uint32_t kNone = 1, kEven = 3, kOneStopBit = 1;
+    const bool isKnown =
+        deviceSettings == sms::asDEVICESETTINGS_8N1 || deviceSettings == sms::asDEVICESETTINGS_7E1;
+    if (!isKnown) return;
+    const bool even = deviceSettings == sms::asDEVICESETTINGS_7E1;
+    settings.parity = even ? kEven : kNone;
+    settings.dataBits = even ? 7 : 8;
+    settings.stopBits = kOneStopBit;
+}

@@ -201,6 +201,10 @@ TEST(HearUntil, TheAnswerIsThereOrTheTriesAreOver) {
     };
     const HearUntil text{.tries = 10, .read = 1000, .before = 50, .pause = 50, .text = "ID="};
     const HearUntil frame{.tries = 7, .read = 4000, .accept = FrameOrAnything};
+    HearUntil parity = text;
+    parity.sevenBits = true;
+    HearUntil echoed = frame;
+    echoed.echo = "\x02me\x03";
     const HearUntil spaced{.tries = 4, .read = 2000, .before = 3000, .pause = 1000, .text = "\x06\r"};
     for (Row& row : std::vector<Row>{
              {"at once", text, {{0, "ID="}}, Heard::kWhole, "ID=", 50, 1},
@@ -217,6 +221,15 @@ TEST(HearUntil, TheAnswerIsThereOrTheTriesAreOver) {
               "\x02x",
               8000,
               2},
+             {"parity is not heard", parity, {{0, "\xC9\x44\xBD"}}, Heard::kWhole, "ID=", 50, 1},
+             {"nor an echo",
+              echoed,
+              {{100, "x\x02m"}, {200, "e\x03"}, {900, "\x02y\x03"}},
+              Heard::kWhole,
+              "x\x02y\x03",
+              900,
+              1},
+             {"an echo is no answer", echoed, {{5000, "\x02me\x03"}}, Heard::kNotYet, "", 28'000, 7},
              {"silence", frame, {}, Heard::kNotYet, "", 28'000, 7},
              {"silence with pauses", spaced, {}, Heard::kNotYet, "", 3000 + 4 * 2000 + 3 * 1000, 4},
              {"in a pause", spaced, {{5500, "\x06\r"}}, Heard::kWhole, "\x06\r", 6000, 2},

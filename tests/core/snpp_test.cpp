@@ -53,6 +53,7 @@ TEST(Snpp, DeliversAPage) {
 }
 
 TEST(Snpp, ChecksBeforeItConnects) {
+    const std::string huge(65'536, '1');
     struct Row {
         const char* recipient;
         const char* text;
@@ -65,6 +66,7 @@ TEST(Snpp, ChecksBeforeItConnects) {
              {"55\r\nSEND", "x", "h", 444, 34031},
              {"x", "", "", 444, 34031},
              {"0123456789012345678901234567890123", "x", "h", 444, 34031},
+             {huge.c_str(), "x", "h", 444, 34031},
              {"1", "", "", 444, 33603},
              {"1", "x", "", 444, 33600},
              {"1", "x", "h", 0, 22019},
@@ -178,6 +180,10 @@ TEST(Snpp, ATextCannotEndTheMessageOrSayACommand) {
     Pager pager({Greets(), Answers("LOGI a  SEND", "550 No"), Quits()});
     pager.snpp.settings.providerPassword = "a\r\nSEND";
     EXPECT_EQ(pager.Send("1", "x"), 33603);
+    const std::string huge(65'536, 'p');
+    Pager lengthy({Greets(), Answers("LOGI " + huge, "550 No"), Quits()});
+    lengthy.snpp.settings.providerPassword = huge;
+    EXPECT_EQ(lengthy.Send("1", "x"), 33603);
 }
 
 TEST(Snpp, WritesItsLog) {

@@ -5,7 +5,7 @@ import sys
 
 SOURCES = pathlib.Path(__file__).parents[2] / "src"
 FLOORS = ["foundation", "foundation/serial foundation/net foundation/http foundation/ras", "frame",
-          "Common/GsmPdu", "Common/SmppPdu Common/Wsp Common/Mime", "sms", "gsm smpp http dialup smsdata", "mms"]
+          "Common/GsmPdu", "Common/SmppPdu Common/UcpTap Common/Wsp Common/Mime", "sms", "gsm smpp http dialup smsdata", "mms"]
 FLOOR = {room: number for number, rooms in enumerate(FLOORS) for room in rooms.split()}
 TOP = len(FLOORS)  # the automation classes, wherever they stand
 

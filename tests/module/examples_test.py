@@ -13,6 +13,7 @@ PROGRAMS = {  # what each tells of its arguments
     "gsm_example": r"send [^\n]* \| receive [^\n]*",
     "smpp_example": r"send [^\n]* \| receive [^\n]*",
     "http_example": r"127\.0\.0\.1 8080 [^\n]*",
+    "dialup_example": r"COM5 ucp\|tap [^\n]*",
     "pager_example": r"127\.0\.0\.1 4444 [^\n]*",
 }
 

@@ -84,6 +84,7 @@ constexpr ClassRow kClasses[] = {
      L"{4868BE0E-AA1B-4289-8FFB-CC75275D9822}"},
     {L"SmsDatavCard", L"Quorvane.SmsDatavCard", L"{4368F874-0EBD-4816-8915-F340F7150B95}"},
     {L"SmsProtocolHttp", L"Quorvane.SmsProtocolHttp", L"{0F81C972-915E-41C7-B881-667FD2629300}"},
+    {L"SmsProtocolDialup", L"Quorvane.SmsProtocolDialup", L"{7FE9716E-6120-433C-B7C5-F42F4805B6C2}"},
     {L"PagerMessage", L"Quorvane.PagerMessage", L"{A4ECB249-089A-458B-B1DC-AFA3F6DFD691}"},
     {L"PagerProtocolSnpp", L"Quorvane.PagerProtocolSnpp", L"{69AD3E44-38BB-49E2-A03F-2BA71444BDF5}"},
 };

@@ -24,6 +24,8 @@ struct HearUntil {
     std::string_view text{};   // the answer is whole once it holds this text ...
     // ... or as this judges all that was heard in this wait, at each arrival and after each read.
     Heard (*accept)(std::string_view heard) = nullptr;
+    bool sevenBits = false;   // the eighth bit is parity, of which nothing is heard
+    std::string_view echo{};  // what was written before: given back by the line, it is not heard
 };
 
 struct Hearing {
@@ -31,7 +33,7 @@ struct Hearing {
     std::string heard;  // in all reads
 };
 
-// `onRead` is given what each read brought, unless that was nothing.
+// `onRead` is given what was heard in each read, unless that was nothing.
 using OnRead = std::function<void(std::string_view octets)>;
 Hearing Hear(CVrmComIO& port, const HearUntil& wait, const OnRead& onRead = {});
 
