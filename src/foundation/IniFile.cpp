@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr std::size_t kMaximumSize = std::size_t{1} << 20;
+constexpr std::size_t kMaximumSize = std::size_t{64} << 20;
 
 bool SameName(std::string_view a, std::string_view b) {
     return std::ranges::equal(a, b, {}, UpperChar, UpperChar);
@@ -33,7 +33,8 @@ IniFile IniFile::Load(const std::string& name) {
         if (line.empty()) continue;
         if (line.front() == '[' && line.back() == ']') {
             current = &ini.Find(line.substr(1, line.size() - 2));
-        } else if (current != nullptr) {
+        } else {
+            if (current == nullptr) current = &ini.Find({});
             current->lines.emplace_back(line);
         }
     }
@@ -42,13 +43,21 @@ IniFile IniFile::Load(const std::string& name) {
 
 bool IniFile::Exists(const std::string& name) { return ReadTextFile(name, 1).has_value(); }
 
-bool IniFile::Save(const std::string& name) const {
+std::string IniFile::Whole() const {
     std::string text;
     for (const Section& section : sections_) {
-        text.append("[").append(section.name).append("]\n");
+        if (!section.name.empty()) text.append("[").append(section.name).append("]\n");
         for (const std::string& line : section.lines) text.append(line).append("\n");
     }
-    return WriteTextFile(name, text);
+    return text;
+}
+
+bool IniFile::Save(const std::string& name) const { return WriteTextFile(name, Whole()); }
+
+bool IniFile::Replace(const std::string& name) const {
+    const std::string text = Whole();
+    return ReplaceTextFile(
+        name, [&text](const TextSink& sink) { return sink(text); }, SystemClock());
 }
 
 IniFile::Section& IniFile::Find(std::string_view name) {

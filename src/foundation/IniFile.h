@@ -9,7 +9,7 @@
 
 class IniFile {
   public:
-    // The contents of the file as they are now; damaged files give what can be read. At most 1 MiB is read.
+    // The contents of the file as they are now; damaged files give what can be read. At most 64 MiB are read.
     static IniFile Load(const std::string& name);
 
     // Whether the file can be opened for reading.
@@ -17,6 +17,8 @@ class IniFile {
 
     // Writes all sections back; false when the file cannot be written.
     [[nodiscard]] bool Save(const std::string& name) const;
+    // As Save, but the old file stays whole until the new one is.
+    [[nodiscard]] bool Replace(const std::string& name) const;
 
     const std::vector<std::string>& Lines(std::string_view section) const;
     void SetLines(std::string_view section, std::vector<std::string> lines);
@@ -28,10 +30,11 @@ class IniFile {
 
   private:
     struct Section {
-        std::string name;
+        std::string name;  // empty: what stands before all sections
         std::vector<std::string> lines;
     };
     Section& Find(std::string_view name);
+    std::string Whole() const;
     std::optional<std::string_view> Value(std::string_view section, std::string_view key) const;
 
     std::vector<Section> sections_;

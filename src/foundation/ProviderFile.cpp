@@ -17,7 +17,7 @@ struct Take {
         if (!text.empty()) *field = ToInt(text);
     }
     void operator()(bool* field) const {
-        if (!text.empty()) *field = ToInt(text) != 0;
+        if (!text.empty()) *field = ToInt(text) != 0 || Upper(text) == "TRUE" || Upper(text) == "YES";
     }
     void operator()(const Access& access) const { access.set(text); }
 };
@@ -30,6 +30,23 @@ struct Give {
     std::string operator()(const Access& access) const { return access.get(); }
 };
 
+bool IsQuoted(std::string_view text) {
+    return text.size() >= 2 && text.front() == text.back() && (text.front() == '"' || text.front() == '\'');
+}
+
+// A value as one line: what would end it is a blank, and blanks at an end stand in quotes, which the profile
+// functions of Windows take off as well.
+std::string Line(std::string value) {
+    std::ranges::replace_if(
+        value, [](char c) { return c == '\r' || c == '\n' || c == '\0'; }, ' ');
+    const bool needsQuotes = Trim(value).size() != value.size() || IsQuoted(value);
+    return needsQuotes ? '"' + value + '"' : value;
+}
+
+std::string WithoutQuotes(std::string value) {
+    return IsQuoted(value) ? value.substr(1, value.size() - 2) : value;
+}
+
 }  // namespace
 
 ResultCode LoadProviderFile(const std::string& file, std::span<const ProviderRow> rows) {
@@ -38,7 +55,8 @@ ResultCode LoadProviderFile(const std::string& file, std::span<const ProviderRow
     const auto isEmpty = [&ini](const ProviderRow& row) { return ini.Lines(row.section).empty(); };
     if (std::ranges::all_of(rows, isEmpty)) return result::ConfigCorrupt;
     for (const ProviderRow& row : rows) {
-        if (ini.Has(row.section, row.key)) std::visit(Take{ini.Text(row.section, row.key)}, row.field);
+        if (!ini.Has(row.section, row.key)) continue;
+        std::visit(Take{WithoutQuotes(ini.Text(row.section, row.key))}, row.field);
     }
     return result::Success;
 }
@@ -46,6 +64,8 @@ ResultCode LoadProviderFile(const std::string& file, std::span<const ProviderRow
 ResultCode SaveProviderFile(const std::string& file, std::span<const ProviderRow> rows) {
     if (file.empty()) return result::ConfigSaveFailed;
     IniFile ini = IniFile::Load(file);
-    for (const ProviderRow& row : rows) ini.SetText(row.section, row.key, std::visit(Give{}, row.field));
-    return ini.Save(file) ? result::Success : result::ConfigSaveFailed;
+    for (const ProviderRow& row : rows) {
+        ini.SetText(row.section, row.key, Line(std::visit(Give{}, row.field)));
+    }
+    return ini.Replace(file) ? result::Success : result::ConfigSaveFailed;
 }

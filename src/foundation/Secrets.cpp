@@ -1,6 +1,8 @@
 #include "foundation/Secrets.h"
 
 #include "foundation/Base64.h"
+#include "foundation/CharacterSets.h"
+#include "foundation/CodePage.h"
 #include "foundation/Text.h"
 
 #include <algorithm>
@@ -38,12 +40,33 @@ std::size_t EncodedLength(std::string_view text, std::string_view password) {
     return at;
 }
 
+constexpr std::size_t kBase64Unit = 3;  // octets that four characters stand for
+
+// The characters that a password alone makes within the base64 of a longer text, so many octets (modulo 3)
+// from its start: "name:password".
+std::string InsideBase64(const std::string& password, std::size_t before) {
+    const std::string text = std::string(before, '\0') + password;
+    std::string encoded = base64::Encode(text);
+    encoded.resize(text.size() / kBase64Unit * 4 + text.size() % kBase64Unit);
+    return encoded.substr(before == 0 ? 0 : before + 1);
+}
+
 // The PIN, passwords of the SIM, and what locks it with them, 3GPP TS 27.007 sections 7.4, 7.5 and 8.3.
 constexpr auto kPinCommands = std::to_array<std::string_view>({"+CPIN", "+CPWD", "+CLCK"});
 
+// What is dialled to change or unblock a PIN, 3GPP TS 22.030 section 6.6: "**04*old*new*new#".
+constexpr auto kPinCodes = std::to_array<std::string_view>({"*04*", "*042*", "*05*", "*052*"});
+
 // "AT+CPIN...", or another of the commands with values, which also stand behind others: "AT;+CPIN=...".
-bool HoldsPin(std::string_view line) {
+bool HoldsPin(std::string_view spaced) {
+    std::string line(spaced);  // blanks may stand anywhere in a command
+    std::erase(line, ' ');
     if (ContainsNoCase(line, "AT+CPIN")) return true;
+    const bool changesPin =
+        ContainsNoCase(line, "ATD") && std::ranges::any_of(kPinCodes, [&](std::string_view code) {
+            return line.find(code) != std::string::npos;
+        });
+    if (changesPin) return true;
     return std::ranges::any_of(kPinCommands, [&](std::string_view command) {
         const std::size_t at = FindNoCase(line, command);
         return at != std::string_view::npos && Trim(line.substr(at + command.size())).starts_with('=');
@@ -68,8 +91,17 @@ void Secrets::Set(std::vector<std::string> passwords) {
     passwords_ = std::move(passwords);
     std::erase(passwords_, std::string());
     encoded_.clear();
+    const std::size_t count = passwords_.size();
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::string utf8 = FindCharacterSet("utf-8")->encode(FromAnsi(passwords_[i]));
+        if (utf8 != passwords_[i]) passwords_.push_back(utf8);
+    }
     for (const std::string& password : passwords_) {
-        if (password.size() >= kShortestInText) encoded_.push_back(base64::Encode(password));
+        if (password.size() < kShortestInText) continue;
+        encoded_.push_back(base64::Encode(password));
+        for (std::size_t before = 0; before < kBase64Unit; ++before) {
+            encoded_.push_back(InsideBase64(password, before));
+        }
     }
 }
 

@@ -67,7 +67,10 @@ ResultCode CGsmDevice::Command(std::string_view command, std::string_view expect
 }
 
 ResultCode CGsmDevice::Announce(std::string_view command) {
-    const ResultCode code = Command(command, ">");
+    const AtExchange exchange = Exchange(command, kCommandTime, ">");
+    if (exchange.outcome.status == AtStatus::kExpected) return result::Success;
+    const ResultCode code =
+        exchange.outcome.status == AtStatus::kOk ? result::ModemUnexpectedResponse : exchange.outcome.code;
     if (code == result::ModemNoResponse || code == result::ModemUnexpectedResponse)
         (void)WriteBytes({&kEscape, 1});
     return code;

@@ -3,6 +3,7 @@
 #include "foundation/ErrorTexts.h"
 #include "foundation/Product.h"
 #include "http/HttpSubmit.h"
+#include "http/HttpTemplate.h"
 #include "http/HttpVerdict.h"
 
 #include <algorithm>
@@ -46,7 +47,10 @@ void CHttpProtocol::Clear() {
 
 ResultCode CHttpProtocol::Send(const CSmsMessageX& message) {
     providerResponse_.clear();
-    GuardPasswords({settings.webPassword, settings.proxyPassword});
+    // Also as a template that holds it goes out, without double slashes.
+    std::string inTemplate = settings.webPassword;
+    MakeSlashesSingle(inTemplate);
+    GuardPasswords({settings.webPassword, settings.proxyPassword, inTemplate});
     LogSubmit(message);
     const ResultCode code = Submit(message);
     const std::string text(DescribeError(code));

@@ -97,7 +97,7 @@ ResultCode BuildHttpRequest(const HttpProviderSettings& settings, const CSmsMess
     if (fields.body.size() > coding.longest) return result::MessageTooLong;
     std::string text;
     text.reserve(settings.host.size() + kPortRoom + urlTemplate.size());
-    text += settings.host;
+    text += std::string_view(settings.host).substr(0, settings.host.find_last_not_of('/') + 1);
     if (settings.port != 0) text += ':' + std::to_string(settings.port);
     text += '/';
     text += urlTemplate;

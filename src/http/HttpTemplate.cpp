@@ -88,11 +88,14 @@ std::string Fill(std::string_view text, const HttpFields& fields) {
 
 }  // namespace
 
+void MakeSlashesSingle(std::string& text) {
+    if (text.find("//") == std::string::npos) return;
+    const auto isRun = [](char a, char b) { return a == '/' && b == '/'; };
+    text.erase(std::unique(text.begin(), text.end(), isRun), text.end());
+}
+
 HttpRequest FillHttpTemplate(std::string text, const HttpFields& fields) {
-    if (text.find("//") != std::string::npos) {
-        const auto isRun = [](char a, char b) { return a == '/' && b == '/'; };
-        text.erase(std::unique(text.begin(), text.end(), isRun), text.end());
-    }
+    MakeSlashesSingle(text);
     const std::string_view whole = text;
     const std::size_t end = whole.find('?');
     if (end == std::string_view::npos) return {Fill(whole, fields), {}};

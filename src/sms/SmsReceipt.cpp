@@ -57,9 +57,14 @@ Value ValueOf(std::string_view text, std::string_view key) {
     return {rest, beginsWord};
 }
 
-bool IsWord(std::string_view text) {
-    return !text.empty() &&
-           std::ranges::all_of(text, [](char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0; });
+// States of the standard that leave a message on its way; their names stand in receipts as well.
+constexpr auto kOpenStates = std::to_array<std::string_view>({"ENROUTE", "SCHEDULED", "SKIPPED", "BUFFERED"});
+
+// A state as receipts name it. Any other word may stand in a text that people write.
+bool IsState(std::string_view text) {
+    const std::string word = Upper(text);
+    return std::ranges::find(kStatWords, word, &StatWord::word) != kStatWords.end() ||
+           std::ranges::find(kOpenStates, word) != kOpenStates.end();
 }
 
 }  // namespace
@@ -82,7 +87,7 @@ std::optional<SmsReceipt> ParseReceipt(std::string_view text, Clock& clock) {
     const Value stat = ValueOf(normal, "STAT");
     receipt.id = id.text;
     receipt.hasState = !stat.text.empty();
-    receipt.isWhole = !id.text.empty() && id.beginsWord && IsWord(stat.text) && stat.beginsWord;
+    receipt.isWhole = !id.text.empty() && id.beginsWord && IsState(stat.text) && stat.beginsWord;
     receipt.status = ReceiptStatus(stat.text);
     receipt.statusCode = ToInt(ValueOf(normal, "ERR").text);
     std::string done(ValueOf(normal, "DONE_DATE").text);

@@ -136,7 +136,7 @@ TEST_F(Gsm, RecipientsAreCheckedBeforeTheDeviceIsOpened) {
 
 TEST_F(Gsm, SendsThePartsOfALongMessageASecondApart) {
     modem.On("AT+CMGS=153", {"\r\n> "});
-    modem.On("AT+CMGS=28", {"\r\n> "});
+    modem.On("AT+CMGS=27", {"\r\n> "});
     modem.Otherwise("\r\nOK\r\n");
     CSmsMessageX message = Message(std::u16string(161, u'a'));
     message.Format = 2;
@@ -289,8 +289,9 @@ TEST_F(Gsm, APromptThatDoesNotComeIsCalledOff) {
         bool escape;
     };
     for (const char* keywords : {"ForcePduMode", "ForceTextMode"}) {
-        for (const Row& row : {Row{"", 30350, true}, Row{"\r\nwhat\r\n", 30351, true},
-                               Row{"\r\n+CMS ERROR: 500\r\n", 30352, false}}) {
+        for (const Row& row :
+             {Row{"", 30350, true}, Row{"\r\nwhat\r\n", 30351, true}, Row{"\r\nOK\r\n", 30351, true},
+              Row{"\r\n+CMS ERROR: 500\r\n", 30352, false}}) {
             gsm.SetAdvancedSettings(keywords);
             modem.On("AT+CMGS=14", {row.answer});
             modem.On("AT+CMGS=\"+31612345678\"", {row.answer});

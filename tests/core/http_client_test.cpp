@@ -266,6 +266,12 @@ TEST(HttpClient, AnswersChallenges) {
               {server, server},
               3,
               200},
+             {"redirected to another port of the host",
+              {asksServer, RedirectTo("http://gate.example:81/"), Status(200)},
+              0,
+              {server},
+              3,
+              200},
              {"redirected elsewhere",
               {asksServer, RedirectTo("http://other/"), Status(200)},
               0,
@@ -288,6 +294,11 @@ TEST(HttpClient, AnswersChallenges) {
         EXPECT_EQ(http.script.asked.size(), row.asked);
         EXPECT_EQ(http.client.Reply().status, row.status);
     }
+    // What was told to a server in secret is not told it in clear, also on the same port.
+    Client downgraded({asksServer, RedirectTo("http://gate.example:443/"), Status(200)});
+    downgraded.client.settings.webAccount = {"web", "pw"};
+    EXPECT_EQ(downgraded.client.Request("https://gate.example/").Number(), 0);
+    EXPECT_EQ(downgraded.script.credentials, Lines{server});
     Client refused({asksServer});
     refused.client.settings.webAccount = {"web", "pw"};
     refused.script.credentialsError = 87;
@@ -329,7 +340,8 @@ TEST(HttpClient, SaysWhatFailed) {
         std::int32_t code;
     };
     for (const Row& row : std::vector<Row>{
-             {"no library", &HttpScript::loadError, nullptr, 126, 22426},
+             {"no library", &HttpScript::loadError, nullptr, 126, 22390},
+             {"no function", &HttpScript::loadError, nullptr, 127, 22426},
              {"session", &HttpScript::openError, nullptr, 87, 22401},
              {"connect", &HttpScript::connectError, nullptr, 87, 22404},
              {"request", &HttpScript::requestError, nullptr, 87, 22406},
@@ -392,6 +404,11 @@ TEST(HttpClient, KeepsWhatItIsToldOfReplies) {
     EXPECT_EQ(http.client.Request(kUrl).Number(), 22419);
     EXPECT_EQ(http.client.Reply().status, 500u);
     EXPECT_EQ(http.client.Reply().body, fault);
+
+    Client wanted({{.status = 401, .body = fault}});
+    wanted.client.settings.keepErrorReplies = true;
+    EXPECT_EQ(wanted.client.Request(kUrl).Number(), 22412);
+    EXPECT_EQ(wanted.client.Reply().body, fault);
 
     Client unreadable({{.status = 500, .body = fault, .piece = 3, .availableFailsAt = 3}});
     unreadable.client.settings.keepErrorReplies = true;

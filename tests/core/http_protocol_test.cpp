@@ -59,7 +59,7 @@ TEST(HttpProtocol, SettingsOfTheConnection) {
                  },
                  "POST https://gw:443/send", kForm, ""},
              Row{"http in the host", [](CHttpProtocol& e) { e.settings.host = "http://gw/sms/"; },
-                 "POST http://gw:80/sms/:8080/send", kForm, ""},
+                 "POST http://gw:80/sms:8080/send", kForm, ""},
              Row{"nothing to post", [](CHttpProtocol& e) { e.settings.urlText = "a/%MESSAGEDATA%"; },
                  "GET http://gw.example.org:8080/a/Hello", "", ""},
              Row{"line ends in a template", [](CHttpProtocol& e) { e.settings.urlText = "a\r\nX: 1?b"; },

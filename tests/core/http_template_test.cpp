@@ -246,6 +246,10 @@ TEST(HttpVerdict, NoCreditThenErrorThenSuccess) {
              Row{"", "", "\r\n 7\t\r\n", 0},
              Row{"", "", "-1", 0},
              Row{"", "", "+1", 0},
+             Row{"", "",
+                 "\xEF\xBB\xBF"
+                 "17",
+                 0},
              Row{"", "7", "7", 33301},
              Row{"", "", "0", 33302},
              Row{"", "", "-000", 33302},

@@ -46,6 +46,37 @@ TEST(ProviderFile, SavesInTheOrderOfTheRowsAndKeepsWhatElseTheFileHolds) {
     EXPECT_EQ(SaveProviderFile(folder.File("none/p.ini"), RowsOf(settings)), 33052);
 }
 
+TEST(ProviderFile, AValueStaysALineAndKeepsItsBlanks) {
+    const TemporaryFolder folder;
+    const std::string file = folder.File("p.ini");
+    struct Row {
+        std::string value;
+        std::string loaded;
+    };
+    for (const Row& row :
+         std::vector<Row>{{" two ", " two "},
+                          {"\t", "\t"},
+                          {"\"quoted\"", "\"quoted\""},
+                          {"'", "'"},
+                          {"\"", "\""},
+                          {"''", "''"},
+                          {"a\"b", "a\"b"},
+                          {"x;[y]=z", "x;[y]=z"},
+                          {"OK\r\nPort=1\n[Proxy]\nHost=evil", "OK  Port=1 [Proxy] Host=evil"},
+                          {std::string("a\0b", 3), "a b"},
+                          {std::string(2'000'000, 'x'), std::string(2'000'000, 'x')}}) {
+        Settings settings{.host = row.value, .proxy = {"px", 2}};
+        TemporaryFolder::Write(file, "; a remark\n[Mine]\nx=1\n");
+        EXPECT_EQ(SaveProviderFile(file, RowsOf(settings)), 0);
+        EXPECT_TRUE(TemporaryFolder::Read(file).starts_with("; a remark\n[Mine]\nx=1\n"));
+        Settings loaded;
+        EXPECT_EQ(LoadProviderFile(file, RowsOf(loaded)), 0);
+        EXPECT_EQ(loaded.host, row.loaded);
+        EXPECT_EQ(loaded.proxy.host, "px");
+        EXPECT_EQ(loaded.port, 80);
+    }
+}
+
 TEST(ProviderFile, LoadsWhatIsThereAndLeavesTheRest) {
     const TemporaryFolder folder;
     const std::string file = folder.File("p.ini");
@@ -59,6 +90,7 @@ TEST(ProviderFile, LoadsWhatIsThereAndLeavesTheRest) {
                  0,
                  {.host = "gw", .port = -5, .proxy = {"px", 3128}, .secure = true, .list = "x"}},
              Row{"[Provider]\nHost=\nPort=\nSecure=\n", 0, {.host = ""}},
+             Row{"[Provider]\nHost=\"q\"\nSecure=True\n", 0, {.host = "q", .secure = true}},
              Row{"[proxy]\nport=x\n", 0, {.proxy = {"", 0}}},
              Row{"[Provider]\n[Other]\nHost=x\n", 33051, {}},
              Row{"Host=x\n", 33051, {}},

@@ -47,6 +47,8 @@ TEST(Receipt, IsWholeWithAnIdAndAState) {
                                       {"id:123 please call back", false},
                                       {"id:123 stat:", false},
                                       {"id:123 stat:42%", false},
+                                      {"Ticket id:123 stat:open please call", false},
+                                      {"id:123 stat:delivrdx", false},
                                       {"id: stat:DELIVRD", false},
                                       {"stat:DELIVRD", false},
                                       {"paid:123 stat:DELIVRD", false},

@@ -1,6 +1,7 @@
 // Passwords in log and activity files.
 #include "foundation/Secrets.h"
 
+#include "foundation/Base64.h"
 #include "frame/VrmBase.h"
 #include "support/TemporaryFolder.h"
 #include "support/VirtualClock.h"
@@ -37,6 +38,20 @@ TEST(Secrets, AreHiddenInEveryForm) {
     }
 }
 
+TEST(Secrets, AreHiddenInLongerBase64AndInUtf8) {
+    Secrets secrets;
+    secrets.Set({"secret word", "p\xE4ssw\xF6rd"});
+    for (const char* name : {"", "m", "me", "mee", "meee"}) {
+        std::string text = "Basic " + base64::Encode(name + std::string(":secret word"));
+        secrets.Mask(text);
+        EXPECT_NE(text.find("****"), std::string::npos) << name;
+        EXPECT_LE(text.size(), std::string("Basic ****1234567890").size()) << text;
+    }
+    std::string text = "p=p%C3%A4ssw%C3%B6rd p\xC3\xA4ssw\xC3\xB6rd p\xE4ssw\xF6rd p%E4ssw%F6rd";
+    secrets.Mask(text);
+    EXPECT_EQ(text, "p=**** **** **** ****");
+}
+
 TEST(Secrets, PinCommandsShowNoDigits) {
     struct Row {
         const char* text;
@@ -49,6 +64,9 @@ TEST(Secrets, PinCommandsShowNoDigits) {
              Row{"AT+CPWD=\"SC\",\"1234\",\"5678\"", "AT+CPWD=\"SC\",\"****\",\"****\""},
              Row{"AT+CLCK=\"SC\",1,\"1234\"", "AT+CLCK=\"SC\",*,\"****\""},
              Row{"17\r\nAT+CPIN=1234\r\r\n+CME ERROR: 16", "17\r\nAT+CPIN=****\r\r\n+CME ERROR: 16"},
+             Row{"at + cpin = 4711", "at + cpin = ****"},
+             Row{"ATD**04*4711*1234*1234#", "ATD*******************#"},
+             Row{"ATD*99#", "ATD*99#"},
              Row{"+CPIN: SIM PIN2", "+CPIN: SIM PIN2"},
              Row{"+CLCK: 1", "+CLCK: 1"},
              Row{"AT+CMGS=14", "AT+CMGS=14"},

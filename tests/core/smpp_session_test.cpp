@@ -293,6 +293,7 @@ TEST_F(Session, NoIncomingTextVanishes) {
              Row{"id:99 stat:DELIVRD", 0, 1, 0},                           //
              Row{"id:99 stat:DELIVRD", 4, 1, 30},                          //
              Row{"no receipt at all", 4, 1, 30},                           //
+             Row{"Ticket id:16 stat:open please call", 0, 1, 0},           //
              Row{"Your id:16 has the stat:us", 0x40, 1, 0},  // broken header, and no word "stat"
          }) {
         reports.Clear();

@@ -155,8 +155,17 @@ TEST(Snpp, TakesRepliesHoweverTheyCome) {
     }
 }
 
+TEST(Snpp, ATextThatIsRefusedBeforeItsEndIsRefused) {
+    Pager pager({Greets(), Answers("PAGE 1", "250 OK"), Answers("DATA", "354 Go"),
+                 Answers("x", "550 Message too long"), Answers(".", "500 Command unrecognized"), Quits()});
+    EXPECT_EQ(pager.Send("1", "x"), 33603);
+    EXPECT_TRUE(pager.snpp.ProviderResponse().starts_with("Message too long"));
+}
+
 TEST(Snpp, AFloodEndsAfterABoundedWhile) {
-    Pager pager({Greets(), {"PAGE 1", {Peer::Says("250 OK\r\n"), Peer::Floods(std::string(256, 'x'))}}});
+    Pager pager({Greets(),
+                 {"PAGE 1", {Peer::Says("250 OK\r\n"), Peer::Floods(std::string(256, 'x'))}},
+                 {"QUIT", {}}});
     EXPECT_EQ(pager.Send("1", "x"), 22025);
     EXPECT_LT(pager.clock.Slept(), 1000u);
 }

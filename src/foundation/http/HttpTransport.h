@@ -12,6 +12,7 @@ namespace http {
 
 // System errors that the client tells apart; every other number is just an error.
 inline constexpr std::uint32_t kOk = 0;
+inline constexpr std::uint32_t kFunctionMissing = 127;  // of a library that is there
 inline constexpr std::uint32_t kTimedOut = 12002;
 inline constexpr std::uint32_t kNameNotResolved = 12007;
 inline constexpr std::uint32_t kLoginFailure = 12015;

@@ -46,12 +46,14 @@ class WinHttp {
     static constexpr const char* kName = "winhttp.dll";
     DWORD error = ERROR_SUCCESS;  // why the library cannot be used
 
-#define WINHTTP_FUNCTIONS(X)                                                                             \
-    X(WinHttpOpen)                                                                                       \
-    X(WinHttpConnect)                                                                                    \
-    X(WinHttpOpenRequest) X(WinHttpSetCredentials) X(WinHttpSendRequest) X(WinHttpWriteData)             \
-        X(WinHttpReceiveResponse) X(WinHttpQueryHeaders) X(WinHttpQueryDataAvailable) X(WinHttpReadData) \
-            X(WinHttpQueryAuthSchemes) X(WinHttpSetOption) X(WinHttpSetTimeouts) X(WinHttpCloseHandle)
+#define WINHTTP_FUNCTIONS(X)                                                                           \
+    X(WinHttpOpen)                                                                                     \
+    X(WinHttpConnect)                                                                                  \
+    X(WinHttpOpenRequest)                                                                              \
+    X(WinHttpSetCredentials)                                                                           \
+    X(WinHttpSendRequest) X(WinHttpWriteData) X(WinHttpReceiveResponse) X(WinHttpQueryHeaders)         \
+        X(WinHttpQueryDataAvailable) X(WinHttpReadData) X(WinHttpQueryAuthSchemes) X(WinHttpSetOption) \
+            X(WinHttpSetTimeouts) X(WinHttpCloseHandle)
 #define WINHTTP_POINTER(name) decltype(&::name) name = nullptr;
     WINHTTP_FUNCTIONS(WINHTTP_POINTER)
     WINHTTP_POINTER(WinHttpSetStatusCallback)  // may be missing: tells what is wrong with a certificate
@@ -110,6 +112,7 @@ class InternetHandle {
     }
 
     HINTERNET get() const { return handle_; }
+    HINTERNET Detach() { return std::exchange(handle_, nullptr); }
     explicit operator bool() const { return handle_ != nullptr; }
 
   private:
@@ -191,10 +194,12 @@ class Session {
         ReleaseSRWLockExclusive(&lock_);
         return isDone;
     }
-    // The thread goes when its present call returns, and the handles with it.
+    // The thread goes when its present call returns, and the handles with it. Closing the request makes the
+    // call return.
     void LetGo() {
         AcquireSRWLockExclusive(&lock_);
         isLetGo_ = true;
+        if (job_ != Job::kNone) winHttp_.WinHttpCloseHandle(request.Detach());
         WakeAllConditionVariable(&changed_);
         ReleaseSRWLockExclusive(&lock_);
     }
@@ -225,7 +230,10 @@ class Session {
                 if (job == Job::kExchange) DoExchange();
                 if (job == Job::kRead) ReadPiece();
             } catch (const std::bad_alloc&) {
-                piece.readError = ERROR_OUTOFMEMORY;
+                const Phase phase = Where();
+                (phase == Phase::kSending     ? response.sendError
+                 : phase == Phase::kReceiving ? response.receiveError
+                                              : piece.readError) = ERROR_OUTOFMEMORY;
             }
             AcquireSRWLockExclusive(&lock_);
             job_ = Job::kNone;

@@ -60,7 +60,7 @@ ResultCode CKorHttp::OpenUrl(const HttpUrl& url) {
         systemError_ = transport_->LoadError();
         Log(kEvent, "LoadLibrary [%s], result: [0x%08lX]\n", transport_->Library(),
             static_cast<unsigned long>(systemError_));
-        return result::HttpImportFailed;
+        return systemError_ == http::kFunctionMissing ? result::HttpImportFailed : result::HttpLibraryMissing;
     }
     if (url.host.empty()) return Failed(result::HttpConnectFailed, "URL", 0);
     url_ = url;
@@ -231,12 +231,12 @@ ResultCode CKorHttp::Judge(const Timer& timer, Next& next) {
         case HttpStatus::Action::kRedirect:
             return Redirect(next);
         case HttpStatus::Action::kServerChallenge:
-            return Choose(settings.webAccount, server_, status.code, next);
+            return Choose(settings.webAccount, server_, status.code, timer, next);
         case HttpStatus::Action::kProxyChallenge:
             if (settings.proxyAccount.name.empty()) return ReadBody(timer);
-            return Choose(settings.proxyAccount, proxy_, status.code, next);
+            return Choose(settings.proxyAccount, proxy_, status.code, timer, next);
         case HttpStatus::Action::kFail:
-            if (settings.keepErrorReplies) ReadErrorBody(timer);
+            ReadErrorBody(timer);
             return status.code;
         case HttpStatus::Action::kRepeat:
             break;
@@ -256,7 +256,9 @@ ResultCode CKorHttp::Redirect(Next& next) {
     LogText("REDIRECTING TO      : %s\n", target.host.empty() ? reply_.location : target.Text(secure_));
     Log(logmask::kVerbatim, "USING SSL           : %s\n", YesNo(secure_));
     // Another server, or one that could be overheard, gets no account before it asks for one.
-    if (target.host != url_.host || (wasSecure && !secure_)) server_ = {};
+    const bool isSame =
+        target.host == url_.host && target.PortOr(secure_) == url_.PortOr(wasSecure) && secure_ >= wasSecure;
+    if (!isSame) server_ = {};
     Close();
     next = ++redirects_ > kQuickRedirects ? Next::kRepeat : Next::kRound;
     return OpenUrl(target);
@@ -264,8 +266,11 @@ ResultCode CKorHttp::Redirect(Next& next) {
 
 // Chooses how a challenge is answered in the next round.
 ResultCode CKorHttp::Choose(const http::Account& account, Challenge& challenge, ResultCode refused,
-                            Next& next) {
-    if (challenge.answered || account.name.empty()) return refused;
+                            const Timer& timer, Next& next) {
+    if (challenge.answered || account.name.empty()) {
+        ReadErrorBody(timer);
+        return refused;
+    }
     std::uint32_t offered = 0;
     const std::uint32_t error = transport_->QuerySchemes(offered);
     const auto* const chosen = std::ranges::find_if(
@@ -311,6 +316,7 @@ ResultCode CKorHttp::BodyFailure(ResultCode code, const Timer& timer, std::uint3
 // The status has decided already: what can be read of the reply is kept, and a failure only stands in the
 // log.
 void CKorHttp::ReadErrorBody(const Timer& timer) {
+    if (!settings.keepErrorReplies) return;
     if (ReadBody(timer) != result::Success) Log(kEvent, "HTTP RESPONSE DATA  : incomplete\n");
 }
 

@@ -49,10 +49,10 @@ class CKorHttp final : public CKorBase {
     HttpSettings settings;
 
     // A session and a connection for the URL, "[http[s]://]host[:port][/path]". Request does it by itself.
-    // 0, 22401, 22404, 22426.
+    // 0, 22390, 22401, 22404, 22426.
     ResultCode Open(const std::string& url);
     // The whole exchange. `body`, if given, goes out instead of `settings.postText`, and is not copied.
-    // 0 also for a 407 without a proxy account; any code of 22401 to 22449.
+    // 0 also for a 407 without a proxy account; 22390 and any code of 22401 to 22449.
     ResultCode Request(const std::string& url, std::optional<std::string_view> body = {});
     void Close();
 
@@ -80,7 +80,8 @@ class CKorHttp final : public CKorBase {
     void ReadHeader(http::Header header, std::string& text, const char* format);
     ResultCode Judge(const Timer& timer, Next& next);
     ResultCode Redirect(Next& next);
-    ResultCode Choose(const http::Account& account, Challenge& challenge, ResultCode refused, Next& next);
+    ResultCode Choose(const http::Account& account, Challenge& challenge, ResultCode refused,
+                      const Timer& timer, Next& next);
     ResultCode ReadBody(const Timer& timer);
     void ReadErrorBody(const Timer& timer);
     ResultCode BodyFailure(ResultCode code, const Timer& timer, std::uint32_t error);

@@ -47,7 +47,7 @@ int ReplyDialogue::Say(std::string_view line, std::string_view shown) {
 
 int ReplyDialogue::SayText(std::string_view text, std::string_view shown) {
     LogText(manner_.saidFormat, shown);
-    if (manner_.unit == DialogueManner::Unit::kOctets) {
+    if (manner_.unit == DialogueManner::Unit::kOctets && std::exchange(wasHeard_, false)) {
         if (const int outcome = DropRest(); outcome != tcp::kSuccess) return outcome;
     }
     return stream_->SendLine(std::string(text) + kReturn, manner_.sendTime, Timer::kForever);
@@ -129,6 +129,7 @@ void ReplyDialogue::HearOctets(const ReplyTimes& times, Reply& reply) {
         }
     }
     lineIsOpen_ = !octets.empty() && octets.back() != kLineFeed;
+    wasHeard_ = true;
     if (reply.outcome == tcp::kSuccess) LogText(manner_.heardFormat, octets);
     if (!octets.empty()) reply.pieces.push_back(std::move(octets));
 }

@@ -71,6 +71,7 @@ class ReplyDialogue {
     CKorBase* log_;
     DialogueManner manner_;
     bool lineIsOpen_ = false;  // the last octets heard did not end a line
+    bool wasHeard_ = false;    // a reply was, and nothing said since
 };
 
 // The first number in a text, whatever stands before it; 0 when there is none.

@@ -171,7 +171,9 @@ AtExchange CVrmComIO::HearReply(std::string_view command, const Timer& timer, st
         if (Echo(line) == Echo(command)) continue;
         if (isAnswer || IsFinalResult(line)) exchange.outcome = ClassifyReply(line, expected);
         if (exchange.outcome.status == AtStatus::kUnexpected) continue;
-        if (IsOverdue(exchange.outcome.status)) {
+        // A prompt has no result before it: an "OK" is of another command.
+        const bool isNoPrompt = expected == kPrompt && exchange.outcome.status == AtStatus::kOk;
+        if (IsOverdue(exchange.outcome.status) || isNoPrompt) {
             overdue = std::exchange(exchange, {});
             continue;
         }
@@ -222,6 +224,14 @@ AtExchange CVrmComIO::Collect(std::string_view command, std::uint32_t timeout) {
     return exchange;
 }
 
+// An entry whose PDU did not come as one is told as cut.
+void CVrmComIO::TakeWithout(std::optional<AtEntry>& entry, const TakeEntry& take) {
+    if (!entry) return;
+    entry->whole = false;
+    take(*entry);
+    entry.reset();
+}
+
 ResultCode CVrmComIO::Listing(std::string_view command, std::string_view header, std::uint32_t timeout,
                               const TakeEntry& take) {
     std::uint32_t wait = Say(command, timeout);
@@ -237,6 +247,7 @@ ResultCode CVrmComIO::Listing(std::string_view command, std::string_view header,
         LogText(logmask::kActivity, "Reply: [", line);
         if (unsolicited.Takes(line)) continue;
         if (const std::size_t at = FindNoCase(line, header); at != std::string::npos) {
+            TakeWithout(entry, take);
             const std::string_view values = line.substr(at + header.size());
             entry.emplace();
             entry->number = ToInt(values);
@@ -249,6 +260,7 @@ ResultCode CVrmComIO::Listing(std::string_view command, std::string_view header,
             take(*entry);
             entry.reset();
         } else if (EndsLines(line)) {
+            TakeWithout(entry, take);
             const AtOutcome outcome = ClassifyReply(line, {});
             if (!IsOverdue(outcome.status)) return outcome.code;
             overdue = outcome.code;

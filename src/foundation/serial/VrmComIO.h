@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -78,6 +79,7 @@ class CVrmComIO : public CKorComIO {
     void DropReceived();
     AtExchange HearReply(std::string_view command, const Timer& timer, std::string_view expected);
     bool HearFinalResult(std::string& reply, std::string rest);
+    static void TakeWithout(std::optional<AtEntry>& entry, const TakeEntry& take);
     bool IsOverdue(AtStatus status);
 
     bool finalOwed_ = false;  // the last reply was not ended by its final result
