@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iconv.h>
 
 namespace {
 // The characters of 0x80 to 0x9F; unassigned octets read as the control code of the same number.
@@ -37,5 +38,23 @@ std::u16string codepage::FromAnsi(std::string_view text) {
         const auto octet = static_cast<unsigned char>(c);
         out.push_back(octet >= 0x80 && octet < 0xA0 ? kUpperControls[octet - 0x80U] : char16_t{octet});
     }
+    return out;
+}
+
+std::u16string codepage::From(std::string_view text, std::uint32_t number) {
+    constexpr std::uint32_t kIso8859 = 28590;
+    const std::string name = "ISO-8859-" + std::to_string(number - kIso8859);
+    iconv_t converter = number > kIso8859 && number < kIso8859 + 10 ? ::iconv_open("UTF-16LE", name.c_str())
+                                                                    : reinterpret_cast<iconv_t>(-1);
+    if (converter == reinterpret_cast<iconv_t>(-1)) return FromAnsi(text);
+    std::u16string out(text.size(), u'\uFFFD');
+    for (std::size_t i = 0; i < text.size(); ++i) {  // octet by octet, since some have no character
+        auto* in = const_cast<char*>(&text[i]);
+        auto* character = reinterpret_cast<char*>(&out[i]);
+        std::size_t inLeft = 1;
+        std::size_t outLeft = sizeof(char16_t);
+        (void)::iconv(converter, &in, &inLeft, &character, &outLeft);
+    }
+    ::iconv_close(converter);
     return out;
 }
