@@ -1,4 +1,5 @@
 // Prints the units that messages are encoded as, a JSON object a line, for an independent decoder to read.
+// The folder it runs in has a photo.jpg.
 #include "foundation/ErrorTexts.h"
 #include "foundation/Hex.h"
 #include "mms/MmsMessage.h"
@@ -19,20 +20,23 @@ bool Encode(const char* kind, CMmsMessage& message) {
     return true;
 }
 
-void AddContents(CMmsMessage& message) {
+bool AddContents(CMmsMessage& message) {
     CMmsSlide slide;
     slide.AddText(u"Gr\u00FC\u00DFe");
     slide.AddAttachmentData("photo.jpg", "\xFF\xD8\xFF\xE0");
     slide.AddAttachmentData("sound.mp4", "mp4");
+    slide.Protect({mms::asMMS_DRM_DISPLAY, 3, 0, "", ""});
+    const bool added = slide.AddAttachment("photo.jpg") == result::Success;
     message.AddSlide(slide.Slide());
+    return added;
 }
 
 }  // namespace
 
 int main() {
     CMmsMessage message;
-    AddContents(message);
-    bool printed = message.AddRecipient("+31612345678", 0) == result::Success && Encode("least", message);
+    bool printed = AddContents(message) && message.AddRecipient("+31612345678", 0) == result::Success &&
+                   Encode("least", message);
 
     message.SetFrom("+31600000001");
     message.Subject = u"Photo";
