@@ -33,7 +33,7 @@ class Usage(unittest.TestCase):
             with self.subTest(file.name):
                 code, output = wine.script(file)
                 self.assertEqual(code, 2)
-                self.assertRegex(output, rf"^cscript {file.name} (COM5|127\.0\.0\.1 2775 user password)[^\n]*\n$")
+                self.assertRegex(output, rf"^cscript {file.name} (COM5|127\.0\.0\.1 2775 user password|message\.mms)[^\n]*\n$")
         for program in PROGRAMS:
             with self.subTest(program):
                 code, output = wine.run(program)

@@ -83,6 +83,10 @@ constexpr ClassRow kClasses[] = {
     {L"SmsDataMmsNotification", L"Quorvane.SmsDataMmsNotification",
      L"{4868BE0E-AA1B-4289-8FFB-CC75275D9822}"},
     {L"SmsDatavCard", L"Quorvane.SmsDatavCard", L"{4368F874-0EBD-4816-8915-F340F7150B95}"},
+    {L"MmsMessage", L"Quorvane.MmsMessage", L"{968295DF-EE56-433A-99A8-64B47C5FF613}"},
+    {L"MmsSlide", L"Quorvane.MmsSlide", L"{43BFDCA2-0801-4A5F-897F-DA987DD62EF3}"},
+    {L"MmsPermission", L"Quorvane.MmsPermission", L"{D3458AB2-3485-4E68-95CB-49EEA9566B35}"},
+    {L"MmsConstants", L"Quorvane.MmsConstants", L"{51B8A8E6-CC2F-4160-8645-E0B264659493}"},
 };
 
 Snapshot Expected(const std::wstring& module) {
