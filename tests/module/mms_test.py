@@ -189,6 +189,49 @@ Say(message.EncodedMessage.indexOf("x-test/registered\\0") > 0);
         self.assertEqual(lines, ["true"])
 
 
+NOTIFICATION = b"\x8c\x82\x98n1\0\x8d\x90\x89\x18\x80+31600000001/TYPE=PLMN\0\x8a\x80\x8e\x02\x75\x30\x88%b\x83http://mmsc/n1\0"
+REPORT = b"\x8c\x86\x8d\x90\x8bM-1\0\x97+31600000002/TYPE=PLMN\0\x85\x04\x65\x53\xf1\0\x95\x81"
+SHOWN = ["74|M-NOTIFICATION-IND URL=http://mmsc/n1 ID=n1 FROM=+31600000001 SIZE=30000 EXPIRATION=1700003600",
+         "74|M-DELIVERY-IND ID=M-1 TO=+31600000002 DATE=1700000000 STATUS=81", "74|WAP/WSP message"]
+
+
+def push(unit):
+    return b"\1\6\1\xbe" + unit
+
+
+class Pushes(unittest.TestCase):
+    """What an MMS centre announces by SMS, through both channels."""
+    WALK = """
+for (var message = channel.GetFirstMessage(); channel.LastError == 0; message = channel.GetNextMessage())
+    WScript.Echo(message.Format + "|" + message.Data);
+"""
+
+    def test_gsm(self):
+        def pdu(unit):  # at 1700000000
+            data = bytes.fromhex("0605040B8423F0") + push(unit)
+            return f"pdu SM 00440B911316111111F10004{'32114122310200'}{len(data):02X}{data.hex()}"
+
+        relative = b"\x04\x81\x02\x0e\x10"
+        messages = [pdu(NOTIFICATION % relative), pdu(REPORT), pdu(REPORT[:-3])]
+        with wine.modem(80, *(word for message in messages for word in ("--message", message))) as modem:
+            self.assertEqual(wine.lines_of("""
+var channel = new ActiveXObject("Quorvane.SmsProtocolGsm");
+channel.Device = WScript.Arguments.Item(0);
+channel.Receive();
+""" + self.WALK, "js", modem.com), SHOWN)
+
+    def test_smpp(self):
+        absolute = b"\x06\x80\x04\x65\x53\xff\x10"
+        units = [NOTIFICATION % absolute, REPORT, REPORT[:-3]]
+        with wine.smsc(*(word for unit in units for word in ("--deliver", f"push +31611111111 {push(unit).hex()}"))) as server:
+            self.assertEqual(wine.lines_of("""
+var channel = new ActiveXObject("Quorvane.SmsProtocolSmpp");
+channel.Server = "127.0.0.1"; channel.ServerPort = WScript.Arguments.Item(0);
+channel.Connect();
+for (var i = 0; i < 100 && channel.CountReceivedMessages() < 3; ++i) channel.Sleep(100);
+""" + self.WALK + "channel.Disconnect();", "js", server.port), SHOWN)
+
+
 class Examples(unittest.TestCase):
     def test_build_and_list(self):
         with wine.folder() as path:
