@@ -38,7 +38,17 @@ void Measure(benchmark::State& state, Work work) {
     state.SetBytesProcessed(state.iterations() * state.range(0) * state.range(1));
 }
 
+// How many times the payload a message and its first encoding hold at the most.
+double MemoryOfEncoding(std::int64_t parts, std::int64_t octets) {
+    const std::int64_t before = measures::Octets();
+    const auto message = MessageOf(parts, octets);
+    measures::ForgetMostOctets();
+    if (message->Encode() != result::Success) return 0;
+    return static_cast<double>(measures::MostOctets() - before) / static_cast<double>(parts * octets);
+}
+
 void EncodeMms(benchmark::State& state) {
+    state.counters["memory"] = MemoryOfEncoding(state.range(0), state.range(1));
     Measure(state, [](CMmsMessage& message) {
         benchmark::DoNotOptimize(message.Encode());
         benchmark::DoNotOptimize(message.EncodedMessage.data());
@@ -56,9 +66,8 @@ void DecodeMms(benchmark::State& state) {
 // As far as the unit's own octets.
 void ReadMms(benchmark::State& state) {
     CMMSECodec unit;
-    Measure(state, [&unit](CMmsMessage& message) {
-        benchmark::DoNotOptimize(unit.Decode(message.EncodedMessage));
-    });
+    Measure(state,
+            [&unit](CMmsMessage& message) { benchmark::DoNotOptimize(unit.Decode(message.EncodedMessage)); });
 }
 
 void Sizes(benchmark::internal::Benchmark* benchmark) {
