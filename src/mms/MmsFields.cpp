@@ -57,11 +57,20 @@ bool ReadTime(OctetReader& in, MmsField& field) {
 }
 
 // A length of 31 and more may stand in one octet, as our own encoder writes it, before the octet that says
-// that there is an address. Behind a length quote no length begins with that octet.
+// that there is an address. Behind a length quote no length begins with that octet. Some write the address,
+// or that it is to be inserted, without a length.
 bool ReadFrom(OctetReader& in, MmsField& field) {
-    const std::uint8_t first = in.Octet();
-    if (first >= wsp::kFirstText && in.Peek() != mms::kAddressPresent) return false;
-    const bool quoted = first == wsp::kLengthQuote && in.Peek() != mms::kAddressPresent;
+    OctetReader ahead = in;
+    const std::uint8_t first = ahead.Octet();
+    const bool marked = ahead.Peek() == mms::kAddressPresent;
+    if (first >= wsp::kFirstText && !marked) {
+        const wsp::Value bare = wsp::ReadValue(in);
+        field.token = bare.kind == wsp::Value::Kind::kText ? mms::kAddressPresent : std::uint32_t{first};
+        field.text = bare.octets;
+        return true;
+    }
+    in.Skip(1);
+    const bool quoted = first == wsp::kLengthQuote && !marked;
     OctetReader value(in.Take(quoted ? wsp::ReadUintvar(in) : first));
     field.token = value.Octet();
     if (value.Overrun()) return false;

@@ -5,7 +5,7 @@
 #include "foundation/Addresses.h"
 #include "foundation/BinaryFile.h"
 #include "foundation/ErrorTexts.h"
-#include "foundation/TextFile.h"
+#include "foundation/Text.h"
 #include "mms/MM1Body.h"
 #include "mms/MMSECodec.h"
 #include "mms/MmsAddresses.h"
@@ -163,8 +163,9 @@ ResultCode CMmsMessage::LoadFromFile(const std::string& file) {
 }
 
 ResultCode CMmsMessage::LoadCustomSmil(const std::string& file) {
-    auto text = file.empty() ? std::nullopt : ReadTextFile(file, kLargestMmsFile + 1);
-    if (!text || text->size() > kLargestMmsFile) return result::MmsInvalidSmil;
+    auto text = ReadBinaryFile(file, kLargestMmsFile);
+    if (!text) return result::MmsInvalidSmil;
+    ReplaceAll(*text, "\r\n", "\n");  // as text is read
     CustomSmil = *std::move(text);
     return result::Success;
 }

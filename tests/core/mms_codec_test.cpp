@@ -83,6 +83,8 @@ TEST(MmsDecoder, ReadsValuesInEveryForm) {
              Row{"89 21 80 '1234567890123456789012345678901' 00",
                  "From: 80 \"1234567890123456789012345678901\"\n"},
              Row{"89 1F 05 80 'abc' 00", "From: 80 \"abc\"\n"},
+             Row{"89 'abc' 00", "From: 80 \"abc\"\n"},
+             Row{"89 81 9B80", "From: 81\nX-Mms-Read-Status: 80\n"},
              Row{"89 04 80 'abc'", "From: 80 \"abc\"\n"},             // no zero octet within the length
              Row{"96 06 'Hello' 00", "Subject: \"Hello\"\n"},         // a length and no charset
              Row{"96 0A 'utf-8' 00 'abc' 00", "Subject: \"abc\"\n"},  // the charset by its name

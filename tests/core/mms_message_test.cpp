@@ -337,6 +337,10 @@ TEST_F(Message, FilesAreSavedAndLoaded) {
     TemporaryFolder::Write(file, "<smil>\r\nmine\r\n</smil>");
     EXPECT_EQ(message.LoadCustomSmil(folder.File("none")), result::MmsInvalidSmil);
     EXPECT_EQ(message.LoadCustomSmil(""), result::MmsInvalidSmil);
+    std::filesystem::resize_file((TemporaryFolder::Write(folder.File("large"), "\r\n"), folder.File("large")),
+                                 kLargestMmsFile + 1);
+    EXPECT_EQ(message.LoadCustomSmil(folder.File("large")), result::MmsInvalidSmil);
+    EXPECT_EQ(message.LoadFromFile(folder.File("large")), result::MmsInvalidAttachment);
     EXPECT_EQ(message.LoadCustomSmil(file), result::Success);
     EXPECT_EQ(message.Encode(), result::Success);
     EXPECT_EQ(message.Smil.data, "<smil>\nmine\n</smil>");

@@ -78,4 +78,31 @@ TEST(MmsSlide, TakesAPermissionOfAnotherApartment) {
               std::wstring::npos);
 }
 
+TEST(MmsFiles, ThatAreLockedAreNeitherReadNorWritten) {
+    wchar_t folder[MAX_PATH];
+    ::GetTempPathW(MAX_PATH, folder);
+    const std::wstring path = folder + std::wstring(L"neltctrl-locked.jpg");
+    HANDLE locked = ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
+                                  FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+    ASSERT_NE(locked, INVALID_HANDLE_VALUE);
+    DWORD written = 0;
+    ::WriteFile(locked, "JPEG", 4, &written, nullptr);
+    const Bstr file(path);
+    const auto slide = Create<IMmsSlide>(L"Quorvane.MmsSlide");
+    EXPECT_EQ(slide->AddAttachment(file, nullptr), S_OK);
+    EXPECT_EQ(LastError(slide), 34137);
+    slide->AddText(Bstr(L"text"));
+    const auto message = Create<IMmsMessage>(L"Quorvane.MmsMessage");
+    Variant own(slide.get());
+    message->AddSlide(&own);
+    message->AddRecipient(Bstr(L"a@b.org"), 0);
+    message->SaveToFile(file, 1);
+    EXPECT_EQ(LastError(message), 34151);
+    message->LoadFromFile(file);
+    EXPECT_EQ(LastError(message), 34137);
+    message->LoadCustomSMIL(file);
+    EXPECT_EQ(LastError(message), 34138);
+    ::CloseHandle(locked);
+}
+
 }  // namespace
