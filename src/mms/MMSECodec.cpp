@@ -10,6 +10,10 @@
 
 namespace {
 
+// More fields or parts than any message has: what comes behind them is damage, so that a file of the smallest
+// ones does not become a multiple of itself in memory.
+constexpr std::size_t kMost = std::size_t{1} << 17;
+
 // The octets that change the code page stand alone or before its number; only one page is in use.
 bool PassShift(OctetReader& in) {
     constexpr std::uint8_t kShift = 0x7F;
@@ -95,7 +99,7 @@ ResultCode CMMSECodec::Decode(std::string_view unit) {
 bool CMMSECodec::ReadFields(OctetReader& in) {
     bool whole = true;
     while (!in.AtEnd() && !hasBody_ && !in.Overrun()) {
-        if (in.Peek() == 0) return false;  // begins no header
+        if (in.Peek() == 0 || fields_.size() == kMost) return false;  // a zero octet begins no header
         if (!PassShift(in)) whole = ReadNextField(in) && whole;
     }
     return whole && !in.Overrun();
@@ -136,7 +140,10 @@ bool CMMSECodec::ReadBody(OctetReader& in) {
     const std::uint64_t count = wsp::ReadUintvar(in);
     bool whole = !in.Overrun();
     std::uint64_t read = 0;
-    for (; !in.AtEnd() && (count == 0 || read < count); ++read) whole = ReadPart(in) && whole;
+    for (; !in.AtEnd() && (count == 0 || read < count); ++read) {
+        if (parts_.size() == kMost) return false;
+        whole = ReadPart(in) && whole;
+    }
     return whole && count <= read + (read > 0 ? 1 : 0);
 }
 

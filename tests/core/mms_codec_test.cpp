@@ -144,15 +144,21 @@ TEST(MmsDecoder, TellsDamageAndReadsOn) {
     }
 }
 
-// Nesting is not followed, and a count costs nothing.
+// Nesting is not followed, and neither a count nor the smallest fields and parts cost much.
 TEST(MmsDecoder, IsBoundByTheOctetsThereAre) {
+    constexpr std::size_t kMost = 131'072;
     CMMSECodec unit;
     EXPECT_EQ(unit.Decode(OctetText("8C84 84A3 8FFFFFFF7F 01 01 83 'a'")), result::MmscCorrupt);
     EXPECT_EQ(unit.Parts().size(), 1U);
-    std::string many = OctetText("8C84 84A3 00");
-    for (int i = 0; i < 100'000; ++i) many += OctetText("01 00 83");
-    EXPECT_EQ(unit.Decode(many), result::Success);
-    EXPECT_EQ(unit.Parts().size(), 100'000U);
+    for (const auto& [start, entry, room] :
+         {std::tuple{"8C84 84A3 00", "01 00 83", kMost}, std::tuple{"8C85", "9B80", kMost - 1}}) {
+        std::string many = OctetText(start);
+        const std::string one = OctetText(entry);
+        for (std::size_t i = 0; i < room; ++i) many += one;
+        EXPECT_EQ(unit.Decode(many), result::Success) << entry;
+        EXPECT_EQ(unit.Decode(many + one), result::MmscCorrupt) << entry;
+        EXPECT_EQ(std::max(unit.Parts().size(), unit.Fields().size()), kMost) << entry;
+    }
 }
 
 TEST(MmsMessage, TakesWhatAUnitSays) {
