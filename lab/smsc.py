@@ -8,6 +8,7 @@ that can receive is followed by what --deliver gives:
     +31611111111 Hello there              a message
     ucs2 +31611111111 Привет              a UCS-2 message
     parts:2,1 +31611111111 A long text    one message in as many parts, sent in that order
+    push +31611111111 010601AE...         a WAP push, in hexadecimal
 
 The events of a scenario are the PDUs by their names, "submit_sm" or "deliver_sm_resp".
 """
@@ -23,6 +24,9 @@ from wire import smpp
 from wire.parts import in_parts
 
 
+WAP_PUSH = bytes.fromhex("0605040B8423F0")  # the header with its ports
+
+
 def incoming(line, alphabet):
     """The sender, esm_class, data_coding and octets of each deliver_sm of one --deliver."""
     kind, _, rest = line.partition(" ")
@@ -30,6 +34,9 @@ def incoming(line, alphabet):
         if kind == "ucs2":
             sender, text = rest.split(None, 1)
             found = [(sender, 0, 8, text.encode("utf-16-be"))]
+        elif kind == "push":
+            sender, octets = rest.split()
+            found = [(sender, 0x40, 4, WAP_PUSH + bytes.fromhex(octets))]
         elif kind.startswith("parts:"):
             sender, text = rest.split(None, 1)
             found = [(sender, 0x40, 0, bytes([len(header)]) + header + smpp.octets_of(part, alphabet))

@@ -14,6 +14,11 @@ namespace measures {
 // Calls of operator new in this thread so far.
 std::int64_t Allocations();
 
+// Octets that this thread holds, and the most it has held since they were forgotten.
+std::int64_t Octets();
+std::int64_t MostOctets();
+void ForgetMostOctets();
+
 // Processor time, so that other programs do not count.
 inline double SecondsSince(std::clock_t start) {
     return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;

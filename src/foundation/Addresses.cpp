@@ -26,6 +26,12 @@ bool address::IsNumber(std::string_view text) {
            std::ranges::all_of(text.substr(1), [](char c) { return IsDigit(c) || c == ':'; });
 }
 
+bool address::IsSenderNumber(std::string_view text) {
+    if (!IsNumber(text)) return false;
+    return IsDigit(text.front()) || IsOneOf(kPrefixes, text.front()) ||
+           text.find("dl:") != std::string_view::npos;
+}
+
 ResultCode address::CheckNumber(std::string_view text) {
     if (!IsNumber(text)) return result::InvalidRecipient;
     if (text.find("dl:") != std::string_view::npos) return result::Success;

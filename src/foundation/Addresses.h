@@ -24,6 +24,9 @@ inline constexpr std::string_view kPrefixes = "+UNSGA";
 // 4 to 64 characters, after the first only digits and ":"; a text with "dl:" in it counts as well.
 bool IsNumber(std::string_view text);
 
+// The same, beginning with a digit or a prefix: what a sender may be.
+bool IsSenderNumber(std::string_view text);
+
 // 0, 34031 for what is no number, 34032 for a number that begins with another letter than a prefix.
 ResultCode CheckNumber(std::string_view text);
 

@@ -5,7 +5,7 @@
 
 struct CharacterSet {
     std::string_view name;  // in lower case, as headers have it
-    // A character that the set lacks becomes "?".
+    // A character that the set lacks becomes "?"; half of a pair becomes U+FFFD in UTF-8.
     std::string (*encode)(std::u16string_view text);
 };
 

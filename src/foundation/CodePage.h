@@ -8,6 +8,10 @@
 std::string ToAnsi(std::u16string_view text);
 std::u16string FromAnsi(std::string_view text);
 
+// Text of a code page by its number: 65001 (UTF-8), 1252, 28592 to 28596 (ISO 8859-2 to -6). Octets that it
+// lacks become U+FFFD, or what the system has for them.
+std::u16string FromCodePage(std::string_view text, std::uint32_t number);
+
 // Copies text to where it has room; false when it is not ASCII throughout, which alone is the same in every
 // code page.
 template <class To, class Text>
@@ -25,4 +29,5 @@ bool CopyAscii(const Text& text, To* __restrict out) {
 namespace codepage {
 std::string ToAnsi(std::u16string_view text);
 std::u16string FromAnsi(std::string_view text);
+std::u16string From(std::string_view text, std::uint32_t number);
 }  // namespace codepage

@@ -22,10 +22,12 @@ std::string codepage::ToAnsi(std::u16string_view text) {
     return out;
 }
 
-std::u16string codepage::FromAnsi(std::string_view text) {
+std::u16string codepage::FromAnsi(std::string_view text) { return From(text, CP_ACP); }
+
+std::u16string codepage::From(std::string_view text, std::uint32_t number) {
     const int length = static_cast<int>(text.size());
     std::u16string out(text.size(), u'\0');
-    const int size = ::MultiByteToWideChar(CP_ACP, 0, text.data(), length, Wide(out.data()), length);
+    const int size = ::MultiByteToWideChar(number, 0, text.data(), length, Wide(out.data()), length);
     out.resize(static_cast<std::size_t>(size));
     return out;
 }

@@ -1,26 +1,12 @@
 #include "foundation/MachineSettings.h"
+#include "foundation/RegistryTextWin.h"
 #include "foundation/Text.h"
-
-#include <windows.h>
 
 namespace {
 
 constexpr const char* kKey = "Software\\Quorvane\\Velqar\\";
 
-std::string ReadText(const char* name) {
-    DWORD size = 0;
-    if (::RegGetValueA(HKEY_LOCAL_MACHINE, kKey, name, RRF_RT_REG_SZ, nullptr, nullptr, &size) !=
-        ERROR_SUCCESS) {
-        return {};
-    }
-    std::string text(size, '\0');
-    if (::RegGetValueA(HKEY_LOCAL_MACHINE, kKey, name, RRF_RT_REG_SZ, nullptr, text.data(), &size) !=
-        ERROR_SUCCESS) {
-        return {};
-    }
-    text.resize(size == 0 ? 0 : size - 1);
-    return text;
-}
+std::string ReadText(const char* name) { return RegistryText(HKEY_LOCAL_MACHINE, kKey, name); }
 
 }  // namespace
 

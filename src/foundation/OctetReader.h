@@ -35,6 +35,8 @@ class OctetReader {
         return text;
     }
 
+    // The octet that comes next, 0 at the end.
+    std::uint8_t Peek() const { return AtEnd() ? std::uint8_t{0} : static_cast<std::uint8_t>(octets_[at_]); }
     void Skip(std::size_t count) { (void)Take(count); }
     std::size_t Left() const { return octets_.size() - at_; }
     std::size_t Position() const { return at_; }

@@ -5,11 +5,15 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 
 class OctetWriter {
   public:
     // Room for content whose texts have the given length, so that it grows in one go.
     explicit OctetWriter(std::size_t textLength) { octets_.reserve(textLength + kFraming); }
+
+    // Goes on behind what `octets` holds.
+    explicit OctetWriter(std::string&& octets) : octets_(std::move(octets)) {}
 
     void Octet(std::uint8_t value) { octets_.push_back(static_cast<char>(value)); }
     void Octets(std::initializer_list<std::uint8_t> values) {
@@ -30,6 +34,7 @@ class OctetWriter {
     }
 
     const std::string& Written() const { return octets_; }
+    std::string Take() { return std::move(octets_); }
 
   private:
     static constexpr std::size_t kFraming = 257;  // more than the fixed octets of any content

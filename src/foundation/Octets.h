@@ -2,9 +2,15 @@
 // a code page.
 #pragma once
 #include <string>
+#include <string_view>
 
 struct Octets {
     std::string bytes;
 
     bool operator==(const Octets&) const = default;
+};
+
+// The same, held elsewhere.
+struct OctetsView {
+    std::string_view bytes;
 };

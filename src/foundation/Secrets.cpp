@@ -1,9 +1,9 @@
 #include "foundation/Secrets.h"
 
 #include "foundation/Base64.h"
-#include "foundation/CharacterSets.h"
 #include "foundation/CodePage.h"
 #include "foundation/Text.h"
+#include "foundation/Utf8.h"
 
 #include <algorithm>
 #include <array>
@@ -93,7 +93,7 @@ void Secrets::Set(std::vector<std::string> passwords) {
     encoded_.clear();
     const std::size_t count = passwords_.size();
     for (std::size_t i = 0; i < count; ++i) {
-        const std::string utf8 = FindCharacterSet("utf-8")->encode(FromAnsi(passwords_[i]));
+        const std::string utf8 = ToUtf8(FromAnsi(passwords_[i]));
         if (utf8 != passwords_[i]) passwords_.push_back(utf8);
     }
     for (const std::string& password : passwords_) {

@@ -2,28 +2,19 @@
 
 #include "foundation/FileReplace.h"
 #include "foundation/Hex.h"
+#include "foundation/OpenFile.h"
 #include "foundation/Text.h"
 #include "foundation/UniqueNumber.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <memory>
 #include <utility>
 
 namespace {
 
-struct Closer {
-    void operator()(std::FILE* file) const { (void)std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, Closer>;
-
 // A name with a zero octet in it would be cut there and mean another file.
 bool IsName(const std::string& name) { return name.find('\0') == std::string::npos; }
-
-File Open(const std::string& name, const char* mode) {
-    return File(IsName(name) ? std::fopen(name.c_str(), mode) : nullptr);
-}
 
 constexpr int kReplaceAttempts = 5;
 constexpr std::uint32_t kReplacePause = 20;
@@ -37,8 +28,8 @@ bool Write(File file, const std::function<bool(const TextSink&)>& produce) {
 
 // Copies one file over another, for a file that cannot be replaced because somebody reads it.
 bool CopyInto(const std::string& name, const std::string& from) {
-    const File in = Open(from, "rb");
-    File out = Open(name, "wb");
+    const File in = OpenNamedFile(from, "rb");
+    File out = OpenNamedFile(name, "wb");
     if (!in || !out) return false;
     std::string piece(kTextPiece, '\0');
     bool whole = true;
@@ -59,7 +50,7 @@ bool PutInPlace(const std::string& name, const std::string& beside, Clock& clock
 }  // namespace
 
 std::optional<std::string> ReadTextFile(const std::string& name, std::size_t limit) {
-    const File file = Open(name, "rb");  // text mode would end at a Ctrl-Z
+    const File file = OpenNamedFile(name, "rb");  // text mode would end at a Ctrl-Z
     if (!file) return std::nullopt;
     std::string text;
     std::array<char, 16384> chunk{};
@@ -75,7 +66,7 @@ std::optional<std::string> ReadTextFile(const std::string& name, std::size_t lim
 }
 
 bool WriteTextFile(const std::string& name, std::string_view text) {
-    File file = Open(name, "wt+");
+    File file = OpenNamedFile(name, "wt+");
     if (!file) return false;
     const bool written = std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
     return std::fclose(file.release()) == 0 && written;
@@ -87,9 +78,9 @@ bool ReplaceTextFile(const std::string& name, const std::function<bool(const Tex
     std::string beside = name + ".";
     hex::AppendNumber(beside, UniqueNumber());  // two writers of one file do not meet
     beside += ".new";
-    File file = Open(beside, "wt+");
+    File file = OpenNamedFile(beside, "wt+");
     if (!file) {  // there is no place beside it, for its name or for its folder
-        file = Open(name, "wt+");
+        file = OpenNamedFile(name, "wt+");
         return file && Write(std::move(file), produce);
     }
     const bool written = Write(std::move(file), produce) && PutInPlace(name, beside, clock);
@@ -99,7 +90,7 @@ bool ReplaceTextFile(const std::string& name, const std::function<bool(const Tex
 
 bool ReadTextPieces(const std::string& name, const std::function<void(std::string_view)>& take,
                     std::size_t pieceSize) {
-    const File file = Open(name, "rb");
+    const File file = OpenNamedFile(name, "rb");
     if (!file) return false;
     std::string piece;
     bool any = false;
@@ -121,7 +112,7 @@ bool ReadTextPieces(const std::string& name, const std::function<void(std::strin
 }
 
 bool AppendTextFile(const std::string& name, std::string_view text) {
-    const File file = Open(name, "at");
+    const File file = OpenNamedFile(name, "at");
     return file && std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
 }
 

@@ -164,8 +164,8 @@ BSTR NewBstr(std::string_view ansi) {
 BSTR NewBstr(std::u16string_view text) {
     return ::SysAllocStringLen(reinterpret_cast<const OLECHAR*>(text.data()), static_cast<UINT>(text.size()));
 }
-BSTR NewBstr(const Octets& octets) {
-    const std::string& bytes = octets.bytes;
+BSTR NewBstr(OctetsView octets) {
+    const std::string_view bytes = octets.bytes;
     BSTR text = ::SysAllocStringLen(nullptr, static_cast<UINT>(bytes.size()));
     for (std::size_t i = 0; text != nullptr && i < bytes.size(); ++i) {
         text[i] = static_cast<unsigned char>(bytes[i]);

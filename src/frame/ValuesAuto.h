@@ -109,7 +109,8 @@ ComPointer<Interface> InterfaceOf(IUnknown* object) noexcept {
 
 BSTR NewBstr(std::string_view ansi);
 BSTR NewBstr(std::u16string_view text);
-BSTR NewBstr(const Octets& octets);
+BSTR NewBstr(OctetsView octets);
+inline BSTR NewBstr(const Octets& octets) { return NewBstr(OctetsView{octets.bytes}); }
 
 // An array of VT_UI1 from 0.
 VARIANT NewByteArray(const Octets& octets);

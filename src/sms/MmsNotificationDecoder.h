@@ -12,10 +12,10 @@ struct MmsNotification {
     std::string transactionId;
     std::string from;
     std::uint32_t messageSize = 0;
-    std::uint32_t expiry = 0;
+    std::uint32_t expiry = 0;  // seconds since 1970
     std::string messageId;
     std::string to;
-    std::string date;
+    std::string date;  // seconds since 1970
     std::uint8_t status = 0;
 };
 
@@ -23,6 +23,7 @@ class MmsNotificationDecoder {
   public:
     virtual ~MmsNotificationDecoder() = default;
 
-    // Nothing when the octets are no MMS PDU.
-    virtual std::optional<MmsNotification> Decode(std::string_view pdu) = 0;
+    // Nothing when the octets are no MMS PDU, or a damaged one. Times that the PDU gives from now count from
+    // `time` (seconds since 1970).
+    virtual std::optional<MmsNotification> Decode(std::string_view pdu, std::int64_t time) = 0;
 };

@@ -2,6 +2,7 @@
 // reports.
 #pragma once
 #include "frame/ProtocolAuto.h"
+#include "mms/MmsNotificationReader.h"
 #include "sms/SmsDeliveryStatusAuto.h"
 #include "sms/SmsMessageAuto.h"
 
@@ -48,7 +49,11 @@ class SmsChannelAuto : public ProtocolAuto<Interface, Engine> {
     }
 
   protected:
-    using ProtocolAuto<Interface, Engine>::ProtocolAuto;
+    template <class... Arguments>
+    explicit SmsChannelAuto(Arguments&&... arguments)
+        : ProtocolAuto<Interface, Engine>(std::forward<Arguments>(arguments)...) {
+        engine_.Received().SetNotificationDecoder(MmsNotifications());
+    }
     using ProtocolAuto<Interface, Engine>::engine_;
 
     // Copies the caller's message for sending.

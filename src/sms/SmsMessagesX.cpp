@@ -204,7 +204,8 @@ void CSmsMessagesX::RecogniseNotification(CSmsMessageX& record) {
     const std::size_t pduAt = static_cast<std::uint8_t>(octets[2]) + kContentTypeAt;
     std::optional<MmsNotification> unit;
     if (decoder_ != nullptr && pduAt < octets.size())
-        unit = decoder_->Decode(std::string_view(octets).substr(pduAt));
+        unit = decoder_->Decode(std::string_view(octets).substr(pduAt),
+                                record.TimeSecs > 0 ? record.TimeSecs : clock_->Now());
     const std::string text = NotificationText(unit.value_or(MmsNotification{}));
     record.Data.assign(text.begin(), text.end());
     record.SourcePort = 0;

@@ -24,6 +24,9 @@ class CSmsMessagesX {
                            std::int32_t segmentationTimeout = MachineSegmentationTimeout(),
                            MmsNotificationDecoder* decoder = nullptr);
 
+    // As the constructor's; before messages arrive.
+    void SetNotificationDecoder(MmsNotificationDecoder& decoder) { decoder_ = &decoder; }
+
     // Appends a record and gives it the next id. A part whose numbering cannot be (number 0, or above the
     // count) counts as a single message, as 3GPP TS 23.040 section 9.2.3.24.1 asks.
     void Add(CSmsMessageX record);

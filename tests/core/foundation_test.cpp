@@ -2,6 +2,7 @@
 #include "foundation/Base64.h"
 #include "foundation/Hex.h"
 #include "foundation/OctetReader.h"
+#include "foundation/Utf8.h"
 #include "foundation/XmlText.h"
 #include "support/Octets.h"
 
@@ -72,6 +73,32 @@ TEST(Base64, EncodesTheStandardsExamples) {
 TEST(XmlText, EscapesWhatHasAMeaning) {
     EXPECT_EQ(xml::Escape("a<b>&\"c'\xe9]]>"), "a&lt;b&gt;&amp;&quot;c&apos;\xe9]]&gt;");
     EXPECT_EQ(xml::Escape(std::string("\0\x1b\t\r\n", 5)), "  \t\r\n");
+}
+
+TEST(Utf8, IsReadAndWritten) {
+    struct Row {
+        std::u16string text;
+        std::string octets;
+    };
+    for (const Row& row : {
+             Row{u"", ""},
+             Row{std::u16string(1, u'\0'), std::string(1, '\0')},
+             Row{u"a\u007F\u0080\u07FF\u0800\uFFFF", "a\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF"},
+             Row{u"\U00010000\U0010FFFF", "\xF0\x90\x80\x80\xF4\x8F\xBF\xBF"},
+         }) {
+        EXPECT_EQ(ToUtf8(row.text), row.octets);
+        EXPECT_EQ(FromUtf8(row.octets), row.text);
+        EXPECT_TRUE(IsUtf8(row.octets));
+    }
+    for (const std::u16string& half : {u"\xD800", u"\xDC00", u"\xDC00\xD800", u"\xD800x"}) {
+        EXPECT_EQ(ToUtf8(half).substr(0, 3), "\xEF\xBF\xBD");
+    }
+    // Overlong, halves of pairs, beyond the last character, cut, a stray octet.
+    for (const std::string octets :
+         {"\xC0\x80", "\xE0\x80\x80", "\xED\xA0\x80", "\xF4\x90\x80\x80", "\xF8", "\xE2\x82", "\x80"}) {
+        EXPECT_FALSE(IsUtf8(octets));
+        EXPECT_EQ(FromUtf8(octets), std::u16string(octets.size(), u'\uFFFD'));
+    }
 }
 
 }  // namespace

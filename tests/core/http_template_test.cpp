@@ -118,7 +118,7 @@ TEST(HttpSubmit, EveryFormatHasItsTemplateAndCoding) {
              Row{"", 0, u"Hi_ @\u00E9\u20AC\u00A7", "gw/t", "%2B31612345678&Caf%E9&0&0&Hi%11%20%00%05%1Be_"},
              Row{"", 0, u"\u0416[]", "gw/t", "%2B31612345678&Caf%E9&0&0&%1B%3C%1B%3E"},
              Row{"utf-8", 0, u"@\u00E9\u20AC\U0001F600\xD800", "gw/t",
-                 "%2B31612345678&Caf%C3%A9&0&0&%40%C3%A9%E2%82%AC%F0%9F%98%80%3F"},
+                 "%2B31612345678&Caf%C3%A9&0&0&%40%C3%A9%E2%82%AC%F0%9F%98%80%EF%BF%BD"},
              Row{"ISO-8859-1", 0, u"@\u00E9\u20AC", "gw/t", "%2B31612345678&Caf%E9&0&0&%40%E9%3F"},
              Row{"Windows-1252", 0, u"@\u00E9\u20AC\u0416", "gw/t", "%2B31612345678&Caf%E9&0&0&%40%E9%80%3F"},
              Row{"us-ascii", 0, u"@\u00E9~", "gw/t", "%2B31612345678&Caf%3F&0&0&%40%3F~"},

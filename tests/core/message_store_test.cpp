@@ -134,7 +134,7 @@ TEST_F(Store, KeepsDuplicatePartsApartAndImpossibleNumbersAsSingles) {
 
 class FixedDecoder : public MmsNotificationDecoder {
   public:
-    std::optional<MmsNotification> Decode(std::string_view pdu) override {
+    std::optional<MmsNotification> Decode(std::string_view pdu, std::int64_t /*time*/) override {
         last = pdu;
         return answer;
     }
@@ -220,7 +220,7 @@ TEST_F(Store, PartsThatAMessageDoesNotUseGoOnWaiting) {
 
 class Thrower : public MmsNotificationDecoder {
   public:
-    std::optional<MmsNotification> Decode(std::string_view pdu) override {
+    std::optional<MmsNotification> Decode(std::string_view pdu, std::int64_t /*time*/) override {
         if (throwing && pdu == "BAD") throw std::runtime_error("decoder");
         ++decoded;
         return std::nullopt;
@@ -263,7 +263,7 @@ TEST_F(Store, APassThatFailsLosesNothingAndIsMadeUpFor) {
 TEST_F(Store, MessagesArriveWhileTheDecoderWorks) {
     class Adder : public MmsNotificationDecoder {
       public:
-        std::optional<MmsNotification> Decode(std::string_view) override {
+        std::optional<MmsNotification> Decode(std::string_view, std::int64_t) override {
             store->Add(record);
             return std::nullopt;
         }

@@ -39,7 +39,7 @@ class Usage(unittest.TestCase):
             with self.subTest(file.name):
                 code, output = wine.script(file)
                 self.assertEqual(code, 2)
-                self.assertRegex(output, rf"^cscript {file.name} (COM5|127\.0\.0\.1 (2775 user password|8080|4444))[^\n]*\n$")
+                self.assertRegex(output, rf"^cscript {file.name} (COM5|127\.0\.0\.1 (2775 user password|8080|4444)|message\.mms)[^\n]*\n$")
         for program, arguments in PROGRAMS.items():
             with self.subTest(program):
                 code, output = wine.run(f"{program}.exe")

@@ -5,9 +5,9 @@
 // clang-format on
 
 #include "Com.h"
+#include "Elsewhere.h"
 
 #include <gtest/gtest.h>
-#include <thread>
 
 namespace {
 
@@ -269,50 +269,10 @@ TEST(SmsMessage, PropertiesOfAForeignObjectComeFirst) {
     for (const std::string& pdu : sent) EXPECT_NE(pdu.find("31699999999"), std::string::npos);
 }
 
-// An apartment of its own, with one SmsMessage that is handed out.
-class Elsewhere {
-  public:
-    Elsewhere() {
-        ready_ = ::CreateEventW(nullptr, TRUE, FALSE, nullptr);
-        thread_ = std::thread([this] {
-            const ComApartment apartment;
-            id_ = ::GetCurrentThreadId();
-            const auto message = Create<ISmsMessage>(L"Quorvane.SmsMessage");
-            Fill(message.get(), kRows[1]);
-            ::CoMarshalInterThreadInterfaceInStream(__uuidof(ISmsMessage), message.get(), &stream_);
-            MSG queued;
-            ::PeekMessageW(&queued, nullptr, 0, 0, PM_NOREMOVE);
-            ::SetEvent(ready_);
-            while (::GetMessageW(&queued, nullptr, 0, 0) > 0) ::DispatchMessageW(&queued);
-        });
-        ::WaitForSingleObject(ready_, INFINITE);
-    }
-    Elsewhere(const Elsewhere&) = delete;
-    Elsewhere& operator=(const Elsewhere&) = delete;
-    ~Elsewhere() {
-        ::PostThreadMessageW(id_, WM_QUIT, 0, 0);
-        thread_.join();
-        ::CloseHandle(ready_);
-    }
-
-    // A proxy for the calling apartment.
-    Com<ISmsMessage> Message() {
-        Com<ISmsMessage> message;
-        ::CoGetInterfaceAndReleaseStream(stream_, __uuidof(ISmsMessage),
-                                         reinterpret_cast<void**>(message.out()));
-        return message;
-    }
-
-  private:
-    HANDLE ready_;
-    DWORD id_ = 0;
-    IStream* stream_ = nullptr;
-    std::thread thread_;
-};
-
 TEST(SmsMessage, IsSentAlikeFromAnotherApartment) {
-    Elsewhere elsewhere;
-    const auto proxy = elsewhere.Message();
+    Elsewhere<ISmsMessage> elsewhere(L"Quorvane.SmsMessage",
+                                     [](ISmsMessage* message) { Fill(message, kRows[1]); });
+    const auto proxy = elsewhere.Proxy();
     ASSERT_NE(proxy.get(), nullptr);
     const auto own = Create<ISmsMessage>(L"Quorvane.SmsMessage");
     Fill(own.get(), kRows[1]);

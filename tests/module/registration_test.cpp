@@ -87,6 +87,10 @@ constexpr ClassRow kClasses[] = {
     {L"SmsProtocolDialup", L"Quorvane.SmsProtocolDialup", L"{7FE9716E-6120-433C-B7C5-F42F4805B6C2}"},
     {L"PagerMessage", L"Quorvane.PagerMessage", L"{A4ECB249-089A-458B-B1DC-AFA3F6DFD691}"},
     {L"PagerProtocolSnpp", L"Quorvane.PagerProtocolSnpp", L"{69AD3E44-38BB-49E2-A03F-2BA71444BDF5}"},
+    {L"MmsMessage", L"Quorvane.MmsMessage", L"{968295DF-EE56-433A-99A8-64B47C5FF613}"},
+    {L"MmsSlide", L"Quorvane.MmsSlide", L"{43BFDCA2-0801-4A5F-897F-DA987DD62EF3}"},
+    {L"MmsPermission", L"Quorvane.MmsPermission", L"{D3458AB2-3485-4E68-95CB-49EEA9566B35}"},
+    {L"MmsConstants", L"Quorvane.MmsConstants", L"{51B8A8E6-CC2F-4160-8645-E0B264659493}"},
 };
 
 Snapshot Expected(const std::wstring& module) {

@@ -1,0 +1,3 @@
+#include "foundation/RegisteredType.h"
+
+std::string RegisteredType(const std::string& /*extension*/) { return {}; }
