@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
 """The main job, against the lab's counterparts: starts them, runs the demo scripts under Wine and shows both sides."""
+import dataclasses
 import sys
 
 from base import wine
@@ -27,87 +28,66 @@ def show(title, file, indent="    "):
             print(indent + line)
 
 
-def gsm():
-    print("SMS through a GSM modem on COM5")
-    print("-------------------------------")
-    log = WORK / "gsm.log"
-    link = PREFIX / "dosdevices/com5"
-    modem = Counterpart("modem.py", WORK, "--link", link,
-                        "--message", "text SM +31611111111 Hello from the first phone",
-                        "--message", "parts SM +31622222222 2,3,1 This message came in three parts, the second one first")
-    try:
-        code = play(LAB / "demo_gsm.vbs", "COM5", windows_path(log), windows_path(WORK / "gsm.ini"))
-    finally:
-        modem.close()
-    show("The modem saw:", modem.log)
-    show("Log file:", log)
-    show("Activity file:", WORK / "gsm.ini")
-    return code
+@dataclasses.dataclass
+class Channel:
+    """A counterpart, and the script that meets it: cscript demo_NAME.vbs ADDRESS [KIND] LOG [ACTIVITY]."""
+    title: str
+    name: str
+    program: str
+    options: tuple
+    says: str               # above what the counterpart printed
+    com: int = 0            # the COM port it is linked to; 0 = it has a TCP port
+    kind: tuple = ()        # what else the script is told
+    activity: bool = False  # whether it writes an activity file
+    shows_log: bool = True
+
+    def run(self):
+        print(f"{self.title}\n{'-' * len(self.title)}")
+        stem = "_".join((self.name, *self.kind))
+        log, activity = WORK / f"{stem}.log", WORK / f"{stem}.ini"
+        line = ("--link", PREFIX / f"dosdevices/com{self.com}") if self.com else ("--port", "0")
+        counterpart = Counterpart(self.program, WORK, *line, *self.options)
+        address = f"COM{self.com}" if self.com else counterpart.port
+        files = [windows_path(file) for file in (log, activity)[:2 if self.activity else 1]]
+        try:
+            code = play(LAB / f"demo_{self.name}.vbs", address, *self.kind, *files)
+        finally:
+            counterpart.close()
+        show(self.says, counterpart.log)
+        if self.shows_log:
+            show("Log file:", log)
+        else:
+            print(f"\nLog file: {log.relative_to(ROOT)}")
+        if self.activity:
+            show("Activity file:", activity)
+        print()
+        return code
 
 
-def smpp():
-    print("\nSMS through an SMPP server")
-    print("--------------------------")
-    log = WORK / "smpp.log"
-    server = Counterpart("smsc.py", WORK, "--port", "0", "--deliver", "+31611111111 Hello from the first phone",
-                         "--deliver", "parts:2,1 +31622222222 This message came in two parts")
-    try:
-        code = play(LAB / "demo_smpp.vbs", server.port, windows_path(log))
-    finally:
-        server.close()
-    show("The server saw:", server.log)
-    print(f"\nLog file: {log.relative_to(ROOT)}")
-    return code
-
-
-def http():
-    print("\nSMS through an HTTP gateway")
-    print("---------------------------")
-    log = WORK / "http.log"
-    gateway = Counterpart("gateway.py", WORK, "--port", "0", "--account", "demo:secret")
-    try:
-        code = play(LAB / "demo_http.vbs", gateway.port, windows_path(log))
-    finally:
-        gateway.close()
-    show("The gateway saw:", gateway.log)
-    print(f"\nLog file: {log.relative_to(ROOT)}")
-    return code
-
-
-def pager():
-    print("\nA page through a paging server")
-    print("------------------------------")
-    log = WORK / "pager.log"
-    server = Counterpart("pager.py", WORK, "--port", "0", "--password", "secret")
-    try:
-        code = play(LAB / "demo_pager.vbs", server.port, windows_path(log))
-    finally:
-        server.close()
-    show("The server saw:", server.log)
-    show("Log file:", log)
-    return code
-
-
-def dialup(kind):
-    print(f"\nA message through a dialled provider, over {kind}")
-    print("---------------------------------------------")
-    log = WORK / f"dialup_{kind}.log"
-    link = PREFIX / "dosdevices/com6"
-    modem = Counterpart("modem.py", WORK, "--link", link, "--provider", kind.lower(), "--provider-password", "secret")
-    try:
-        code = play(LAB / "demo_dialup.vbs", "COM6", kind, windows_path(log))
-    finally:
-        modem.close()
-    show("The provider saw:", modem.log)
-    show("Log file:", log)
-    return code
+HELLO = "Hello from the first phone"
+CHANNELS = [
+    Channel("SMS through a GSM modem on COM5", "gsm", "modem.py",
+            ("--message", f"text SM +31611111111 {HELLO}", "--message",
+             "parts SM +31622222222 2,3,1 This message came in three parts, the second one first"),
+            "The modem saw:", com=5, activity=True),
+    Channel("SMS through an SMPP server", "smpp", "smsc.py",
+            ("--deliver", f"+31611111111 {HELLO}", "--deliver", "parts:2,1 +31622222222 This message came in two parts"),
+            "The server saw:", shows_log=False),
+    Channel("SMS through an HTTP gateway", "http", "gateway.py", ("--account", "demo:secret"), "The gateway saw:",
+            shows_log=False),
+    Channel("A page through a paging server", "pager", "pager.py", ("--password", "secret"), "The server saw:"),
+] + [
+    Channel(f"A message through a dialled provider, over {kind}", "dialup", "modem.py",
+            ("--provider", kind.lower(), "--provider-password", "secret"), "The provider saw:", com=6, kind=(kind,))
+    for kind in ("UCP", "TAP")
+]
 
 
 def main():
     WORK.mkdir(parents=True, exist_ok=True)
     for old in WORK.iterdir():
         old.unlink()
-    return gsm() or smpp() or http() or pager() or dialup("UCP") or dialup("TAP")
+    return next((code for channel in CHANNELS if (code := channel.run()) != 0), 0)
 
 
 if __name__ == "__main__":

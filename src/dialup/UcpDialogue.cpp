@@ -8,12 +8,13 @@
 
 namespace {
 
-constexpr HearUntil kReply{.line = "WAITING FOR response message from ucp provider",
-                           .tries = 7,
-                           .read = 4000,
-                           .accept = [](std::string_view heard) {
-                               return FindUcpFrame(heard).isWhole ? Heard::kWhole : Heard::kNotYet;
-                           }};
+constexpr HearUntil kReply{
+    .line = "WAITING FOR response message from ucp provider",
+    .tries = 7,
+    .read = 4000,
+    .accept =
+        [](std::string_view heard) { return FindUcpFrame(heard).isWhole ? Heard::kWhole : Heard::kNotYet; },
+    .sevenBits = true};
 
 struct Meaning {
     UcpResult result;

@@ -4,6 +4,7 @@
 #include "Common/Wsp/WspContentTypes.h"
 #include "foundation/ErrorTexts.h"
 #include "foundation/Text.h"
+#include "mms/MmsSmil.h"
 
 #include <algorithm>
 #include <array>
@@ -13,6 +14,8 @@ namespace {
 // More fields or parts than any message has: what comes behind them is damage, so that a file of the smallest
 // ones does not become a multiple of itself in memory.
 constexpr std::size_t kMost = std::size_t{1} << 17;
+
+constexpr std::uint32_t kRetrieved = 0x80;  // the retrieve status of a message that is there
 
 // The octets that change the code page stand alone or before its number; only one page is in use.
 bool PassShift(OctetReader& in) {
@@ -72,7 +75,7 @@ void ReadPartHeader(OctetReader& in, MmsPart& part, std::string_view& dispositio
 bool ReadPartHeaders(OctetReader in, MmsPart& part) {
     std::string_view dispositionName;
     part.type = wsp::ReadContentType(in);
-    part.boundary = part.type.boundary;
+    if (part.type.type == kDrmMessageType) part.boundary = part.type.boundary;
     while (!in.AtEnd()) {
         if (!PassShift(in)) ReadPartHeader(in, part, dispositionName);
     }
@@ -128,10 +131,12 @@ bool CMMSECodec::ReadNextField(OctetReader& in) {
 // A message that could not be fetched comes without one.
 bool CMMSECodec::NeedsBody() const {
     return MessageType() == mms::type::kSendReq ||
-           (MessageType() == mms::type::kRetrieveConf && Field(mms::header::kRetrieveStatus).token == 0);
+           (MessageType() == mms::type::kRetrieveConf &&
+            (Field(mms::header::kRetrieveStatus).token & ~kRetrieved) == 0);
 }
 
-// The count of a multipart is a hint: it may be 0, or one too high.
+// The count of a multipart is a hint: it may be 0, or one too high, since some count a presentation that is
+// not there.
 bool CMMSECodec::ReadBody(OctetReader& in) {
     if (!wsp::IsMultipart(type_.type)) {
         parts_.push_back({type_, {}, type_.name, type_.boundary, in.Take(in.Left())});
@@ -144,7 +149,9 @@ bool CMMSECodec::ReadBody(OctetReader& in) {
         if (parts_.size() == kMost) return false;
         whole = ReadPart(in) && whole;
     }
-    return whole && count <= read + (read > 0 ? 1 : 0);
+    const bool isPresented =
+        std::ranges::any_of(parts_, [](const MmsPart& part) { return part.type.type == kSmilType; });
+    return whole && count <= read + (read > 0 && !isPresented ? 1 : 0);
 }
 
 bool CMMSECodec::ReadPart(OctetReader& in) {

@@ -103,6 +103,7 @@ void CMmsMessage::BuildSmil() {
 ResultCode CMmsMessage::Decode() {
     CMMSECodec unit;
     const ResultCode code = unit.Decode(EncodedMessage);
+    if (code != result::Success && unit.Fields().empty()) return code;  // no unit at all
     TakeFields(unit);
     TakeParts(unit);
     return code;
@@ -148,9 +149,17 @@ void CMmsMessage::TakeParts(const CMMSECodec& unit) {
 
 ResultCode CMmsMessage::SaveToFile(const std::string& file, std::int32_t format) {
     const bool retrieved = format == mms::asMMS_MM1FILE_MRETRIEVECONF;
-    FileFormat = retrieved ? mms::asMMS_MM1FILE_MRETRIEVECONF : mms::asMMS_MM1FILE_MSENDREQ;
-    const ResultCode code = Encode();
-    FileFormat = mms::asMMS_MM1FILE_MSENDREQ;
+    // Also when encoding throws, the next one is as usual.
+    struct Usual {
+        std::int32_t& format;
+        ~Usual() { format = mms::asMMS_MM1FILE_MSENDREQ; }
+    };
+    ResultCode code = result::Success;
+    {
+        const Usual afterwards{FileFormat};
+        FileFormat = retrieved ? mms::asMMS_MM1FILE_MRETRIEVECONF : mms::asMMS_MM1FILE_MSENDREQ;
+        code = Encode();
+    }
     if (code != result::Success) return code;
     return WriteBinaryFile(file, EncodedMessage) ? result::Success : result::MmsSaveFailed;
 }

@@ -4,7 +4,11 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
+
+// A part that carries content and what a receiver may do with it, OMA DRM 1.0.
+inline constexpr std::string_view kDrmMessageType = "application/vnd.oma.drm.message";
 
 struct CMmsMessagePart {
     std::string contentType;

@@ -69,7 +69,7 @@ ResultCode CMmsSlide::AddProtected(const std::string& file) {
     const std::string boundary = "drm-boundary-" + token;
     const std::string type = ContentTypeOfFile(file);
     const std::string contentId = name + '@' + token;
-    slide_.parts.push_back(NamedPart("application/vnd.oma.drm.message", name + ".dm",
+    slide_.parts.push_back(NamedPart(std::string(kDrmMessageType), name + ".dm",
                                      DrmMessage(permission_, {boundary, type, contentId})));
     slide_.parts.back().drmBoundary = boundary;
     return result::Success;

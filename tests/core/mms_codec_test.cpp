@@ -134,7 +134,9 @@ TEST(MmsDecoder, TellsDamageAndReadsOn) {
                  "X-Mms-Message-Type: 84\nContent-Type: \"application/vnd.wap.multipart.mixed\"\n"
                  "Part \"text/plain\" id=\"\" location=\"ab\" 1 octets\n"
                  "Part \"text/plain\" id=\"\" location=\"\" 1 octets\n"},
-             Row{"8C84 84A3 03 01 01 83 'a'",  // two entries missing
+             Row{"8C84 99 80",
+                 "X-Mms-Message-Type: 84\nX-Mms-Retrieve-Status: 80\n"},  // fetched, and no body
+             Row{"8C84 84A3 03 01 01 83 'a'",                             // two entries missing
                  "X-Mms-Message-Type: 84\nContent-Type: \"application/vnd.wap.multipart.mixed\"\n"
                  "Part \"text/plain\" id=\"\" location=\"\" 1 octets\n"},
          }) {

@@ -109,7 +109,7 @@ TEST(UcpReplies, AreJudged) {
              {"02 '01/00036/R/01/n/01/Checksum error/xx' 03", kNack, "n/01"},
              {"02 '////A/b/' 03", kAck, "A/b"},
              {"02 '////Axy/b/' 03", kAck, "Axy/b"},
-             {"02 '////A/b' 03", kSyntax, ""},
+             {"02 '////A/b' 03", kAck, "A/b"},
              {"02 '////A' 03", kSyntax, ""},
              {"02 '////' 03", kSyntax, ""},
              {"02 '///A/b/c/' 03", kSyntax, ""},
@@ -137,6 +137,8 @@ TEST(UcpReplies, AreFoundOnALine) {
              {"'noise' 03 02 'x' 03", "02 'x' 03", true},
              {"02 'ha' 02 'x' 03 'behind'", "02 'x' 03", true},
              {"02 'x' 03 02 'y' 03", "02 'x' 03", true},
+             {"02 '01/00019/O/01/A' 03 02 '01/00019/R/01/A' 03", "02 '01/00019/R/01/A' 03", true},
+             {"02 '01/00019/O/01/A' 03", "", false},
          }) {
         const std::string heard = OctetText(row.heard);
         const UcpFrame frame = FindUcpFrame(heard);

@@ -30,6 +30,14 @@ std::string_view Answer(std::string_view content) {
     return content;
 }
 
+// Ours, come back as an echo that the line has damaged: "01/00040/O/01/...".
+bool IsOperation(std::string_view frame) {
+    const std::size_t length = frame.find(kSeparator);
+    if (length == std::string_view::npos) return false;
+    const std::size_t kind = frame.find(kSeparator, length + 1);
+    return kind != std::string_view::npos && frame.substr(kind + 1).starts_with("O/");
+}
+
 }  // namespace
 
 UcpResponse::UcpResponse(std::string_view octets)
@@ -40,17 +48,19 @@ UcpResponse::UcpResponse(std::string_view octets)
     const UcpResult meaning = Meaning(answer.front());
     const std::size_t first = answer.find(kSeparator);
     if (meaning == UcpResult::kSyntaxError || first == std::string_view::npos) return;
-    const std::size_t second = answer.find(kSeparator, first + 1);
-    if (second == std::string_view::npos) return;
     result_ = meaning;
-    text_ = answer.substr(0, second);
+    text_ = answer.substr(0, answer.find(kSeparator, first + 1));
 }
 
 UcpFrame FindUcpFrame(std::string_view heard) {
-    const std::size_t begin = heard.find(kStx);
-    if (begin == std::string_view::npos) return {heard};
-    const std::size_t end = heard.find(kEtx, begin);
-    if (end == std::string_view::npos) return {heard.substr(begin)};
-    const std::size_t last = heard.rfind(kStx, end);  // those before it were noise
-    return {heard.substr(last, end + 1 - last), true};
+    for (;;) {
+        const std::size_t begin = heard.find(kStx);
+        if (begin == std::string_view::npos) return {heard};
+        const std::size_t end = heard.find(kEtx, begin);
+        if (end == std::string_view::npos) return {heard.substr(begin)};
+        const std::size_t last = heard.rfind(kStx, end);  // those before it were noise
+        const std::string_view frame = heard.substr(last, end + 1 - last);
+        if (!IsOperation(frame)) return {frame, true};
+        heard.remove_prefix(end + 1);
+    }
 }
