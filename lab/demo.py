@@ -61,17 +61,21 @@ def present(channel):
     """Shows one channel."""
     print(f"{channel.title}\n{'-' * len(channel.title)}")
     log, activity = WORK / f"{channel.name}.log", WORK / f"{channel.name}.ini"
-    line = ("--link", PREFIX / f"dosdevices/com{channel.com}") if channel.com else ("--port", "0")
-    counterpart = Counterpart(channel.program, WORK, *line, *channel.options)
-    address = f"COM{channel.com}" if channel.com else counterpart.port
+    addresses, counterparts = [], []
     files = [windows_path(file) for file in (log, activity)[:2 if channel.activity else 1]]
     begin = time.monotonic()
     try:
-        code, output = play(LAB / f"demo_{channel.script or channel.name}.vbs", address, *channel.kind, *files)
+        for peer in channel.peers:
+            line = ("--link", PREFIX / f"dosdevices/com{peer.com}") if peer.com else ("--port", "0")
+            counterparts.append(Counterpart(peer.program, WORK, *line, *peer.options_after(addresses)))
+            addresses.append(f"COM{peer.com}" if peer.com else counterparts[-1].port)
+        code, output = play(LAB / f"demo_{channel.script or channel.name}.vbs", *addresses, *channel.kind, *files)
     finally:
-        counterpart.close()
+        for counterpart in counterparts:
+            counterpart.close()
     seconds = time.monotonic() - begin
-    show(channel.says, counterpart.log)
+    for peer, counterpart in zip(channel.peers, counterparts):
+        show(peer.says, counterpart.log)
     if channel.shows_log:
         show("Log file:", log)
     else:

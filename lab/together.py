@@ -20,43 +20,80 @@ from channels import CHANNELS
 class Running:
     """One counterpart as a process of its own."""
 
-    def __init__(self, channel, options):
-        self.channel = channel
-        self.scenario = options.scenarios / f"{channel.name}.json"
+    def __init__(self, name, peer, options):
+        self.name, self.peer = name, peer
+        self.scenario = options.scenarios / f"{name}.json"
         self.scenario.write_text("[]\n", encoding="utf-8")
-        if channel.com:
-            self.line = ("--link", options.links / f"com{channel.com}")
+        if peer.com:
+            self.line = ("--link", options.links / f"com{peer.com}")
         else:
             self.line = ("--port", "0") if options.any_port else ()
-        self.address = f"COM{channel.com}" if channel.com else ""
+        self.address = f"COM{peer.com}" if peer.com else ""
         self.process = None
 
-    async def start(self):
-        command = [LAB / self.channel.program, "--scenario", self.scenario, *self.line, *self.channel.options]
+    async def start(self, addresses):
+        command = [LAB / self.peer.program, "--scenario", self.scenario, *self.line, *self.peer.options_after(addresses)]
         self.process = await asyncio.create_subprocess_exec(
             sys.executable, *map(str, command), stdin=asyncio.subprocess.PIPE, stdout=asyncio.subprocess.PIPE,
-            stderr=asyncio.subprocess.STDOUT)
+            stderr=asyncio.subprocess.STDOUT, start_new_session=True)  # Ctrl-C is for this program alone
         first = (await self.process.stdout.readline()).decode()
         if not re.search(r" ready ", first):
-            raise RuntimeError(f"{self.channel.program} does not start: {first}{(await self.process.stdout.read()).decode()}")
+            raise RuntimeError(f"{self.peer.program} does not start: {first}{(await self.process.stdout.read()).decode()}")
         self.address = self.address or first.split()[-1]
 
     async def follow(self, width):
         """Shows what it says until it ends."""
         async for line in self.process.stdout:
-            print(f"{self.channel.name:{width}} | {line.decode('utf-8', 'replace').rstrip()}", flush=True)
-        print(f"{self.channel.name:{width}} | ended with {await self.process.wait()}", flush=True)
+            print(f"{self.name:{width}} | {line.decode('utf-8', 'replace').rstrip()}", flush=True)
+        print(f"{self.name:{width}} | ended with {await self.process.wait()}", flush=True)
 
     async def stop(self):
         if self.process and self.process.returncode is None:
             self.process.terminate()
             await self.process.wait()
 
-    def row(self):
-        where = self.address if self.channel.com else f"127.0.0.1:{self.address}"
+    @property
+    def place(self):
+        return self.address if self.peer.com else f"127.0.0.1:{self.address}"
+
+    @property
+    def to_misbehave(self):
         shown = self.scenario.relative_to(ROOT) if self.scenario.is_relative_to(ROOT) else self.scenario
-        return [self.channel.name, where, self.channel.settings.format(address=self.address),
-                f"echo '[{self.channel.misbehave}]' >{shown}"]
+        return f"echo '[{self.peer.misbehave}]' >{shown}"
+
+
+class Lab:
+    """The counterparts of some channels; one that several share runs once, under the name of the first."""
+
+    def __init__(self, options):
+        self.options = options
+        self.channels = [channel for channel in CHANNELS if channel.name in options.channels]
+        self.running = {}  # by peer
+
+    async def start(self):
+        for channel in self.channels:
+            for number, peer in enumerate(channel.peers):
+                if peer not in self.running:
+                    name = f"{channel.name}.{peer.program.removesuffix('.py')}" if number else channel.name
+                    self.running[peer] = Running(name, peer, self.options)
+                    await self.running[peer].start([self.running[other].address for other in channel.peers[:number]])
+
+    async def stop(self):
+        await asyncio.gather(*(one.stop() for one in self.running.values()))
+
+    def words(self):
+        of_channels = []
+        for channel in self.channels:
+            peers = [self.running[peer] for peer in channel.peers]
+            of_channels.append([channel.name, ", ".join(peer.place for peer in peers),
+                                channel.settings.format(*(peer.address for peer in peers))])
+        return (table(["channel", "listens at", "what to set"], of_channels) + "\n\n" +
+                table(["counterpart", "to make it misbehave (its --help names every event and action)"],
+                      [[one.name, one.to_misbehave] for one in self.running.values()]))
+
+    def follow(self):
+        width = max(len(one.name) for one in self.running.values())
+        return [asyncio.create_task(one.follow(width)) for one in self.running.values()]
 
 
 def table(titles, rows):
@@ -72,19 +109,14 @@ async def run(options):
     for number in (signal.SIGTERM, signal.SIGINT):
         loop.add_signal_handler(number, ended.set)
     options.scenarios.mkdir(parents=True, exist_ok=True)
-    running = [Running(channel, options) for channel in CHANNELS if channel.name in options.channels]
+    lab, following = Lab(options), []
     try:
-        await asyncio.gather(*(one.start() for one in running))
-        rows = [one.row() for one in running]
-        print(table(["channel", "listens at", "what to set"], [row[:3] for row in rows]))
-        print("\n" + table(["channel", "to make it misbehave (its --help names every event and action)"],
-                           [[row[0], row[3]] for row in rows]))
-        print("\nCtrl-C ends all of them. What they see:\n", flush=True)
-        width = max(len(one.channel.name) for one in running)
-        following = [asyncio.create_task(one.follow(width)) for one in running]
+        await lab.start()
+        print(f"{lab.words()}\n\nCtrl-C ends all of them. What they see:\n", flush=True)
+        following = lab.follow()
         await ended.wait()
     finally:
-        await asyncio.gather(*(one.stop() for one in running))
+        await lab.stop()
     await asyncio.gather(*following)
 
 

@@ -44,8 +44,9 @@ class Together(unittest.TestCase):
     def test_the_table_leads_to_each_and_one_stream_shows_them(self):
         for channel in CHANNELS:
             with self.subTest(channel.name):
-                self.assertRegex(self.table, rf"(?m)^{channel.name} +(COM{channel.com or '-'}|127\.0\.0\.1:\d+) +\w+: ")
-                self.assertRegex(self.table, rf"(?m)^{channel.name} +echo '\[{{.*}}\]' >.*/{channel.name}\.json$")
+                self.assertRegex(self.table, rf"(?m)^{channel.name} +(COM{channel.peers[0].com or '-'}|127\.0\.0\.1:\d+).* +\w+: ")
+        names = re.findall(r"(?m)^([\w.]+) +echo '\[{.*}\]' >.*/\1\.json$", self.table)
+        self.assertEqual(len(names), len({peer for channel in CHANNELS for peer in channel.peers}))
         port = int(re.search(r"(?m)^pager +127\.0\.0\.1:(\d+)", self.table)[1])
         with socket.create_connection(("127.0.0.1", port), 10) as pager, pager.makefile("rw", newline="\r\n") as line:
             def ask(text):
@@ -66,19 +67,20 @@ class Together(unittest.TestCase):
             self.until("scenario")
         modem = os.open(self.folder / "com5", os.O_RDWR | os.O_NOCTTY)
         os.write(modem, b"AT\r")
-        self.assertIn(b"OK", os.read(modem, 100) + os.read(modem, 100))
+        heard = b""
+        while b"OK" not in heard:
+            heard += os.read(modem, 100)
         os.close(modem)
         self.process.send_signal(signal.SIGTERM)
         rest = self.process.stdout.read()
         self.assertEqual(self.process.wait(), 0)
-        self.assertEqual(sorted(re.findall(r"(?m)^(\w+) +\| ended with 0$", rest)), sorted(one.name for one in CHANNELS))
+        self.assertEqual(sorted(re.findall(r"(?m)^([\w.]+) +\| ended with 0$", rest)), sorted(names))
         self.assertEqual([*self.folder.glob("com*")], [])
 
     def test_one_that_cannot_start_is_named(self):
         port = re.search(r"(?m)^smpp +127\.0\.0\.1:(\d+)", self.table)[1]
-        done = subprocess.run([sys.executable, "-c", "import sys; sys.path.insert(0, sys.argv[1]); import together, channels, dataclasses; "
-                               "together.CHANNELS[:] = [dataclasses.replace(one, options=(*one.options, '--port', sys.argv[2])) "
-                               "for one in channels.CHANNELS if one.name == 'smpp']; "
+        done = subprocess.run([sys.executable, "-c", "import sys; sys.path.insert(0, sys.argv[1]); import together, channels; "
+                               "together.CHANNELS[:] = [channels.Channel('smpp', '', (channels.Peer('smsc.py', ('--port', sys.argv[2]), '', ''),), '')]; "
                                "together.main(['smpp', '--scenarios', sys.argv[3]])", LAB, port, self.folder / "other"],
                               capture_output=True, text=True, timeout=60, check=False)
         self.assertEqual(done.returncode, 1)
