@@ -145,6 +145,7 @@ class Mmsc(HttpServer):
         parser.add_argument("--path", default="/mms", help="where messages are posted to (/mms)")
         parser.add_argument("--folder", help="where the parts of messages are written; nowhere when not given")
         parser.add_argument("--message", action="append", default=[], help="a message to fetch: PATH SENDER SUBJECT PART...")
+        parser.add_argument("--handset", default="+31600000001", help="whom messages to fetch are for (+31600000001)")
         parser.add_argument("--no-transaction", dest="transaction", action="store_false",
                             help="messages to fetch have no transaction id: no acknowledgement is wanted")
         parser.add_argument("--status", type=hexadecimal, default=OK, help="answer to every message, hexadecimal (80)")
@@ -165,7 +166,8 @@ class Mmsc(HttpServer):
             if not path.startswith("/"):
                 raise ValueError("a path begins with /")
             unit = mms.retrieve_conf(path.strip("/") if self.options.transaction else None, f"{path.strip('/')}@mmsc.lab",
-                                     sender, subject, [part_of(given, place) for place, given in enumerate(parts, 1)])
+                                     sender, subject, [part_of(given, place) for place, given in enumerate(parts, 1)],
+                                     [self.options.handset])
             return path, unit
         except (ValueError, OSError) as fault:
             raise Refused(f"cannot store {line!r}: {fault}") from fault
