@@ -64,7 +64,7 @@ class RasPlatform {
     RasPlatform& operator=(const RasPlatform&) = delete;
     virtual ~RasPlatform() = default;
 
-    // Whether all functions are there. Looks for those that it has not found yet.
+    // Whether all functions are there.
     virtual bool Load() = 0;
 
     // The default phonebook. Writing keeps the password there.
