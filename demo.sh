@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds the module and runs the main jobs against the lab, under Wine: SMS through a GSM modem, an SMPP server, an
-# HTTP gateway and dialled providers, and a page through a paging server.
+# HTTP gateway and dialled providers, a page through a paging server, and picture messages through an MMS centre.
 #
 #     ./demo.sh [CHANNEL ...]    all channels, or these
 #     ./demo.sh --lab            starts every counterpart and shows what they see, for scripts of your own

@@ -1,5 +1,13 @@
 """The channels of the component: their counterparts, what to set to reach them, and an event to misbehave at."""
 import dataclasses
+import shlex
+import struct
+import zlib
+
+from base.wine import ROOT, windows_path
+
+WORK = ROOT / "build/demo"  # what the counterparts and scripts write
+PICTURE = WORK / "picture.png"
 
 
 @dataclasses.dataclass(frozen=True)
@@ -12,7 +20,7 @@ class Peer:
     com: int = 0     # the COM port it is linked to; 0 = it has a TCP port
 
     def options_after(self, addresses):
-        return [option.format(*addresses) if addresses else option for option in self.options]
+        return [str(option).format(*addresses) if addresses else option for option in self.options]
 
 
 @dataclasses.dataclass(frozen=True)
@@ -28,7 +36,27 @@ class Channel:
     shows_log: bool = True
 
 
+def picture(size=48):
+    """A PNG of two colours that run into each other."""
+    def chunk(name, data):
+        return struct.pack(">I", len(data)) + name + data + struct.pack(">I", zlib.crc32(name + data))
+    rows = b"".join(b"\0" + b"".join(bytes([255 * x // size, 96, 255 * y // size]) for x in range(size))
+                    for y in range(size))
+    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", size, size, 8, 2, 0, 0, 0)) +
+            chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
+
+
+def prepare():
+    """Makes the files that the channels use."""
+    WORK.mkdir(parents=True, exist_ok=True)
+    PICTURE.write_bytes(picture())
+
+
 HELLO = "Hello from the first phone"
+MMS_CENTRE = Peer(
+    "mmsc.py", ("--folder", WORK / "parts", "--message",
+                f"/m1 +31611111111 'Our holiday' {shlex.quote(str(PICTURE))} 'text:{HELLO}'"),
+    "The MMS centre saw:", '{"match": "POST", "do": "portal"}')
 CHANNELS = [
     Channel("gsm", "SMS through a GSM modem",
             (Peer("modem.py", ("--message", f"text SM +31611111111 {HELLO}", "--message",
@@ -57,4 +85,12 @@ CHANNELS = [
             f'SmsProtocolDialup: Device = "{{0}}", ProviderType = {number}, '
             'ProviderDialString = "0201234567", ProviderPassword = "secret"', script="dialup", kind=(kind,))
     for kind, number, com in (("UCP", "asPROVIDERTYPE_UCP", 6), ("TAP", "asPROVIDERTYPE_TAP_DEFAULT", 7))
+] + [
+    Channel("mm1", "A picture message as a handset sends it, and one that waits (MM1)",
+            (MMS_CENTRE,
+             Peer("modem.py", ("--message", "mms SM +31611111111 http://mmsc.example.org/m1 Our holiday"), "The modem saw:",
+                  '{"match": "AT+CMGL", "do": "error", "text": "+CMS ERROR: 500"}', com=8)),
+            'MmsProtocolMm1: AdvancedSettings = "UseExistingConnection=1", ProviderWAPGateway = "http://127.0.0.1:{0}", '
+            'ProviderMMSC = "http://mmsc.example.org/mms", Device = "{1}"',
+            kind=(windows_path(WORK),), shows_log=False),
 ]

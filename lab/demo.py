@@ -8,6 +8,7 @@
 import argparse
 import dataclasses
 import re
+import shutil
 import sys
 import time
 
@@ -15,10 +16,7 @@ import together
 from base import wine
 from base.launch import LAB, Counterpart
 from base.wine import PREFIX, ROOT, windows_path
-from channels import CHANNELS
-
-WORK = ROOT / "build/demo"
-
+from channels import CHANNELS, WORK, prepare
 
 def play(script, *arguments):
     """The exit code of a script, which is a failure unless "Done" is the last that it prints, and what it printed."""
@@ -94,9 +92,8 @@ def main(arguments=None):
     if options.lab:
         together.main(options.channels)
         return 0
-    WORK.mkdir(parents=True, exist_ok=True)
-    for old in WORK.iterdir():
-        old.unlink()
+    shutil.rmtree(WORK, ignore_errors=True)
+    prepare()
     shown = [present(channel) for channel in CHANNELS if channel.name in options.channels]
     print(together.table(["channel", "sent", "received", "report", "time", "result"], [one.row() for one in shown]))
     return next((one.code for one in shown if one.code != 0), 0)

@@ -14,7 +14,7 @@ import sys
 
 from base.launch import LAB
 from base.wine import PREFIX, ROOT
-from channels import CHANNELS
+from channels import CHANNELS, prepare
 
 
 class Running:
@@ -109,6 +109,7 @@ async def run(options):
     for number in (signal.SIGTERM, signal.SIGINT):
         loop.add_signal_handler(number, ended.set)
     options.scenarios.mkdir(parents=True, exist_ok=True)
+    prepare()
     lab, following = Lab(options), []
     try:
         await lab.start()

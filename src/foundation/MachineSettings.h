@@ -8,3 +8,6 @@ std::string MachineAdvancedSettings();
 
 // "SegmentationTimeout": seconds that a multipart message waits for its missing parts. 3600 when absent.
 std::int32_t MachineSegmentationTimeout();
+
+// "InstallRoot": the folder that the component is installed in. Empty when absent.
+std::string MachineInstallRoot();

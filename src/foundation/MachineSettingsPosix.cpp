@@ -3,3 +3,4 @@
 
 std::string MachineAdvancedSettings() { return {}; }
 std::int32_t MachineSegmentationTimeout() { return 3600; }
+std::string MachineInstallRoot() { return {}; }

@@ -22,3 +22,5 @@ std::int32_t MachineSegmentationTimeout() {
     const std::string text = ReadText("SegmentationTimeout");
     return text.empty() ? 3600 : ToInt(text);
 }
+
+std::string MachineInstallRoot() { return ReadText("InstallRoot"); }

@@ -4,8 +4,7 @@
 #include "foundation/CodePage.h"
 #include "foundation/Text.h"
 #include "gsm/AtValues.h"
-#include "gsm/GsmPduSize.h"
-#include "gsm/PDUDecode.h"
+#include "gsm/GsmInbox.h"
 #include "sms/MessageFormats.h"
 
 #include <algorithm>
@@ -217,32 +216,19 @@ ResultCode CGsmModem::ReadStorages(StorageUse use) {
 // Reports lie among the messages. They leave the device once they are known.
 ResultCode CGsmModem::ReadStorage(const GsmStorage& storage) {
     std::string reportKeys;
-    const ResultCode code = device_.List(storage, [&](const AtEntry& entry) {
-        if (IsCut(entry)) return;
-        std::string key = StorageKey(storage, entry.number);
-        if (TakeReport(entry.hexText)) {
-            reportKeys += key;
-        } else if (!received_.HoldsLocation(key)) {
-            TakeMessage(entry, std::move(key));
-        }
-    });
+    const ResultCode code =
+        ReadInbox(device_, storage,
+                  {.isOther =
+                       [&](const std::string& pdu, const std::string& key) {
+                           if (!TakeReport(pdu)) return received_.HoldsLocation(key);
+                           reportKeys += key;
+                           return true;
+                       },
+                   .take = [this](CSmsMessageX message) { received_.Add(std::move(message)); }});
     if (reportKeys.empty()) return code;
     Log(kEvent, "Deleting delivery reports...\n");
     const ResultCode deleted = DeleteKeys(reportKeys);
     return code == result::Success ? deleted : code;
-}
-
-// A PDU that lost its end on the line would be read with zeros in its place, and a report with a zero says
-// "Delivered".
-bool CGsmModem::IsCut(const AtEntry& entry) {
-    const GsmPduSize size = SizeOfPdu(entry.hexText);
-    const std::vector<AtField> values = AtFields(entry.values);
-    const bool isShort = values.size() > 1 && size.octets < size.needed &&
-                         std::cmp_less(size.octets, ToInt(values.back().text));
-    if (entry.whole && !isShort) return false;
-    Log(kEvent, "Message at memory location [%d] was cut on its way, it stays on the device: [%s]\n",
-        entry.number, entry.hexText.c_str());
-    return true;
 }
 
 bool CGsmModem::TakeReport(const std::string& pdu) {
@@ -257,29 +243,6 @@ bool CGsmModem::TakeReport(const std::string& pdu) {
     }
     reports_.Update(reference, StatusOfOctet(status.status), status.dischargeSeconds, status.status);
     return true;
-}
-
-void CGsmModem::TakeMessage(const AtEntry& entry, std::string key) {
-    Log(kEvent, "Receiving message at memory location [%d]...\n", entry.number);
-    CPDUDecode decoded(GetClock());
-    if (!decoded.Decode(entry.hexText)) {
-        Log(kEvent, "Message at memory location [%d] cannot be decoded, it stays on the device: [%s]\n",
-            entry.number, entry.hexText.c_str());
-        return;
-    }
-    CSmsMessageX message;
-    message.Sender = std::move(decoded.originator);
-    message.SMSC = std::move(decoded.serviceCentre);
-    message.Data = std::move(decoded.body);
-    message.Format = decoded.format;
-    message.TimeSecs = decoded.timeSeconds;
-    message.ReceivedTime = static_cast<std::int32_t>(GetClock().Now());
-    message.Time = decoded.timeText;
-    message.StorageLocation = std::move(key);
-    message.SetSinglePart();
-    message.UserDataHeader = std::move(decoded.header);
-    message.TakeUserDataHeader();
-    received_.Add(std::move(message));
 }
 
 // --- deleting

@@ -64,9 +64,7 @@ class CGsmModem : public CVrmBase {
 
     ResultCode ReadStorages(StorageUse use);
     ResultCode ReadStorage(const GsmStorage& storage);
-    bool IsCut(const AtEntry& entry);
     bool TakeReport(const std::string& pdu);
-    void TakeMessage(const AtEntry& entry, std::string key);
     ResultCode DeleteKeys(std::string_view keys);
 
     CGsmDevice device_;

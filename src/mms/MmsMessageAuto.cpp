@@ -7,11 +7,17 @@
 #include "mms/MmsSlideAuto.h"
 
 #include <optional>
+#include <utility>
 
 namespace {
 
 class MmsMessageAuto final : public EngineAuto<IMmsMessage, CMmsMessage> {
   public:
+    MmsMessageAuto() = default;
+    explicit MmsMessageAuto(MmsMessageFields&& fields) {
+        static_cast<MmsMessageFields&>(engine_) = std::move(fields);
+    }
+
     CMmsMessage& Message() { return engine_; }
 
     AUTO_TEXT_READ(From, engine_.From)
@@ -100,4 +106,8 @@ IUnknown* CreateMmsMessage() { return new MmsMessageAuto; }
 ResultCode WithMmsMessage(const VARIANT* value, const std::function<ResultCode(CMmsMessage&)>& use) {
     const auto message = OwnObject<MmsMessageAuto>(ObjectIn(value));
     return message ? use(message->Message()) : result::InvalidMessageObject;
+}
+
+ComPointer<IDispatch> NewMmsMessage(MmsMessageFields&& fields) {
+    return ComPointer<IDispatch>(new MmsMessageAuto(std::move(fields)));
 }

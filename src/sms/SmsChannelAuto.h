@@ -3,6 +3,7 @@
 #pragma once
 #include "frame/ProtocolAuto.h"
 #include "mms/MmsNotificationReader.h"
+#include "sms/ReceivedAuto.h"
 #include "sms/SmsDeliveryStatusAuto.h"
 #include "sms/SmsMessageAuto.h"
 
@@ -10,7 +11,7 @@
 #include <utility>
 
 template <class Interface, class Engine>
-class SmsChannelAuto : public ProtocolAuto<Interface, Engine> {
+class SmsChannelAuto : public ReceivedAuto<ProtocolAuto<Interface, Engine>> {
   public:
     STDMETHODIMP Send(VARIANT* pMessage, BSTR* pVal) noexcept override {
         return this->Output(pVal, [&](std::optional<std::string>& references) {
@@ -20,24 +21,6 @@ class SmsChannelAuto : public ProtocolAuto<Interface, Engine> {
             if (code == result::Success) code = engine_.Send(message, references.emplace());
             sent_ = std::move(message);
             return code;
-        });
-    }
-
-    STDMETHODIMP GetFirstMessage(VARIANT* pVal) noexcept override {
-        return GiveMessage(pVal, [this](CSmsMessageX& message) { return engine_.Received().First(message); });
-    }
-    STDMETHODIMP GetNextMessage(VARIANT* pVal) noexcept override {
-        return GiveMessage(pVal, [this](CSmsMessageX& message) {
-            const ResultCode code = engine_.Received().Next(message);
-            if (code == result::NoMoreMessages) WalkEnded();
-            return code;
-        });
-    }
-    STDMETHODIMP GetMessage(LONG lIndex, VARIANT* pVal) noexcept override {
-        return GiveMessage(pVal, [this, lIndex](CSmsMessageX& message) {
-            const auto index = static_cast<std::size_t>(lIndex);
-            const bool found = lIndex >= 0 && engine_.Received().ByIndex(index, message) == result::Success;
-            return found ? result::Success : result::InvalidReference;
         });
     }
 
@@ -51,18 +34,15 @@ class SmsChannelAuto : public ProtocolAuto<Interface, Engine> {
   protected:
     template <class... Arguments>
     explicit SmsChannelAuto(Arguments&&... arguments)
-        : ProtocolAuto<Interface, Engine>(std::forward<Arguments>(arguments)...) {
+        : ReceivedAuto<ProtocolAuto<Interface, Engine>>(std::forward<Arguments>(arguments)...) {
         engine_.Received().SetNotificationDecoder(MmsNotifications());
     }
-    using ProtocolAuto<Interface, Engine>::engine_;
+    using ReceivedAuto<ProtocolAuto<Interface, Engine>>::engine_;
 
     // Copies the caller's message for sending.
     virtual ResultCode Prepare(VARIANT* from, CSmsMessageX& message) {
         return CopyFromAutomation(from, message);
     }
-    // A received message is about to be given to the caller.
-    virtual void Giving(const CSmsMessageX& /*message*/) {}
-    virtual void WalkEnded() {}
     // How this channel writes the time at which a status became final.
     virtual std::string CompletedTimeText(std::int32_t seconds) {
         return std::string(TimeText(engine_.GetClock(), seconds));
@@ -83,16 +63,4 @@ class SmsChannelAuto : public ProtocolAuto<Interface, Engine> {
 
   private:
     CSmsMessageX sent_;  // the last, kept for its memory; a Send within a Send finds it empty
-
-    template <class Read>
-    HRESULT GiveMessage(VARIANT* pVal, Read read) noexcept {
-        return this->Output(pVal, [&](ComPointer<IDispatch>& object) {
-            CSmsMessageX message;
-            const ResultCode code = read(message);
-            if (code != result::Success) return code;
-            Giving(message);
-            object = NewSmsMessage(message);
-            return code;
-        });
-    }
 };

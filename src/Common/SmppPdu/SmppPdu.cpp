@@ -2,6 +2,7 @@
 
 #include "Common/SmppPdu/TLVTags.h"
 #include "foundation/Assertion.h"
+#include "foundation/HexDump.h"
 
 #include <array>
 #include <cctype>
@@ -167,20 +168,6 @@ void CSmppPdu::DecodeTlvs() {
 
 // --- dumps
 
-void DumpOctets(std::string& text, std::span<const std::uint8_t> octets) {
-    for (std::size_t at = 0; at < octets.size(); at += 16) {
-        const auto line = octets.subspan(at, std::min<std::size_t>(16, octets.size() - at));
-        Append(text, "%04X  ", static_cast<unsigned>(at));
-        for (std::size_t i = 0; i < 16; ++i) {
-            i < line.size() ? Append(text, "%02X ", line[i]) : Append(text, "   ");
-        }
-        text += "  ";
-        for (const std::uint8_t octet : line)
-            text += octet >= 0x20 && octet < 0x7F ? static_cast<char>(octet) : '.';
-        text += '\n';
-    }
-}
-
 void CSmppPdu::DumpHead(std::string& text) const {
     if ((dumpFlags_ & kDumpHeader) == 0) return;
     Append(text, "PDU Length             : 0x%08X\n", command_length);
@@ -220,7 +207,7 @@ void CSmppPdu::DumpTail(std::string& text) const {
     }
     if ((dumpFlags_ & kDumpHex) != 0) {
         text += "\nPDU HEX Dump:\n\n";
-        DumpOctets(text, Data());
+        DumpOctets(text, {reinterpret_cast<const char*>(Data().data()), Data().size()});
     }
 }
 
@@ -245,5 +232,5 @@ void CSmppPdu::Dumper::ShortMessage(const std::string& text, std::uint8_t esmCla
         octets = octets.subspan(1 + header);
     }
     *text_ += "Short Message Data     :\n\n";
-    DumpOctets(*text_, octets);
+    DumpOctets(*text_, {reinterpret_cast<const char*>(octets.data()), octets.size()});
 }

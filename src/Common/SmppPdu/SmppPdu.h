@@ -164,6 +164,3 @@ class TypedPdu : public CSmppPdu, public Body {
         DumpTail(text);
     }
 };
-
-// Dumps octets 16 a line, with their offset and characters.
-void DumpOctets(std::string& text, std::span<const std::uint8_t> octets);

@@ -11,8 +11,11 @@ inline constexpr std::uint8_t kContentTypeCode = 0xBE;  // the same as a well-kn
 
 namespace type {
 inline constexpr std::uint8_t kSendReq = 0x80;
+inline constexpr std::uint8_t kSendConf = 0x81;
 inline constexpr std::uint8_t kNotificationInd = 0x82;
+inline constexpr std::uint8_t kNotifyRespInd = 0x83;
 inline constexpr std::uint8_t kRetrieveConf = 0x84;
+inline constexpr std::uint8_t kAcknowledgeInd = 0x85;
 inline constexpr std::uint8_t kDeliveryInd = 0x86;
 }  // namespace type
 

@@ -33,7 +33,7 @@ enum Scheme : std::uint32_t {
 };
 
 // What is asked of a response.
-enum class Header { kStatusText, kVersion, kServer, kProxy, kLocation };
+enum class Header { kStatusText, kVersion, kServer, kProxy, kLocation, kContentType };
 
 struct Account {
     std::string name;

@@ -46,15 +46,15 @@ class WinHttp {
     static constexpr const char* kName = "winhttp.dll";
     DWORD error = ERROR_SUCCESS;  // why the library cannot be used
 
-#define WINHTTP_FUNCTIONS(X)                                                                          \
-    X(WinHttpOpen)                                                                                    \
-    X(WinHttpConnect)                                                                                 \
-    X(WinHttpOpenRequest)                                                                             \
-    X(WinHttpSetCredentials)                                                                          \
-    X(WinHttpSendRequest)                                                                             \
-    X(WinHttpWriteData) X(WinHttpReceiveResponse) X(WinHttpQueryHeaders) X(WinHttpQueryDataAvailable) \
-        X(WinHttpReadData) X(WinHttpQueryAuthSchemes) X(WinHttpSetOption) X(WinHttpSetTimeouts)       \
-            X(WinHttpCloseHandle)
+#define WINHTTP_FUNCTIONS(X)                                                                         \
+    X(WinHttpOpen)                                                                                   \
+    X(WinHttpConnect)                                                                                \
+    X(WinHttpOpenRequest)                                                                            \
+    X(WinHttpSetCredentials)                                                                         \
+    X(WinHttpSendRequest)                                                                            \
+    X(WinHttpWriteData)                                                                              \
+    X(WinHttpReceiveResponse) X(WinHttpQueryHeaders) X(WinHttpQueryDataAvailable) X(WinHttpReadData) \
+        X(WinHttpQueryAuthSchemes) X(WinHttpSetOption) X(WinHttpSetTimeouts) X(WinHttpCloseHandle)
 #define WINHTTP_POINTER(name) decltype(&::name) name = nullptr;
     WINHTTP_FUNCTIONS(WINHTTP_POINTER)
     WINHTTP_POINTER(WinHttpSetStatusCallback)  // may be missing: tells what is wrong with a certificate
@@ -127,7 +127,7 @@ std::uint32_t LastError() {
 std::uint32_t Result(BOOL done) { return done ? http::kOk : LastError(); }
 
 constexpr DWORD kPiece = 64 * 1024;  // octets of a body that are handed over at once
-constexpr std::size_t kHeaders = 5;  // kinds of http::Header
+constexpr std::size_t kHeaders = 6;  // kinds of http::Header
 
 // Where an exchange is: what waits for the server now.
 enum class Phase { kSending, kReceiving, kReading, kDone };
@@ -292,9 +292,9 @@ class Session {
         response.statusError = Result(winHttp_.WinHttpQueryHeaders(
             request.get(), WINHTTP_QUERY_STATUS_CODE | WINHTTP_QUERY_FLAG_NUMBER,
             WINHTTP_HEADER_NAME_BY_INDEX, &response.status, &size, WINHTTP_NO_HEADER_INDEX));
-        static constexpr std::array<DWORD, kHeaders> kQueries{WINHTTP_QUERY_STATUS_TEXT,
-                                                              WINHTTP_QUERY_VERSION, WINHTTP_QUERY_SERVER,
-                                                              WINHTTP_QUERY_VIA, WINHTTP_QUERY_LOCATION};
+        static constexpr std::array<DWORD, kHeaders> kQueries{
+            WINHTTP_QUERY_STATUS_TEXT, WINHTTP_QUERY_VERSION,  WINHTTP_QUERY_SERVER,
+            WINHTTP_QUERY_VIA,         WINHTTP_QUERY_LOCATION, WINHTTP_QUERY_CONTENT_TYPE};
         for (std::size_t i = 0; i < kHeaders; ++i) response.values[i] = ReadHeader(kQueries[i]);
         if (response.status != HTTP_STATUS_DENIED && response.status != HTTP_STATUS_PROXY_AUTH_REQ) return;
         DWORD first = 0;

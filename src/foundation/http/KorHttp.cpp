@@ -216,6 +216,7 @@ ResultCode CKorHttp::ReadHeaders() {
     ReadHeader(http::Header::kVersion, reply_.version, "HTTP REMOTE VERSION : %s\n");
     ReadHeader(http::Header::kProxy, reply_.proxy, "HTTP PROXY SERVER   : %s\n");
     ReadHeader(http::Header::kStatusText, reply_.statusText, "HTTP RESPONSE TEXT  : %s\n");
+    ReadHeader(http::Header::kContentType, reply_.contentType, nullptr);
     Log(logmask::kVerbatim, "HTTP RESPONSE CODE  : %ld\n", static_cast<long>(reply_.status));
     return result::Success;
 }

@@ -34,6 +34,7 @@ struct HttpReply {
     std::string server;
     std::string proxy;     // as the proxy identifies itself
     std::string location;  // where a redirect led
+    std::string contentType;
     std::string body;
 };
 
