@@ -229,7 +229,7 @@ def code_table(text, known, file):
                     raise Incomplete(f"{file}: {code} is in no list of result codes")
                 texts.append(known[int(code)])
             shown.append(" to ".join(f"[{code}](result-codes.md#{code})" for code in (first, last) if code))
-        official = cell(texts[0]) if len(texts) == 1 else ""
+        official = "; ".join(cell(text) for text in texts) if " to " not in match[1] else ""
         return f"| {', '.join(shown)} | {official} | {match[2]} |"
 
     lines, in_table = [], False
@@ -253,7 +253,9 @@ def page_of(cls, words, prog_id, library, known):
            "| Threading | Apartment ([apartments and threads](../threads.md)) |\n"]
     properties = [member for member in cls.members.values() if not member.is_method]
     named = [member for member in properties if member.name not in constants]
-    out += ["## Properties\n", "| property | dispid | type | access | default | meaning |", "|---|---|---|---|---|---|"]
+    out.append("## Properties\n")
+    if named:
+        out += ["| property | dispid | type | access | default | meaning |", "|---|---|---|---|---|---|"]
     for member in named:
         default, meaning = words.properties[member.name]
         text = ". ".join(filter(None, [cell(member.help), meaning]))
@@ -261,11 +263,11 @@ def page_of(cls, words, prog_id, library, known):
         out.append(f'| <a id="{member.name.lower()}"></a>`{member.name}` | {member.dispid} | {TYPES[member.type]} | '
                    f"{', '.join(member.access)}{hidden} | {f'`{default}`' if default else ''} | {text} |")
     if len(named) < len(properties):
-        out += ["", f"Further {len(properties) - len(named)} properties, all numbers that are only read, have the names and "
-                "the values of the [constants](constants.md): " +
+        out += ["", f"{len(properties) - len(named)} numbers that are only read have the names and the values of the [constants](constants.md): " +
                 ", ".join(f"`{member.name}` ({member.dispid})" for member in properties if member.name in constants) + "."]
     methods = [member for member in cls.members.values() if member.is_method]
-    out.append("\n## Methods\n")
+    if methods:
+        out.append("\n## Methods\n")
     for member in methods:
         out += [f"### {member.name}\n", f"`{member.signature()}` (dispid {member.dispid})\n", cell(member.help) + ".\n",
                 code_table(words.sections[member.name], known, words.file) + "\n"]
@@ -281,11 +283,11 @@ def constants_page(library):
            "[SmsConstants](SmsConstants.md) or [MmsConstants](MmsConstants.md), for those that do not.\n",
            "```vbscript run\nSet constants = CreateObject(\"Quorvane.SmsConstants\")\n"
            "WScript.Echo constants.asMESSAGEFORMAT_UNICODE_MULTIPART ' prints: 22\n```\n"]
-    held = {name: {member for member in cls.members} for cls in library.classes
-            for name in [cls.name] if name.endswith("Constants")}
+    held = {cls.name: cls.members for cls in library.classes if cls.name.endswith("Constants")}
     for name, text, rows in library.enums:
         out += [f"## {name}\n", f"{text}.\n", "| constant | value | meaning | class |", "|---|---|---|---|"]
-        for constant, value, meaning in rows:
+        for constant, value, _ in rows:
+            meaning = next(members[constant].help for members in held.values() if constant in members)
             classes = ", ".join(f"[{holder}]({holder}.md)" for holder, members in held.items() if constant in members)
             out.append(f"| `{constant}` | {value} | {cell(meaning)} | {classes} |")
         out.append("")

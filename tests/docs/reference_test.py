@@ -1,0 +1,55 @@
+"""The pages of docs/reference are those that the type library and the words beside each IDL give."""
+import pathlib
+import sys
+import tempfile
+import unittest
+from unittest import mock
+
+from markdown import ROOT
+
+sys.path.insert(0, str(ROOT / "scripts"))
+import reference  # noqa: E402
+
+
+class Pages(unittest.TestCase):
+    def test_are_not_stale(self):
+        try:
+            pages = reference.make_pages()
+        except reference.Incomplete as error:
+            self.fail(str(error))
+        self.assertEqual(reference.stale(pages), [], "scripts/reference.py writes these pages of docs/reference anew")
+
+    def incomplete(self, words, *, class_row=""):
+        """What is said of a library of one class with these words beside its IDL."""
+        listing = ("library\t{0}\t5.3\ninterface\tIThing\t{1}\tA thing\nmember\t101\tget\tSize\tLONG\t\tOctets\n"
+                   "member\t201\tmethod\tSend\tvoid\t\tSends\tin LONG lWhat\ncoclass\tThing\t{2}\tThing Class\tIThing\n")
+        with tempfile.TemporaryDirectory() as name:
+            root = pathlib.Path(name)
+            for file, text in {"tests/golden/reference.tsv": listing, "src/frame/CommonMembers.md": "",
+                               "src/frame/ClassTable.inc": 'CREATABLE(Thing, "Quorvane.Thing", "Thing Class", 2)\n',
+                               "src/foundation/ErrorTexts.inc": 'RESULT(0, Success, "Success")\n', "src/thing/Thing.idl": "",
+                               "src/thing/Thing.md": words}.items():
+                (root / file).parent.mkdir(parents=True, exist_ok=True)
+                if text is not None:
+                    (root / file).write_text(text)
+            with mock.patch.multiple(reference, ROOT=root, SOURCES=root / "src", LISTING=root / "tests/golden/reference.tsv",
+                                     COMMON=root / "src/frame/CommonMembers.md"):
+                with self.assertRaises(reference.Incomplete) as caught:
+                    reference.make_pages()
+        return str(caught.exception)
+
+    def test_a_class_without_its_words_is_named(self):
+        intro = "A thing.\n\n```vbscript\nx\n```\n\n"
+        rows = "## Properties\n| property | default | meaning |\n|---|---|---|\n| `Size` | 0 | |\n"
+        for words, said in [(None, "Thing has no Thing.md beside Thing.idl"),
+                            (intro + rows, "src/thing/Thing.md has no section for the method Send"),
+                            (intro + "## Send\nIt.\n", "src/thing/Thing.md has no row for the property Size"),
+                            (intro + rows + "| `Old` | 0 | |\n## Send\n", "has a row for Old, which Thing does not have"),
+                            (intro + rows + "## Send\n- 12345: never\n", "12345 is in no list of result codes"),
+                            ("A thing.\n" + rows + "## Send\n", "src/thing/Thing.md has no example")]:
+            with self.subTest(said):
+                self.assertIn(said, self.incomplete(words))
+
+
+if __name__ == "__main__":
+    unittest.main()
