@@ -298,7 +298,8 @@ def codes_page(groups, givers):
     out = [MADE.format("src/foundation/ErrorTexts.inc and beside each class's IDL"), "# Result codes\n",
            "`LastError` of an object is the code of its last method call; `GetErrorDescription` of any object gives the text "
            "of any code, \"Generic Error\" for every number that is not below. The spelling of the texts is part of them. "
-           "[Troubleshooting](../troubleshooting.md) goes by symptom.\n"]
+           "Besides the codes of its own, any method can give [1040](#1040) when there is no memory, and [1100](#1100) for a fault of "
+           "the component, which the log then tells. [Troubleshooting](../troubleshooting.md) goes by symptom.\n"]
     for heading, rows in groups:
         out += [f"## {heading}\n", "| code | text | given by |", "|---|---|---|"]
         out += [f'| <a id="{code}"></a>{code} | {cell(text)} | {", ".join(givers.get(code, []))} |' for code, text in rows]

@@ -1,5 +1,6 @@
 """The pages of docs/reference are those that the type library and the words beside each IDL give."""
 import pathlib
+import re
 import sys
 import tempfile
 import unittest
@@ -10,6 +11,9 @@ from markdown import ROOT
 sys.path.insert(0, str(ROOT / "scripts"))
 import reference  # noqa: E402
 
+# Success, what any method can give, and what does not leave the serial line.
+NOBODYS = {0, 1100, 30103, 30114, 30115}
+
 
 class Pages(unittest.TestCase):
     def test_are_not_stale(self):
@@ -18,6 +22,16 @@ class Pages(unittest.TestCase):
         except reference.Incomplete as error:
             self.fail(str(error))
         self.assertEqual(reference.stale(pages), [], "scripts/reference.py writes these pages of docs/reference anew")
+
+    def test_every_code_of_the_code_is_told_and_no_other(self):
+        rows = re.findall(r"^(?:RESULT|CODE)\((\d+), (\w+)", (reference.SOURCES / "foundation/ErrorTexts.inc").read_text(), re.M)
+        numbers = {name: int(code) for code, name in rows}
+        used = {numbers[name] for path in reference.SOURCES.rglob("*") if path.suffix in (".cpp", ".h")
+                for name in re.findall(r"\bresult::(\w+)", path.read_text(encoding="utf-8")) if name in numbers}
+        told = {int(code) for page in reference.make_pages().items() if page[0][0].isupper() and page[0] != "README.md"
+                for code in re.findall(r"result-codes\.md#(\d+)", page[1])}
+        self.assertEqual(sorted(used - told - NOBODYS), [], "no page tells when these codes come")
+        self.assertEqual(sorted((told & set(numbers.values())) - used), [], "nothing gives these codes")
 
     def incomplete(self, words, *, class_row=""):
         """What is said of a library of one class with these words beside its IDL."""
