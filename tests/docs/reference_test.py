@@ -28,8 +28,10 @@ class Pages(unittest.TestCase):
         numbers = {name: int(code) for code, name in rows}
         used = {numbers[name] for path in reference.SOURCES.rglob("*") if path.suffix in (".cpp", ".h")
                 for name in re.findall(r"\bresult::(\w+)", path.read_text(encoding="utf-8")) if name in numbers}
-        told = {int(code) for page in reference.make_pages().items() if page[0][0].isupper() and page[0] != "README.md"
-                for code in re.findall(r"result-codes\.md#(\d+)", page[1])}
+        common = reference.read_words(reference.COMMON)
+        known = {code for _, codes in reference.error_texts() for code, _ in codes}
+        told = {code for cls in reference.read_listing().classes
+                for text in reference.words_of(cls, common).sections.values() for code in reference.codes_of(text, known)}
         self.assertEqual(sorted(used - told - NOBODYS), [], "no page tells when these codes come")
         self.assertEqual(sorted((told & set(numbers.values())) - used), [], "nothing gives these codes")
 
