@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Builds both ways and runs every test. --full adds clang-tidy, longer fuzzing and the benchmarks.
 set -eu
+case ${1:-} in -h | --help) sed -n '2,/^set/s/^# \{0,1\}//p' "$0"; exit ;; esac
 cd "$(dirname "$0")"
 full=${1:-}
 if [ "$full" = --full ]; then scripts/install.sh full; else scripts/install.sh test; fi

@@ -1,24 +1,34 @@
 #!/usr/bin/env python3
-"""The main job, against the lab's counterparts: starts them, runs the demo scripts under Wine and shows both sides."""
-import dataclasses
-import sys
+"""The main job, against the lab's counterparts: starts them, runs the demo scripts under Wine and shows both sides.
 
+    ./demo.sh              every channel
+    ./demo.sh gsm mm1      these channels
+    ./demo.sh --lab        no scripts: every counterpart at once, for scripts of your own
+"""
+import argparse
+import dataclasses
+import re
+import sys
+import time
+
+import together
 from base import wine
 from base.launch import LAB, Counterpart
 from base.wine import PREFIX, ROOT, windows_path
+from channels import CHANNELS
 
 WORK = ROOT / "build/demo"
 
 
 def play(script, *arguments):
-    """The exit code of a script, which is a failure unless "Done" is the last that it prints."""
+    """The exit code of a script, which is a failure unless "Done" is the last that it prints, and what it printed."""
     code, output = wine.script(script, *arguments)
     done = output.endswith("Done\n")
     print(output.removesuffix("Done\n") if done else output, end="")
     if code == 0 and not done:
         print(f"{script.name} stopped at an error that cscript does not print")
-        return 1
-    return code
+        return 1, output
+    return code, output
 
 
 def show(title, file, indent="    "):
@@ -29,65 +39,67 @@ def show(title, file, indent="    "):
 
 
 @dataclasses.dataclass
-class Channel:
-    """A counterpart, and the script that meets it: cscript demo_NAME.vbs ADDRESS [KIND] LOG [ACTIVITY]."""
-    title: str
-    name: str
-    program: str
-    options: tuple
-    says: str               # above what the counterpart printed
-    com: int = 0            # the COM port it is linked to; 0 = it has a TCP port
-    kind: tuple = ()        # what else the script is told
-    activity: bool = False  # whether it writes an activity file
-    shows_log: bool = True
+class Shown:
+    """What a script did, by the lines that it printed: "Sent ...", "Received ...", "Report ...: STATE, ...", "... failed: CODE TEXT"."""
+    channel: str
+    code: int
+    output: str
+    seconds: float
 
-    def run(self):
-        print(f"{self.title}\n{'-' * len(self.title)}")
-        stem = "_".join((self.name, *self.kind))
-        log, activity = WORK / f"{stem}.log", WORK / f"{stem}.ini"
-        line = ("--link", PREFIX / f"dosdevices/com{self.com}") if self.com else ("--port", "0")
-        counterpart = Counterpart(self.program, WORK, *line, *self.options)
-        address = f"COM{self.com}" if self.com else counterpart.port
-        files = [windows_path(file) for file in (log, activity)[:2 if self.activity else 1]]
-        try:
-            code = play(LAB / f"demo_{self.name}.vbs", address, *self.kind, *files)
-        finally:
+    def row(self):
+        reports = re.findall(r"^ *Report [^:]*: ([^,\n]*)", self.output, re.M)
+        failure = re.search(r"failed: (.*)", self.output)
+        result = failure[1] if failure else "Success" if self.code == 0 else "stopped"
+        return [self.channel, str(self.count("Sent")), str(self.count("Received")), ", ".join(dict.fromkeys(reports)) or "-",
+                f"{self.seconds:.1f} s", result]
+
+    def count(self, word):
+        return len(re.findall(rf"^ *{word} ", self.output, re.M))
+
+
+def present(channel):
+    """Shows one channel."""
+    print(f"{channel.title}\n{'-' * len(channel.title)}")
+    log, activity = WORK / f"{channel.name}.log", WORK / f"{channel.name}.ini"
+    addresses, counterparts = [], []
+    files = [windows_path(file) for file in (log, activity)[:2 if channel.activity else 1]]
+    begin = time.monotonic()
+    try:
+        for peer in channel.peers:
+            line = ("--link", PREFIX / f"dosdevices/com{peer.com}") if peer.com else ("--port", "0")
+            counterparts.append(Counterpart(peer.program, WORK, *line, *peer.options_after(addresses)))
+            addresses.append(f"COM{peer.com}" if peer.com else counterparts[-1].port)
+        code, output = play(LAB / f"demo_{channel.script or channel.name}.vbs", *addresses, *channel.kind, *files)
+    finally:
+        for counterpart in counterparts:
             counterpart.close()
-        show(self.says, counterpart.log)
-        if self.shows_log:
-            show("Log file:", log)
-        else:
-            print(f"\nLog file: {log.relative_to(ROOT)}")
-        if self.activity:
-            show("Activity file:", activity)
-        print()
-        return code
+    seconds = time.monotonic() - begin
+    for peer, counterpart in zip(channel.peers, counterparts):
+        show(peer.says, counterpart.log)
+    if channel.shows_log:
+        show("Log file:", log)
+    else:
+        print(f"\nLog file: {log.relative_to(ROOT)}")
+    if channel.activity:
+        show("Activity file:", activity)
+    print()
+    return Shown(channel.name, code, output, seconds)
 
 
-HELLO = "Hello from the first phone"
-CHANNELS = [
-    Channel("SMS through a GSM modem on COM5", "gsm", "modem.py",
-            ("--message", f"text SM +31611111111 {HELLO}", "--message",
-             "parts SM +31622222222 2,3,1 This message came in three parts, the second one first"),
-            "The modem saw:", com=5, activity=True),
-    Channel("SMS through an SMPP server", "smpp", "smsc.py",
-            ("--deliver", f"+31611111111 {HELLO}", "--deliver", "parts:2,1 +31622222222 This message came in two parts"),
-            "The server saw:", shows_log=False),
-    Channel("SMS through an HTTP gateway", "http", "gateway.py", ("--account", "demo:secret"), "The gateway saw:",
-            shows_log=False),
-    Channel("A page through a paging server", "pager", "pager.py", ("--password", "secret"), "The server saw:"),
-] + [
-    Channel(f"A message through a dialled provider, over {kind}", "dialup", "modem.py",
-            ("--provider", kind.lower(), "--provider-password", "secret"), "The provider saw:", com=6, kind=(kind,))
-    for kind in ("UCP", "TAP")
-]
-
-
-def main():
+def main(arguments=None):
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    together.add_arguments(parser)
+    parser.add_argument("--lab", action="store_true", help="only start the counterparts, and show what they see")
+    options = together.parse(parser, arguments)
+    if options.lab:
+        together.main(options.channels)
+        return 0
     WORK.mkdir(parents=True, exist_ok=True)
     for old in WORK.iterdir():
         old.unlink()
-    return next((code for channel in CHANNELS if (code := channel.run()) != 0), 0)
+    shown = [present(channel) for channel in CHANNELS if channel.name in options.channels]
+    print(together.table(["channel", "sent", "received", "report", "time", "result"], [one.row() for one in shown]))
+    return next((one.code for one in shown if one.code != 0), 0)
 
 
 if __name__ == "__main__":

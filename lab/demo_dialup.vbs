@@ -19,5 +19,5 @@ If dialup.LastError <> 0 Then
     WScript.Echo "Send failed: " & dialup.LastError & " " & dialup.GetErrorDescription(dialup.LastError)
     WScript.Quit 1
 End If
-WScript.Echo "Sent, the provider answered: " & dialup.ProviderResponse
+WScript.Echo "Sent a message, the provider answered: " & dialup.ProviderResponse
 WScript.Echo "Done"

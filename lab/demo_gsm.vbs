@@ -36,7 +36,7 @@ WScript.Echo "Receiving: " & gsm.Receive() & " messages"
 Check "Receive"
 Set message = gsm.GetFirstMessage()
 While gsm.LastError = 0
-    WScript.Echo "  " & message.Time & " from " & message.Sender & ": " & message.Data
+    WScript.Echo "  Received from " & message.Sender & ", " & message.Time & ": " & message.Data
     Set message = gsm.GetNextMessage()
 Wend
 

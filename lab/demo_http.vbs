@@ -21,5 +21,5 @@ If gateway.LastError <> 0 Then
     WScript.Echo "Send failed: " & gateway.LastError & " " & gateway.GetErrorDescription(gateway.LastError)
     WScript.Quit 1
 End If
-WScript.Echo "Sent, the gateway answered: " & Replace(gateway.ProviderResponse, vbCrLf, "")
+WScript.Echo "Sent an SMS, the gateway answered: " & Replace(gateway.ProviderResponse, vbCrLf, "")
 WScript.Echo "Done"

@@ -16,5 +16,5 @@ If pager.LastError <> 0 Then
     WScript.Echo "Send failed: " & pager.LastError & " " & pager.GetErrorDescription(pager.LastError)
     WScript.Quit 1
 End If
-WScript.Echo "Sent, the server answered: " & pager.ProviderResponse
+WScript.Echo "Sent a page, the server answered: " & pager.ProviderResponse
 WScript.Echo "Done"

@@ -21,11 +21,12 @@ For i = 1 To 2
     If i = 1 Then message.Data = "Hello over SMPP" Else message.Data = String(200, "y")
     reference = smpp.Send(message)
     Set status = smpp.QueryStatus(reference, True)
-    WScript.Echo "Sent " & reference & ": " & status.StatusDescription & ", " & status.StatusCompletedTime
+    WScript.Echo "Sent an SMS, reference " & reference
+    WScript.Echo "  Report of " & reference & ": " & status.StatusDescription & ", " & status.StatusCompletedTime
 Next
 Set message = smpp.GetFirstMessage()
 While smpp.LastError = 0
-    WScript.Echo "  from " & message.Sender & ": " & message.Data
+    WScript.Echo "  Received from " & message.Sender & ": " & message.Data
     Set message = smpp.GetNextMessage()
 Wend
 smpp.Disconnect

@@ -20,7 +20,7 @@ scenario file:
     [{"match": "%s", "nth": [2], "do": "delay", "ms": 500}]
   `match` is the beginning of the event's name (every event when missing; "connect" is the beginning of a connection),
   `nth` the occurrences, counted over the whole run, that it fits (all when missing), `do` one of those below. `text` is a
-  line, CRLF is added; `hex` is octets as they are.
+  line, CRLF is added; `hex` is octets as they are. A file that is changed meanwhile is read again at the next event.
 
 """
 
@@ -31,7 +31,8 @@ class Program:
 
     def __init__(self, options):
         self.options = options
-        self.scenario = Scenario.load(options.scenario, self.own_actions) if options.scenario else Scenario()
+        self._rules = Scenario.load(options.scenario, self.own_actions) if options.scenario else Scenario()
+        self._rules_of = self._scenario_time()
         self.ended = asyncio.Event()
 
     # --- what a counterpart supplies
@@ -48,6 +49,24 @@ class Program:
         """Takes away what must not stay behind."""
 
     # --- what it gets
+
+    @property
+    def scenario(self):
+        """The rules of the scenario, read again when their file has changed. Wrong ones are said, and the old ones stay."""
+        if (now := self._scenario_time()) != self._rules_of:
+            self._rules_of = now
+            try:
+                self._rules = Scenario.load(self.options.scenario, self.own_actions)
+                self.say(f"new scenario, rules: {len(self._rules.rules)}")
+            except Refused as fault:
+                self.say(str(fault))
+        return self._rules
+
+    def _scenario_time(self):
+        try:
+            return os.stat(self.options.scenario).st_mtime_ns if self.options.scenario else 0
+        except OSError:
+            return 0
 
     def say(self, text):
         if not self.options.quiet:

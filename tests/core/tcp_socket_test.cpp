@@ -8,6 +8,7 @@
 #include <array>
 #include <deque>
 #include <functional>
+#include <future>
 #include <gtest/gtest.h>
 
 namespace {
@@ -157,6 +158,22 @@ TEST_F(TcpSocket, WithoutConnectionEveryOperationSaysSo) {
     peer.StopListening();
     EXPECT_EQ(socket.Connect("127.0.0.1", peer.Port(), kNever), tcp::kSuccess);
     EXPECT_GT(socket.Receive(buffer.data(), buffer.size(), received), 0);
+}
+
+// A name server that does not answer, until the test lets it; and one whose answer comes when it is wanted.
+TEST_F(TcpSocket, ANameCostsNoMoreThanTheTimeOfTheConnect) {
+    std::promise<HostAddress> late;
+    CKorTcpSocket stalled(clock, [answer = late.get_future().share()](const std::string& host) {
+        EXPECT_EQ(host, "stalled.example");
+        return answer.get();
+    });
+    const std::uint32_t begin = clock.Ticks();
+    EXPECT_EQ(stalled.Connect("stalled.example", 1, 20), tcp::kConnectTimedOut);
+    EXPECT_EQ(clock.Ticks() - begin, 20U);
+    EXPECT_FALSE(stalled.IsConnected());
+    late.set_value({0, 0x0100007F, "127.0.0.1"});
+    EXPECT_EQ(stalled.Connect("stalled.example", peer.Port(), kNever), tcp::kSuccess);
+    EXPECT_EQ(stalled.PeerAddress(), "127.0.0.1:" + std::to_string(peer.Port()));
 }
 
 TEST_F(TcpSocket, SendsNothingAsSuccess) {

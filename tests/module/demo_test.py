@@ -41,7 +41,7 @@ class Scripts(unittest.TestCase):
             script = path / "part.vbs"
             script.write_text(text, encoding="utf-8")
             with contextlib.redirect_stdout(io.StringIO()) as shown:
-                return demo.play(script), shown.getvalue()
+                return demo.play(script)[0], shown.getvalue()
 
     def test_only_the_end_is_success(self):
         stopped = "part.vbs stopped at an error that cscript does not print\n"

@@ -1,5 +1,7 @@
 #include "foundation/net/KorTcpSocket.h"
 
+#include <chrono>
+
 int CKorTcpSocket::Connect(const std::string& host, std::uint16_t port, std::uint32_t timeout) {
     if (IsConnected()) return tcp::kSuccess;
     if (!started_) {
@@ -12,11 +14,17 @@ int CKorTcpSocket::Connect(const std::string& host, std::uint16_t port, std::uin
     };
     socket_ = net::Create();
     if (socket_ == net::kInvalid) return fail(tcp::kConnectTimedOut);
-    std::uint32_t address = 0;
-    std::string text;
-    if (const int error = net::Resolve(host, address, text); error != 0) return fail(error);
-    if (const int error = Reach(address, port, timeout); error != tcp::kSuccess) return fail(error);
-    peer_ = text + ":" + std::to_string(port);
+    const Timer timer(GetClock(), timeout);
+    const NameLookup lookup(host, platformLookup_);
+    // One wait by the wall, so that an answer is never late, one by the clock that the time-out goes by.
+    if (!Await(timeout, [&lookup] { return lookup.EndsWithin(std::chrono::milliseconds(1)); })) {
+        return fail(tcp::kConnectTimedOut);
+    }
+    const HostAddress& found = lookup.Found();
+    if (found.error != 0) return fail(found.error);
+    if (const int error = Reach(found.address, port, timer.Remaining()); error != tcp::kSuccess)
+        return fail(error);
+    peer_ = found.text + ":" + std::to_string(port);
     state_ = State::kConnected;
     return tcp::kSuccess;
 }

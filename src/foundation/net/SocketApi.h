@@ -1,5 +1,6 @@
 // The few operations of the machine's sockets that the TCP client is made of; none of them waits, but for the
-// look-up of a name. Error numbers are those of Windows Sockets on every platform.
+// look-up of a name (NameLookup gives it a thread). Error numbers are those of Windows Sockets on every
+// platform.
 #pragma once
 #include <cstdint>
 #include <string>
