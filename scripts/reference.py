@@ -196,18 +196,17 @@ def check_words(cls, words, constants):
 CODE_LINE = re.compile(r"^- (-?\d+(?:(?:, | to )-?\d+)*): (.*(?:\n  .*)*)$", re.M)
 
 
-def codes_in(expression):
-    """"33070, 33071" and "30201 to 30204" as codes."""
+def codes_in(expression, known):
+    """The codes of "33070, 33071" and "30201 to 30204" as numbers."""
     for piece in expression.split(", "):
         first, _, last = piece.partition(" to ")
-        yield first, last or None
+        yield from (code for code in sorted(known) if int(first) <= code <= int(last)) if last else [int(first)]
 
 
 def codes_of(text, known):
-    """The codes that a section tells, as numbers."""
+    """The codes that a section tells."""
     for match in CODE_LINE.finditer(text):
-        for first, last in codes_in(match[1]):
-            yield from (code for code in sorted(known) if int(first) <= code <= int(last or first))
+        yield from codes_in(match[1], known)
 
 
 # --- pages
@@ -220,17 +219,12 @@ def cell(text):
 def code_table(text, known, file):
     """Lists of codes become tables with the text of each code."""
     def row(match):
-        shown, texts = [], []
-        for first, last in codes_in(match[1]):
-            for code in (first, last):
-                if code is None:
-                    continue
-                if int(code) not in known:
-                    raise Incomplete(f"{file}: {code} is in no list of result codes")
-                texts.append(known[int(code)])
-            shown.append(" to ".join(f"[{code}](result-codes.md#{code})" for code in (first, last) if code))
-        official = "; ".join(cell(text) for text in texts) if " to " not in match[1] else ""
-        return f"| {', '.join(shown)} | {official} | {match[2]} |"
+        codes = list(codes_in(match[1], known))
+        for code in codes:
+            if code not in known:
+                raise Incomplete(f"{file}: {code} is in no list of result codes")
+        shown = "<br>".join(f"[{code}](result-codes.md#{code})" for code in codes)
+        return f"| {shown} | {'<br>'.join(cell(known[code]) for code in codes)} | {match[2]} |"
 
     lines, in_table = [], False
     for line in CODE_LINE.sub(lambda match: row(match).replace("\n ", ""), text).split("\n"):
