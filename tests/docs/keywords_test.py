@@ -17,8 +17,9 @@ def keywords_of(source):
 class Keywords(unittest.TestCase):
     def test_are_documented(self):
         in_code = set()
-        for path in (ROOT / "src").rglob("*.cpp"):
-            in_code |= keywords_of(path.read_text(encoding="utf-8"))
+        for path in (ROOT / "src").rglob("*"):
+            if path.suffix in (".cpp", ".h"):
+                in_code |= keywords_of(path.read_text(encoding="utf-8"))
         page = (ROOT / "docs/advanced-settings.md").read_text(encoding="utf-8")
         self.assertEqual(set(re.findall(r"^\| `(\w+)`", page, re.M)), in_code)
 

@@ -11,8 +11,10 @@ from markdown import ROOT
 sys.path.insert(0, str(ROOT / "scripts"))
 import reference  # noqa: E402
 
-# Success, what any method can give, and what does not leave the serial line.
-NOBODYS = {0, 1100, 30103, 30114, 30115}
+# Success, what any method can give, and what does not leave the serial line and the dial-up connection.
+NOBODYS = {0, 1100, 22026, 30103, 30114, 30115}
+# Found by adding a status to the first of a row.
+COUNTED = {*range(33761, 33769), *range(33800, 33839)}
 
 
 class Pages(unittest.TestCase):
@@ -33,7 +35,7 @@ class Pages(unittest.TestCase):
         told = {code for cls in reference.read_listing().classes
                 for text in reference.words_of(cls, common).sections.values() for code in reference.codes_of(text, known)}
         self.assertEqual(sorted(used - told - NOBODYS), [], "no page tells when these codes come")
-        self.assertEqual(sorted((told & set(numbers.values())) - used), [], "nothing gives these codes")
+        self.assertEqual(sorted((told & set(numbers.values())) - used - COUNTED), [], "nothing gives these codes")
 
     def incomplete(self, words, *, class_row=""):
         """What is said of a library of one class with these words beside its IDL."""
