@@ -58,7 +58,7 @@ class CSmppSession {
     // The bind's result code, valid once the state is no longer kBinding: 33202 also when the session closed
     // before the bind was answered.
     ResultCode BindResult() const { return bindResult_; }
-    // Why the session closed by itself: 33206 after ten unanswered keep-alives, else 0.
+    // Why the session closed by itself: 33206 after ten unanswered keep-alive requests, else 0.
     ResultCode CloseCode() const { return closeCode_; }
     std::size_t InFlight() const { return inFlight_.Size(); }
     // How many more messages may go out before one is answered.

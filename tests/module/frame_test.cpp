@@ -62,15 +62,25 @@ TEST(Unloading, FollowsObjectsClassObjectsAndLocks) {
     ::FreeLibrary(module);
 }
 
-TEST(Interface, IsTheGoldenListing) {
-    std::ifstream file(std::getenv("GOLDEN_LISTING"));
+std::string Golden(const std::string& name) {
+    std::ifstream file(std::getenv("GOLDEN_LISTINGS") + ("/" + name));
     std::ostringstream golden;
     golden << file.rdbuf();
     std::string expected = golden.str();
     std::erase(expected, '\r');
-    EXPECT_EQ(ListTypeLibrary(L"NeltCtrlx64.dll"), expected)
+    return expected;
+}
+
+TEST(Interface, IsTheGoldenListing) {
+    EXPECT_EQ(ListTypeLibrary(L"NeltCtrlx64.dll"), Golden("interface.txt"))
         << "the interface never changes once it has landed; additions are appended to "
            "tests/golden/interface.txt";
+}
+
+// The pages of docs/reference are made from that listing.
+TEST(Interface, HasTheHelpTextsOfTheReference) {
+    EXPECT_EQ(ListReference(L"NeltCtrlx64.dll"), Golden("reference.tsv"))
+        << "scripts/reference.py --listing brings tests/golden/reference.tsv and the pages up to date";
 }
 
 TEST(Interface, ConstantsReadTheirValues) {

@@ -1,0 +1,50 @@
+"""Every link in the documentation leads to a file and an anchor that are there, and every document is linked."""
+import re
+import unittest
+
+from markdown import ROOT, anchors, documents, without_code
+
+LINK = re.compile(r"\[[^\]]*\]\(([^)\s]+)\)")
+
+
+def links(path):
+    for number, line in enumerate(without_code(path.read_text(encoding="utf-8")), 1):
+        for target in LINK.findall(line):
+            if not re.match(r"[a-z]+:", target):
+                yield number, target
+
+
+class Links(unittest.TestCase):
+    def test_lead_to_what_is_there(self):
+        wrong = []
+        for path in documents():
+            for number, target in links(path):
+                name, _, anchor = target.partition("#")
+                file = (path.parent / name).resolve() if name else path
+                where = f"{path.relative_to(ROOT)}:{number}: {target}"
+                if not file.exists():
+                    wrong.append(f"{where}: there is no such file")
+                elif anchor and anchor not in anchors(file.read_text(encoding="utf-8")):
+                    wrong.append(f"{where}: there is no such heading")
+        self.assertEqual(wrong, [])
+
+    def test_every_document_is_reached_from_the_readme(self):
+        reached, waiting = set(), [ROOT / "README.md"]
+        while waiting:
+            path = waiting.pop()
+            if path in reached:
+                continue
+            reached.add(path)
+            for _, target in links(path):
+                file = (path.parent / target.partition("#")[0]).resolve()
+                if file.suffix == ".md" and file.is_file():
+                    waiting.append(file)
+        self.assertEqual([str(path.relative_to(ROOT)) for path in documents() if path not in reached], [])
+
+    def test_the_reader_of_headings(self):
+        text = "# One & two\n## `AddSlide` [there](x.md)\n## Same\n## Same\n```\n# no heading\n```\n<a id=\"own\"></a>\n"
+        self.assertEqual(anchors(text), {"one--two", "addslide-there", "same", "same-1", "own"})
+
+
+if __name__ == "__main__":
+    unittest.main()

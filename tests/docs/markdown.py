@@ -1,0 +1,93 @@
+"""What the checks of the documentation share: the files of the project, and the blocks and anchors of a Markdown text."""
+import dataclasses
+import pathlib
+import re
+import subprocess
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+
+
+def tracked(*patterns):
+    """The files of the project, also those that are not committed yet."""
+    listed = subprocess.run(["git", "ls-files", "-co", "--exclude-standard", "--", *patterns], cwd=ROOT, check=True,
+                            stdout=subprocess.PIPE, text=True).stdout
+    return [path for path in (ROOT / name for name in sorted(listed.splitlines())) if path.is_file()]
+
+
+def documents():
+    """Every Markdown file that is read as such: the pieces in src/ become pages of the reference."""
+    return [path for path in tracked("*.md") if ROOT / "src" not in path.parents]
+
+
+@dataclasses.dataclass
+class Block:
+    language: str  # "" for an indented block of which nothing is known
+    is_run: bool
+    line: int
+    text: str
+
+
+SCRIPTS = {"vbscript": re.compile(r'\bCreateObject\("Quorvane'), "jscript": re.compile(r"\bnew ActiveXObject\(")}
+
+
+def blocks(text):
+    """Fenced blocks with their language, indented ones with what they look like."""
+    found, indented = [], []
+    fence = None
+    was_blank = True
+
+    def close_indented():
+        if indented:
+            code = "\n".join(line for _, line in indented)
+            language = next((name for name, sign in SCRIPTS.items() if sign.search(code)), "")
+            found.append(Block(language, False, indented[0][0], code))
+            indented.clear()
+
+    for number, line in enumerate(text.splitlines(), 1):
+        if fence is not None:
+            if line.strip() == "```":
+                found.append(Block(fence[0], fence[1], fence[2], "\n".join(fence[3])))
+                fence = None
+            else:
+                fence[3].append(line)
+        elif line.startswith("```"):
+            close_indented()
+            language, *marks = line[3:].split() or [""]
+            fence = (language, "run" in marks, number + 1, [])
+        elif line.startswith("    ") and (was_blank or indented):
+            indented.append((number, line[4:]))
+        elif not (indented and not line.strip()):
+            close_indented()
+        was_blank = not line.strip()
+    close_indented()
+    if fence is not None:
+        raise ValueError(f"line {fence[2] - 1}: a block without an end")
+    return found
+
+
+def without_code(text):
+    """The text with code left out, in as many lines."""
+    lines, fenced = [], False
+    for line in text.splitlines():
+        if line.startswith("```"):
+            fenced = not fenced
+            line = ""
+        lines.append("" if fenced or line.startswith("    ") else re.sub(r"`[^`]*`", "", line))
+    return lines
+
+
+def anchors(text):
+    """The anchors of a text, as they are made from its headings."""
+    found, fenced = set(re.findall(r'<a id="([^"]+)">', text)), False
+    for line in text.splitlines():
+        if line.startswith("```"):
+            fenced = not fenced
+        heading = None if fenced else re.match(r"#{1,6} (.*)", line)
+        if heading:
+            plain = re.sub(r"\[([^\]]*)\]\([^)]*\)", r"\1", heading[1]).lower()
+            slug = re.sub(r"[^\w\- ]", "", plain).replace(" ", "-")
+            count = 0
+            while (slug if count == 0 else f"{slug}-{count}") in found:
+                count += 1
+            found.add(slug if count == 0 else f"{slug}-{count}")
+    return found
