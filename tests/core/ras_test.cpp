@@ -320,6 +320,7 @@ TEST(Ras, TakesTheAddressOfAHost) {
                                            {"wap.example", kNone},
                                            {"10.0.0.1:8080", kNone},
                                            {"http://http://10.0.0.1", kNone},
+                                           {"http://https://10.0.0.1", kNone},
                                            {"", kNone}}) {
         Link link;
         link.script.routeCode = 87;
