@@ -18,20 +18,20 @@ using xml::Reader;
 
 // --- where the envelope is
 
-// A multipart's own part of XML; the presentation of a message is XML as well, but never the first choice.
-std::string_view EnvelopeIn(std::string_view octets) {
+bool IsXml(std::string_view text) {
     constexpr auto kStarts = std::to_array<std::string_view>({"<", "\xEF\xBB\xBF", "\xFE\xFF", "\xFF\xFE"});
-    const auto isXml = [&kStarts](std::string_view text) {
-        return std::ranges::any_of(kStarts,
-                                   [text](std::string_view start) { return Trim(text).starts_with(start); });
-    };
-    if (isXml(octets)) return Trim(octets);
+    return std::ranges::any_of(kStarts, [text = Trim(text)](auto start) { return text.starts_with(start); });
+}
+
+// Of a multipart the part that is called XML, else the first that looks so.
+std::string EnvelopeIn(std::string_view octets) {
     const auto parts = mime::ReadMultipart(octets);
-    const auto named = std::ranges::find_if(
-        parts, [](const mime::ReadPart& part) { return ContainsNoCase(part.Header("Content-Type"), "xml"); });
-    if (named != parts.end()) return named->content;
-    const auto looks = std::ranges::find_if(parts, isXml, &mime::ReadPart::content);
-    return looks != parts.end() ? looks->content : octets;
+    const auto isNamed = [](const mime::ReadPart& part) {
+        return ContainsNoCase(part.Header("Content-Type"), "xml");
+    };
+    auto found = std::ranges::find_if(parts, isNamed);
+    if (found == parts.end()) found = std::ranges::find_if(parts, IsXml, &mime::ReadPart::content);
+    return found != parts.end() ? std::string(Trim(found->Decoded())) : std::string();
 }
 
 // --- what it says
@@ -136,7 +136,11 @@ constexpr auto kThousands = std::to_array<Thousand>({
 
 Mm7Reply ReadMm7Reply(std::string_view octets, std::int32_t variation) {
     Values values;
-    values.Read(EnvelopeIn(octets));
+    if (IsXml(octets)) {
+        values.Read(Trim(octets));
+    } else {
+        values.Read(EnvelopeIn(octets));
+    }
     Form form = variation == mms::asMMS_MM7VARIATION_3GPP ? kStandard : kOther;
     const Form other = form == kStandard ? kOther : kStandard;
     if (!values.Has(form, kCode) && values.Has(other, kCode)) form = other;

@@ -1,5 +1,7 @@
 #include "Common/Mime/MimeReader.h"
 
+#include "foundation/Base64.h"
+#include "foundation/Hex.h"
 #include "foundation/Text.h"
 
 #include <algorithm>
@@ -47,6 +49,34 @@ std::string_view TakeUpTo(std::string_view delimiter, std::string_view& octets) 
     return all;
 }
 
+std::string FromBase64(std::string_view content) {
+    std::string text(content);
+    std::erase_if(text, [](char c) { return c == '\r' || c == '\n' || c == ' ' || c == '\t'; });
+    return base64::Decode(text).value_or(std::string());
+}
+
+// RFC 2045 section 6.7. An "=" that begins nothing stands for itself.
+std::string FromQuotedPrintable(std::string_view content) {
+    std::string out;
+    while (!content.empty()) {
+        const std::size_t plain = std::min(content.find('='), content.size());
+        out += content.substr(0, plain);
+        content.remove_prefix(plain);
+        if (content.empty()) break;
+        const std::string_view next = content.substr(1, 2);
+        if (next.size() == 2 && hex::IsHex(next)) {
+            out += hex::OctetsOf(next);
+            content.remove_prefix(3);
+        } else if (next.starts_with('\n') || next == "\r\n") {  // the line goes on
+            content.remove_prefix(content.find('\n') + 1);
+        } else {
+            out += '=';
+            content.remove_prefix(1);
+        }
+    }
+    return out;
+}
+
 mime::ReadPart PartOf(std::string_view text) {
     std::string_view content = text;
     while (!content.empty()) {
@@ -71,6 +101,13 @@ std::string mime::ReadPart::Header(std::string_view name) const {
         if (isFound) value = Trim(line.substr(colon + 1));
     }
     return value;
+}
+
+std::string mime::ReadPart::Decoded() const {
+    const std::string encoding = Upper(Header("Content-Transfer-Encoding"));
+    if (encoding == "BASE64") return FromBase64(content);
+    if (encoding == "QUOTED-PRINTABLE") return FromQuotedPrintable(content);
+    return std::string(content);
 }
 
 std::vector<mime::ReadPart> mime::ReadMultipart(std::string_view octets, std::size_t most) {

@@ -12,6 +12,8 @@ struct ReadPart {
 
     // The value without blanks at either end and in one line; empty when there is none.
     std::string Header(std::string_view name) const;
+    // The content out of base64 or quoted-printable; nothing for base64 that is none.
+    std::string Decoded() const;
 };
 
 // The parts of a multipart, whose own first delimiter line tells the boundary; none when there is no such
