@@ -1,7 +1,12 @@
 #!/usr/bin/env python3
 """The main job, against the lab's counterparts: starts them, runs the demo scripts under Wine and shows both sides."""
+import contextlib
 import dataclasses
+import shlex
+import shutil
+import struct
 import sys
+import zlib
 
 from base import wine
 from base.launch import LAB, Counterpart
@@ -28,9 +33,30 @@ def show(title, file, indent="    "):
             print(indent + line)
 
 
+def link(com):
+    return ("--link", PREFIX / f"dosdevices/com{com}")
+
+
+def start(stack, program, *options):
+    """A counterpart that ends with the stack."""
+    counterpart = Counterpart(program, WORK, *options)
+    stack.callback(counterpart.close)
+    return counterpart
+
+
+def picture(size=48):
+    """A PNG of two colours that run into each other."""
+    def chunk(name, data):
+        return struct.pack(">I", len(data)) + name + data + struct.pack(">I", zlib.crc32(name + data))
+    rows = b"".join(b"\0" + b"".join(bytes([255 * x // size, 96, 255 * y // size]) for x in range(size))
+                    for y in range(size))
+    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", size, size, 8, 2, 0, 0, 0)) +
+            chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
+
+
 @dataclasses.dataclass
 class Channel:
-    """A counterpart, and the script that meets it: cscript demo_NAME.vbs ADDRESS [KIND] LOG [ACTIVITY]."""
+    """A counterpart, and the script that meets it: cscript demo_NAME.vbs ADDRESS [KIND] [FOLDER COM] LOG [ACTIVITY]."""
     title: str
     name: str
     program: str
@@ -38,6 +64,7 @@ class Channel:
     says: str               # above what the counterpart printed
     com: int = 0            # the COM port it is linked to; 0 = it has a TCP port
     kind: tuple = ()        # what else the script is told
+    modem: tuple = ()       # options of a modem that the script meets as well, on COM7
     activity: bool = False  # whether it writes an activity file
     shows_log: bool = True
 
@@ -45,15 +72,19 @@ class Channel:
         print(f"{self.title}\n{'-' * len(self.title)}")
         stem = "_".join((self.name, *self.kind))
         log, activity = WORK / f"{stem}.log", WORK / f"{stem}.ini"
-        line = ("--link", PREFIX / f"dosdevices/com{self.com}") if self.com else ("--port", "0")
-        counterpart = Counterpart(self.program, WORK, *line, *self.options)
-        address = f"COM{self.com}" if self.com else counterpart.port
-        files = [windows_path(file) for file in (log, activity)[:2 if self.activity else 1]]
-        try:
-            code = play(LAB / f"demo_{self.name}.vbs", address, *self.kind, *files)
-        finally:
-            counterpart.close()
+        line = link(self.com) if self.com else ("--port", "0")
+        with contextlib.ExitStack() as started:
+            counterpart = start(started, self.program, *line, *self.options)
+            address = f"COM{self.com}" if self.com else counterpart.port
+            told = list(self.kind)
+            if self.modem:
+                modem = start(started, "modem.py", *link(7), *self.modem)
+                told += [windows_path(WORK), "COM7"]
+            told += [windows_path(file) for file in (log, activity)[:2 if self.activity else 1]]
+            code = play(LAB / f"demo_{self.name}.vbs", address, *told)
         show(self.says, counterpart.log)
+        if self.modem:
+            show("The modem saw:", modem.log)
         if self.shows_log:
             show("Log file:", log)
         else:
@@ -65,6 +96,7 @@ class Channel:
 
 
 HELLO = "Hello from the first phone"
+PICTURE = WORK / "picture.png"
 CHANNELS = [
     Channel("SMS through a GSM modem on COM5", "gsm", "modem.py",
             ("--message", f"text SM +31611111111 {HELLO}", "--message",
@@ -80,13 +112,18 @@ CHANNELS = [
     Channel(f"A message through a dialled provider, over {kind}", "dialup", "modem.py",
             ("--provider", kind.lower(), "--provider-password", "secret"), "The provider saw:", com=6, kind=(kind,))
     for kind in ("UCP", "TAP")
+] + [
+    Channel("A picture message as a handset sends it, and one that waits (MM1)", "mm1", "mmsc.py",
+            ("--folder", WORK / "parts", "--message", f"/m1 +31611111111 'Our holiday' {shlex.quote(str(PICTURE))} 'text:{HELLO}'"),
+            "The MMS centre saw:", shows_log=False,
+            modem=("--message", "mms SM +31611111111 http://mmsc.example.org/m1 Our holiday")),
 ]
 
 
 def main():
-    WORK.mkdir(parents=True, exist_ok=True)
-    for old in WORK.iterdir():
-        old.unlink()
+    shutil.rmtree(WORK, ignore_errors=True)
+    WORK.mkdir(parents=True)
+    PICTURE.write_bytes(picture())
     return next((code for channel in CHANNELS if (code := channel.run()) != 0), 0)
 
 

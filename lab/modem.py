@@ -10,23 +10,26 @@ Stored messages, each a --message or a line of an --inbox file, where lines that
     text  SM +31611111111 Hello there            a GSM 7-bit message
     ucs2  ME +31611111111 Привет                 a UCS-2 message
     parts SM +31611111111 2,1,3 A long text ...  one message in as many parts, stored in that order
+    mms   SM +31611111111 http://mmsc/m1 Hello   the notification of an MMS at that URL, with or without a subject
     pdu   SM 07911326...                         any PDU, as it is
 
 ATD connects to a provider that speaks UCP or TAP (--provider), until "+++ATH0". That DTR is dropped is not seen on a
-pseudo-terminal, so a caller who does not hang up stays connected.
+pseudo-terminal, so a caller who does not hang up stays connected. "ATD*99***1#" connects to the network of packet data
+context 1 (--context, AT+CGDCONT), where nobody answers.
 
 The events of a scenario are the commands, and "PDU" the data behind the prompt of AT+CMGS. While connected they are "UCP", or
 of TAP "ID", "PG1", "BLOCK" and "EOT", and "+++ATH0".
 """
 import asyncio
 import os
+import re
 
 import provider
 from base.line import Dialogue, HangUp, Line
 from base.program import Program
 from base.scenario import Action, Refused, Rule
-from wire import gsm
-from wire.parts import in_parts
+from wire import gsm, mms
+from wire.parts import in_parts, push_in_parts
 
 CANCEL, SUBMIT = b"\x1b", b"\x1a"
 NO_COMMAND = CANCEL + SUBMIT + b" \n"  # is ignored around a command
@@ -64,6 +67,10 @@ class Storages:
         if kind == "pdu":
             return [bytes.fromhex(rest)]
         sender, text = rest.split(None, 1)
+        if kind == "mms":
+            url, _, subject = text.partition(" ")
+            unit = mms.notification(url.rstrip("/").rpartition("/")[2][-40:], sender, url, subject)
+            return [gsm.deliver(sender, "data", part, header) for header, part in push_in_parts(mms.pushed(unit))]
         if kind == "parts":
             order, text = text.split(None, 1)
             return [gsm.deliver(sender, "text", part, header) for header, part in in_parts(order, text)]
@@ -90,6 +97,36 @@ class Storages:
         if name == self.COMBINED:
             name, index = ("ME", index - 1000) if index > 1000 else ("SM", index)
         return self.boxes.get(name, {}).pop(index, None) is not None
+
+
+class Contexts:
+    """The packet data contexts, 3GPP TS 27.007 section 10.1.1: number -> type and access point name."""
+
+    def __init__(self, numbers, given):
+        first, _, last = numbers.partition("-")
+        self.first, self.last = int(first), int(last or first)
+        self.names, self.attached = {}, False
+        for line in given:
+            self.define(line)
+
+    @property
+    def range(self):
+        return f'+CGDCONT: ({self.first}-{self.last}),"IP",,,(0,1),(0,1)'
+
+    def listed(self):
+        return [f'+CGDCONT: {number},"{kind}","{name}","0.0.0.0",0,0' for number, (kind, name) in sorted(self.names.items())]
+
+    def define(self, values):
+        """Takes the values of AT+CGDCONT; ValueError when they cannot be."""
+        number, *rest = [value.strip().strip('"') for value in values.split(",")]
+        if not self.first <= int(number) <= self.last:
+            raise ValueError(f"there is no context {number}")
+        if not rest:
+            self.names.pop(int(number), None)
+        elif rest[0].upper() in ("IP", "IPV6", "PPP"):
+            self.names[int(number)] = (rest[0].upper(), rest[1] if len(rest) > 1 else "")
+        else:
+            raise ValueError(f"there is no type {rest[0]}")
 
 
 # --- misbehaviour of modems; the pieces of a reply are its lines
@@ -125,6 +162,8 @@ class Commands(Dialogue):
     def __init__(self, program, line):
         super().__init__(program, line)
         self.storages = program.storages
+        self.contexts = program.contexts
+        self.typed = ""  # the command as it came
         self.selected = [self.storages.names[0]] * 3  # to read and delete, to write and send, to receive
         self.charset = "GSM"
         self.unlocked = not self.options.pin
@@ -184,6 +223,7 @@ class Commands(Dialogue):
         if command.upper().startswith("ATD"):
             await self.dial(rule, command[3:])
             return
+        self.typed = command
         lines = self.spoilt(rule, self.answer(command.upper()))
         if self.prompt is None:
             await self.lines(rule, lines)
@@ -195,6 +235,9 @@ class Commands(Dialogue):
             self.echo = True
 
     async def dial(self, rule, number):
+        if packet := re.fullmatch(r"\*99(?:\*\*\*(\d+))?#", number):
+            await self.dial_packet_data(rule, int(packet[1] or 1))
+            return
         await self.lines(rule, ["CONNECT 9600"])
         if rule.do in self.UNHEARD:
             return
@@ -206,6 +249,24 @@ class Commands(Dialogue):
         except HangUp:
             self.program.say("hung up by the provider")
             await self.lines(Rule(), ["NO CARRIER"])
+
+    async def dial_packet_data(self, rule, number):
+        """The link to a context's network. There is none: what comes is counted until "+++ATH0"."""
+        if number not in self.contexts.names:
+            self.program.say(f"there is no context {number} to connect")
+            await self.lines(rule, ["NO CARRIER"])
+            return
+        self.program.say(f"connected context {number}, {self.contexts.names[number][1] or 'no access point'}")
+        self.program.record({"context": number, "apn": self.contexts.names[number][1]})
+        await self.lines(rule, ["CONNECT"])
+        if rule.do in self.UNHEARD:
+            return
+        count, end = 0, b""
+        while end != provider.HANG_UP:
+            end = (end + await self.line.octets(1))[-len(provider.HANG_UP):]
+            count += 1
+        self.program.say(f"hung up by the caller after {count - len(end)} octets")
+        await self.lines(self.rule("+++ATH0"), ["OK"])
 
     @staticmethod
     def spoilt(rule, lines):
@@ -346,6 +407,30 @@ class Commands(Dialogue):
         self.program.say(f"deleted {self.selected[0]} {value}")
         return ["OK"]
 
+    def show_contexts(self, _):
+        return [*self.contexts.listed(), "OK"]
+
+    def set_context(self, value):
+        if value == "?":
+            return [self.contexts.range, "OK"]
+        try:
+            self.contexts.define(self.typed.partition("=")[2])
+        except ValueError:
+            return self.error("CME", 50)  # incorrect parameters
+        self.program.say(f"context {self.typed.partition('=')[2]}")
+        return ["OK"]
+
+    def show_attachment(self, _):
+        return [f"+CGATT: {int(self.contexts.attached)}", "OK"]
+
+    def set_attachment(self, value):
+        if value == "?":
+            return ["+CGATT: (0,1)", "OK"]
+        if value not in ("0", "1"):
+            return ["ERROR"]
+        self.contexts.attached = value == "1"
+        return ["OK"]
+
     def send(self, value):
         self.prompt = value
         return []
@@ -361,6 +446,7 @@ class Commands(Dialogue):
         "AT+CGSN": ["490154203237518"],  # the example number of 3GPP TS 23.003
         "AT+CSQ": ["+CSQ: 20,99"],
         "AT+CFUN=1": [],
+        "AT&W": [],  # nothing is kept that would be lost
         "ATM0": [],  # the loudspeaker
         "ATX3": [],  # dials without waiting for a tone
         "ATH": [],
@@ -392,6 +478,10 @@ class Commands(Dialogue):
         "AT+CMGR": (False, read_message),
         "AT+CMGD": (False, delete),
         "AT+CMGS": (False, send),
+        "AT+CGDCONT?": (False, show_contexts),
+        "AT+CGDCONT": (False, set_context),
+        "AT+CGATT?": (False, show_attachment),
+        "AT+CGATT": (False, set_attachment),
     }
 
     # --- submitted messages
@@ -462,12 +552,19 @@ class Modem(Program):
         parser.add_argument("--every", type=int, default=0, help="ms between two times that it says them; 0 = never")
         parser.add_argument("--registration-polls", type=int, default=1, help="AT+CREG? answers until registered")
         parser.add_argument("--first-reference", type=int, default=17, help="reference of the first message")
+        parser.add_argument("--context", action="append", default=[], metavar="NUMBER,IP,APN",
+                            help="a packet data context that is there from the start")
+        parser.add_argument("--context-numbers", default="1-16", help="numbers that contexts can have (1-16)")
         provider.add_arguments(parser)
 
     def __init__(self, options):
         super().__init__(options)
         self.terminal = None
         self.storages = Storages(options.storages.split(","), options.combined)
+        try:
+            self.contexts = Contexts(options.context_numbers, options.context)
+        except ValueError as fault:
+            raise Refused(f"context: {fault}") from fault
         for line in options.message + self.inbox():
             self.storages.store_line(line)
 

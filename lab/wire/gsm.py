@@ -124,11 +124,14 @@ def describe(fields):
 
 
 def deliver(sender, coding, body, header=b"", when=None):
-    """One SMS-DELIVER with its service centre."""
+    """One SMS-DELIVER with its service centre; the body is a text, or octets of the coding "data"."""
     first = 0x44 if header else 0x04
     taken = bytes([len(header)]) + header if header else b""
     if coding == "ucs2":
         data, dcs = taken + body.encode("utf-16-be"), 0x08
+        size = len(data)
+    elif coding == "data":
+        data, dcs = taken + body, 0x04
         size = len(data)
     else:
         codes = codes_from_text(body)
