@@ -117,6 +117,8 @@ CHANNELS = [
             ("--folder", WORK / "parts", "--message", f"/m1 +31611111111 'Our holiday' {shlex.quote(str(PICTURE))} 'text:{HELLO}'"),
             "The MMS centre saw:", shows_log=False,
             modem=("--message", "mms SM +31611111111 http://mmsc.example.org/m1 Our holiday")),
+    Channel("A picture message to an MMS centre (MM7)", "mm7", "mmsc.py",
+            ("--folder", WORK / "submitted", "--account", "demo:secret"), "The MMS centre saw:"),
 ]
 
 
