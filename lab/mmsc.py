@@ -1,12 +1,14 @@
 #!/usr/bin/env python3
-"""An MMS centre as handsets reach it over HTTP (MM1), and the WAP proxy in front of itself, to try and test programs against.
+"""An MMS centre over HTTP, for handsets (MM1) and services (MM7), and the WAP proxy in front of itself, to try and test
+programs against.
 
     lab/mmsc.py --port 8090 --folder /tmp/mms --message "/m1 +31611111111 'Our holiday' photo.jpg text:Hello"
 
     POST /mms     an m-send-req is answered with an m-send-conf; an m-acknowledge-ind and an m-notifyresp-ind are taken
     GET /m1       gives the message that is stored there, as an m-retrieve-conf
+    POST /mm7     a SubmitReq is answered with a SubmitRsp
 
-It reads every unit by itself, prints it in words, and writes the parts of messages to files below --folder. A message
+It reads every unit and envelope by itself, prints it in words, and writes the parts of messages to files below --folder. A message
 to fetch (--message) is its path, sender, subject and parts, each a file or "text:" and a text, quoted as in a shell.
 Asked as a proxy ("GET http://mmsc.example.org/m1") it does the same, for every host.
 """
@@ -18,7 +20,7 @@ import shlex
 
 from base.http import HttpDialogue, HttpServer
 from base.scenario import Action, Refused
-from wire import mms, wsp
+from wire import mm7, mms, wsp
 
 OK, CORRUPT = 0x80, 0x83
 PORTAL = b"<html><body><h1>Welcome</h1><p>Please buy some data volume first.</p></body></html>"
@@ -62,7 +64,7 @@ class Session(HttpDialogue):
             return 200, {"Content-Type": "text/html"}, PORTAL
         if rule.do == "unit":
             return self.unit(bytes.fromhex(rule.get("octets")) + bytes(rule.get("pad")))
-        self.conf = rule if rule.do == "conf" else None
+        self.conf = rule if rule.do in ("conf", "submitted", "fault") else None
         return super().misled(rule)
 
     @staticmethod
@@ -73,6 +75,8 @@ class Session(HttpDialogue):
         through = ", through the proxy" if request.target.startswith("http") else ""
         if request.method == "GET":
             return self.give(request, through)
+        if request.method == "POST" and request.path == self.options.mm7_path:
+            return self.take_submission(request, through)
         if request.method != "POST" or request.path != self.options.path:
             self.program.say(f"{request.method} {request.path}: nothing is here")
             return 404, {}, b""
@@ -118,13 +122,43 @@ class Session(HttpDialogue):
         number = self.program.next_number()
         files = self.program.save(number, unit.parts)
         self.program.say(f"message {number}{through}: {in_words(unit.fields, unit.parts)}")
-        for part in unit.parts:
-            self.program.say(f"  {part_in_words(part)}")
-        self.program.record(unit.fields | {
-            "number": number, "octets": len(request.body), "target": request.target, "headers": request.headers,
-            "parts": [{"type": part.type, "name": part.name, "id": part.id, "size": len(part.data), "text": part.text,
-                       "file": file} for part, file in zip(unit.parts, files)]})
+        self.program.tell_parts(unit.fields, number, request, unit.parts, files)
         return self.unit(mms.send_conf(transaction, OK, f"{number}@mmsc.lab", text))
+
+
+    def take_submission(self, request, through):
+        rule = self.conf
+        try:
+            submission = mm7.read(request.headers.get("content-type", ""), request.body)
+        except ValueError as fault:
+            self.program.say(f"refused a submission of {len(request.body)} octets: {fault}")
+            self.program.record({"fault": str(fault), "octets": len(request.body)})
+            return 500, {"Content-Type": "text/xml"}, mm7.fault(mm7.UNREAD, str(fault), "2007")
+        fields = submission.fields
+        if rule and rule.do == "fault":
+            self.program.say(f"refused a submission with a fault: {rule.get('text')}")
+            return rule.get("status"), {"Content-Type": "text/xml"}, mm7.fault(fields, rule.get("text"), rule.get("code"))
+        code, text, form = (rule.get("code"), rule.get("text"), rule.get("form")) if rule else ("1000", "Success", "3gpp")
+        message_id = ""
+        if code.startswith("1"):
+            message_id = self.store_submission(request, submission, through)
+        else:
+            self.program.say(f"refused a submission with {code} {text}")
+            self.program.record({"refused": code, "transaction": fields["transaction"]})
+        reply = mm7.answer(fields, code, text, message_id, "other" if form == "other" else "3gpp")
+        media, reply = mm7.in_multipart(reply) if form == "multipart" else ("text/xml; charset=utf-8", reply)
+        return 200, {"Content-Type": media}, reply
+
+    def store_submission(self, request, submission, through):
+        """The id that the message gets."""
+        fields, number = submission.fields, self.program.next_number()
+        files = self.program.save(number, submission.parts)
+        by = "".join(f", {name} {fields[field]}" for name, field in (("VASP", "vasp"), ("VAS", "vas"), ("service", "service"))
+                     if fields[field] is not None)
+        self.program.say(f"message {number} over MM7{through}: "
+                         + in_words(fields | {"from": fields["from"] or "no sender"}, submission.parts) + by)
+        self.program.tell_parts(fields, number, request, submission.parts, files)
+        return f"{number}@mmsc.lab"
 
 
 class Mmsc(HttpServer):
@@ -136,6 +170,10 @@ class Mmsc(HttpServer):
                        {"status": "81", "text": ""}),
         "unit": Action("answers with a unit of `octets` (hexadecimal) and `pad` zeros, and does nothing",
                        {"octets": "", "pad": 0}),
+        "submitted": Action("answers a submission with status `code` and `text`, named as in `form` (3gpp, other), or as a part "
+                            "(multipart); takes it only with 1...", {"code": "2000", "text": "", "form": "3gpp"}),
+        "fault": Action("answers a submission with `status` and a SOAP fault of `text`, status `code` in its details, and does "
+                        "nothing", {"text": "Refused", "code": "", "status": 500}),
         "portal": Action("answers with a page, as a network does that wants to be paid first, and does nothing"),
     }
 
@@ -143,6 +181,7 @@ class Mmsc(HttpServer):
     def add_arguments(cls, parser):
         super().add_arguments(parser)
         parser.add_argument("--path", default="/mms", help="where messages are posted to (/mms)")
+        parser.add_argument("--mm7-path", default="/mm7", help="where submissions are posted to (/mm7)")
         parser.add_argument("--folder", help="where the parts of messages are written; nowhere when not given")
         parser.add_argument("--message", action="append", default=[], help="a message to fetch: PATH SENDER SUBJECT PART...")
         parser.add_argument("--handset", default="+31600000001", help="whom messages to fetch are for (+31600000001)")
@@ -175,6 +214,14 @@ class Mmsc(HttpServer):
     def next_number(self):
         self.number += 1
         return self.number
+
+    def tell_parts(self, fields, number, request, parts, files):
+        for part in parts:
+            self.say(f"  {part_in_words(part)}")
+        self.record(fields | {
+            "number": number, "octets": len(request.body), "target": request.target, "headers": request.headers,
+            "parts": [{"type": part.type, "name": part.name, "id": part.id, "size": len(part.data), "text": part.text,
+                       "file": file} for part, file in zip(parts, files)]})
 
     def save(self, number, parts):
         """The names of the files of a message's parts; the names that came with them are never trusted."""

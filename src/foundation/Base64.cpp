@@ -1,5 +1,7 @@
 #include "foundation/Base64.h"
 
+#include "foundation/Text.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -16,7 +18,21 @@ constexpr auto kPairs = [] {
     return pairs;
 }();
 
+// Eight octets, the first one the most significant.
+std::uint64_t Word(const std::uint8_t* in) {
+    std::uint64_t word = 0;
+    for (int i = 0; i < 8; ++i) word = word << 8 | in[i];
+    return word;
+}
+
 char* EncodeGroups(const std::uint8_t* in, std::size_t groups, char* out) {
+    for (; groups > 2; groups -= 2, in += 6, out += 8) {  // a third group, so that eight octets can be read
+        const std::uint64_t bits = Word(in);
+        std::memcpy(out, kPairs[bits >> 52].data(), 2);
+        std::memcpy(out + 2, kPairs[bits >> 40 & 4095].data(), 2);
+        std::memcpy(out + 4, kPairs[bits >> 28 & 4095].data(), 2);
+        std::memcpy(out + 6, kPairs[bits >> 16 & 4095].data(), 2);
+    }
     for (; groups > 0; --groups, in += 3, out += 4) {
         const std::uint32_t bits = std::uint32_t{in[0]} << 16 | std::uint32_t{in[1]} << 8 | in[2];
         std::memcpy(out, kPairs[bits >> 12].data(), 2);
@@ -35,20 +51,30 @@ char* EncodeRest(const std::uint8_t* in, std::size_t size, char* out) {
 
 }  // namespace
 
+std::size_t base64::EncodedSize(std::size_t octets, std::size_t lineLength) {
+    const std::size_t size = (octets + 2) / 3 * 4;
+    return lineLength == 0 ? size : size + 2 * ((size + lineLength - 1) / lineLength);
+}
+
 std::string base64::Encode(std::string_view octets, std::size_t lineLength) {
-    const std::size_t size = (octets.size() + 2) / 3 * 4;
-    const std::size_t line = lineLength == 0 ? std::max<std::size_t>(size, 4) : lineLength;
-    const std::size_t breaks = lineLength == 0 ? 0 : (size + line - 1) / line;
-    std::string text(size + 2 * breaks, '\0');
+    std::string text;
+    Append(text, octets, lineLength);
+    return text;
+}
+
+void base64::Append(std::string& text, std::string_view octets, std::size_t lineLength) {
+    const std::size_t before = text.size();
+    text.resize(before + EncodedSize(octets.size(), lineLength));
     const auto* in = reinterpret_cast<const std::uint8_t*>(octets.data());
+    const std::size_t groupsInLine = lineLength == 0 ? octets.size() / 3 + 1 : lineLength / 4;
     std::size_t left = octets.size();
-    char* out = text.data();
+    char* out = text.data() + before;
     while (left > 0) {
-        const std::size_t groups = std::min(left / 3, line / 4);
+        const std::size_t groups = std::min(left / 3, groupsInLine);
         out = EncodeGroups(in, groups, out);
         in += 3 * groups;
         left -= 3 * groups;
-        if (left > 0 && left < 3 && groups < line / 4) {
+        if (left > 0 && left < 3 && groups < groupsInLine) {
             out = EncodeRest(in, left, out);
             left = 0;
         }
@@ -57,5 +83,26 @@ std::string base64::Encode(std::string_view octets, std::size_t lineLength) {
             *out++ = '\n';
         }
     }
-    return text;
+}
+
+std::optional<std::string> base64::Decode(std::string_view text) {
+    constexpr int kLongestPadding = 2;
+    std::string_view digits = Trim(text);
+    for (int i = 0; i < kLongestPadding && digits.ends_with('='); ++i) digits.remove_suffix(1);
+    if (digits.size() % 4 == 1) return std::nullopt;
+    std::string octets;
+    octets.reserve(digits.size() / 4 * 3 + 2);
+    std::uint32_t bits = 0;
+    int count = 0;  // of bits that are no whole octet yet
+    for (const char c : digits) {
+        const std::size_t value = kDigits.find(c);
+        if (value == std::string_view::npos) return std::nullopt;
+        bits = bits << 6 | static_cast<std::uint32_t>(value);
+        count += 6;
+        if (count < 8) continue;
+        count -= 8;
+        octets.push_back(static_cast<char>(bits >> count));
+        bits &= (1U << count) - 1;
+    }
+    return octets;
 }

@@ -36,9 +36,8 @@ bool IsQuoted(std::string_view text) {
 
 // A value as one line: what would end it is a blank, and blanks at an end stand in quotes, which the profile
 // functions of Windows take off as well.
-std::string Line(std::string value) {
-    std::ranges::replace_if(
-        value, [](char c) { return c == '\r' || c == '\n' || c == '\0'; }, ' ');
+std::string Line(std::string_view text) {
+    const std::string value = OneLine(text);
     const bool needsQuotes = Trim(value).size() != value.size() || IsQuoted(value);
     return needsQuotes ? '"' + value + '"' : value;
 }

@@ -33,6 +33,13 @@ std::string_view Trim(std::string_view text) {
     return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
+std::string OneLine(std::string_view text) {
+    std::string line(text);
+    std::ranges::replace_if(
+        line, [](char c) { return c == '\r' || c == '\n' || c == '\0'; }, ' ');
+    return line;
+}
+
 std::string Upper(std::string_view text) {
     std::string out(text);
     std::ranges::transform(out, out.begin(), UpperChar);

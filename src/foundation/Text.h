@@ -11,6 +11,8 @@ constexpr char UpperChar(char c) { return c >= 'a' && c <= 'z' ? static_cast<cha
 
 // Without blanks, tabs and line breaks at either end.
 std::string_view Trim(std::string_view text);
+// With a blank for each CR, LF and zero octet.
+std::string OneLine(std::string_view text);
 std::string Upper(std::string_view text);
 std::string OnlyDigits(std::string_view text);
 bool ContainsNoCase(std::string_view text, std::string_view wanted);

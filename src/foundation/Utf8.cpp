@@ -32,15 +32,16 @@ Sequence First(std::string_view octets) {
     return {length, character};
 }
 
-void Append(std::string& out, char32_t character) {
+}  // namespace
+
+void AppendUtf8(std::string& out, char32_t character) {
     const auto octet = [&out](char32_t value) { out.push_back(static_cast<char>(value)); };
+    if (character > 0x10FFFF || (character >= 0xD800 && character < 0xE000)) character = kReplacement;
     if (character < 0x80) return octet(character);
     const int more = character < 0x800 ? 1 : character < 0x10000 ? 2 : 3;
     octet((0xFFU << (7 - more) & 0xFFU) | character >> (6 * more));
     for (int shift = 6 * (more - 1); shift >= 0; shift -= 6) octet(0x80U | (character >> shift & 0x3FU));
 }
-
-}  // namespace
 
 std::string ToUtf8(std::u16string_view text) {
     std::string out;
@@ -48,9 +49,9 @@ std::string ToUtf8(std::u16string_view text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char16_t unit = text[i];
         if (IsHigh(unit) && i + 1 < text.size() && IsLow(text[i + 1])) {
-            Append(out, 0x10000U + ((unit & 0x3FFU) << 10 | (text[++i] & 0x3FFU)));
+            AppendUtf8(out, 0x10000U + ((unit & 0x3FFU) << 10 | (text[++i] & 0x3FFU)));
         } else {
-            Append(out, IsHigh(unit) || IsLow(unit) ? kReplacement : unit);
+            AppendUtf8(out, unit);
         }
     }
     return out;

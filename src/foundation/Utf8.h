@@ -3,6 +3,9 @@
 #include <string>
 #include <string_view>
 
+// A character behind what is there already; half of a pair or a number beyond Unicode becomes U+FFFD.
+void AppendUtf8(std::string& out, char32_t character);
+
 // Half of a pair without the other becomes U+FFFD.
 std::string ToUtf8(std::u16string_view text);
 

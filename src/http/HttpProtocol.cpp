@@ -6,43 +6,23 @@
 #include "http/HttpTemplate.h"
 #include "http/HttpVerdict.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace {
 
-constexpr std::int32_t kDefaultTimeout = 60;     // s
-constexpr std::int32_t kLongestTimeout = 86400;  // s
+constexpr std::int32_t kDefaultTimeout = 60;  // s
 constexpr std::size_t kLogSlack = 2048;
 constexpr std::uint32_t kProxyLogonWanted = 407;
 
 }  // namespace
 
 CHttpProtocol::CHttpProtocol(Clock& clock, std::unique_ptr<HttpTransport> transport)
-    : CVrmBase("CSmsProtocolHttp", clock), http_(clock, std::move(transport)) {}
-
-void CHttpProtocol::SetLogFile(const std::string& name) {
-    CVrmBase::SetLogFile(name);
-    http_.SetLogFile(name);
-}
-
-void CHttpProtocol::SetActivityFile(const std::string& name) {
-    CVrmBase::SetActivityFile(name);
-    http_.SetActivityFile(name);
-}
-
-void CHttpProtocol::HidePasswords(std::vector<std::string> passwords) {
-    http_.HidePasswords(passwords);
-    CVrmBase::HidePasswords(std::move(passwords));
-}
+    : CVrmHttp("CSmsProtocolHttp", clock, std::move(transport)) {}
 
 void CHttpProtocol::Clear() {
-    http_.Close();
+    ClearHttp();
     settings = {};
     providerResponse_.clear();
-    SetAdvancedSettings({});
-    SetLogFile({});
-    SetActivityFile({});
 }
 
 ResultCode CHttpProtocol::Send(const CSmsMessageX& message) {
@@ -94,23 +74,13 @@ ResultCode CHttpProtocol::Post(HttpRequest request) {
 }
 
 void CHttpProtocol::Configure(std::string body) {
-    HttpSettings& to = http_.settings;
     const std::int32_t timeout = AdvancedSetting("HttpTimeout", kDefaultTimeout);
-    to.timeout =
-        static_cast<std::uint32_t>(timeout > 0 ? std::min(timeout, kLongestTimeout) : kDefaultTimeout);
-    to.keepAlive = AdvancedSetting("HttpKeepAlive", 1) != 0;
+    SetTimeout(timeout > 0 ? timeout : kDefaultTimeout);
+    SetKeepAlive();
+    SetProxy(settings.proxyServer, settings.proxyPort, {settings.proxyAccount, settings.proxyPassword});
+    HttpSettings& to = http_.settings;
     to.secure = settings.useSsl;
     to.webAccount = {settings.webAccount, settings.webPassword};
-    to.proxy.clear();
-    to.proxyAccount = {};
-    if (!settings.proxyServer.empty()) {
-        const HttpUrl proxy = HttpUrl::Parse(settings.proxyServer);
-        const std::int32_t port = settings.proxyPort != 0 ? settings.proxyPort : proxy.PortOr(false);
-        // What is no host at all is left to fail: without a proxy the request would go another way than
-        // meant.
-        to.proxy = (proxy.host.empty() ? settings.proxyServer : proxy.host) + ':' + std::to_string(port);
-        to.proxyAccount = {settings.proxyAccount, settings.proxyPassword};
-    }
     to.postHeaders.clear();
     if (!settings.charset.empty()) {
         to.postHeaders = CKorHttp::kFormHeader + ("; charset=" + settings.charset);

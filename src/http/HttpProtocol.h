@@ -2,8 +2,7 @@
 #pragma once
 #include "foundation/ProviderFile.h"
 #include "foundation/ResultCode.h"
-#include "foundation/http/KorHttp.h"
-#include "frame/VrmBase.h"
+#include "frame/VrmHttp.h"
 #include "http/HttpProviderSettings.h"
 #include "http/HttpTemplate.h"
 #include "sms/SmsMessageX.h"
@@ -13,17 +12,12 @@
 #include <string>
 #include <vector>
 
-class CHttpProtocol : public CVrmBase {
+class CHttpProtocol : public CVrmHttp {
   public:
     explicit CHttpProtocol(Clock& clock = SystemClock(),
                            std::unique_ptr<HttpTransport> transport = NewHttpTransport());
 
     HttpProviderSettings settings;
-
-    // The client writes into the same files and hides the same passwords.
-    void SetLogFile(const std::string& name) override;
-    void SetActivityFile(const std::string& name) override;
-    void HidePasswords(std::vector<std::string> passwords) override;
 
     void Clear();
 
@@ -49,6 +43,5 @@ class CHttpProtocol : public CVrmBase {
     void LogTemplates();
     void LogText(unsigned mask, const char* format, const std::string& text);
 
-    CKorHttp http_;
     std::string providerResponse_;
 };

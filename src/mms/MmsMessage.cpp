@@ -7,6 +7,7 @@
 #include "foundation/ErrorTexts.h"
 #include "foundation/Text.h"
 #include "mms/MM1Body.h"
+#include "mms/MM7Body.h"
 #include "mms/MMSECodec.h"
 #include "mms/MmsAddresses.h"
 #include "mms/MmsSlide.h"
@@ -84,13 +85,21 @@ const CMmsMessageSlide* CMmsMessage::NextSlide() {
     return SlideCursor < Slides.size() ? &Slides[SlideCursor++] : nullptr;
 }
 
+ResultCode CMmsMessage::Encode() { return EncodeAs(Protocol); }
+
 // Class and priority are not checked: the checks that 34135 and 34136 stand for have never refused anything.
-ResultCode CMmsMessage::Encode() {
+ResultCode CMmsMessage::EncodeAs(std::int32_t protocol) {
     if (std::ranges::all_of(Recipients, &CMmsRecipients::IsEmpty)) return result::NoRecipient;
     if (Slides.empty()) return result::MmsNoSlides;
     TransactionId = NameToken();
     BuildSmil();
-    return CMM1Body(*this, GetClock().Now()).Encode(EncodedMessage);
+    const std::int64_t now = GetClock().Now();
+    switch (protocol) {
+        case mms::asMMS_PROTOCOL_MM7:
+            return CMM7Body(*this, now).Encode(EncodedMessage, Boundary);
+        default:
+            return CMM1Body(*this, now).Encode(EncodedMessage);
+    }
 }
 
 void CMmsMessage::BuildSmil() {
@@ -158,7 +167,7 @@ ResultCode CMmsMessage::SaveToFile(const std::string& file, std::int32_t format)
     {
         const Usual afterwards{FileFormat};
         FileFormat = retrieved ? mms::asMMS_MM1FILE_MRETRIEVECONF : mms::asMMS_MM1FILE_MSENDREQ;
-        code = Encode();
+        code = EncodeAs(mms::asMMS_PROTOCOL_MM1);
     }
     if (code != result::Success) return code;
     return WriteBinaryFile(file, EncodedMessage) ? result::Success : result::MmsSaveFailed;

@@ -17,8 +17,8 @@ class CMMSECodec;
 
 // What a protocol object hands to the encoders of its channel.
 struct MmsSettings {
-    std::int32_t version = mms::asMMS_VERSION_5_4_0;
-    std::int32_t schema = mms::asMMS_SCHEMA_REL5_MM7_1_0;
+    std::int32_t schema = mms::asMMS_SCHEMA_REL5_MM7_1_2;
+    std::int32_t version = mms::asMMS_VERSION_5_2_0;
     std::int32_t variation = mms::asMMS_MM7VARIATION_3GPP;
     std::string vaspId;
     std::string vasId;
@@ -35,7 +35,7 @@ struct MmsMessageFields {
     bool RequestReadReceipt = false;
     bool RequestDeliveryReport = false;
     std::string TransactionId;
-    std::string Boundary;        // of a body in MIME form
+    std::string Boundary;        // of a body in MIME form: over MM7 the headers that go with it
     std::string EncodedMessage;  // octets
     MmsSettings Settings;
     std::array<CMmsRecipients, 3> Recipients;  // by asMMS_RECIPIENT_ constant
@@ -52,7 +52,7 @@ class CMmsMessage : public CVrmBase, public MmsMessageFields {
   public:
     explicit CMmsMessage(Clock& clock = SystemClock()) : CVrmBase("CMmsMessage", clock) {}
 
-    std::int32_t Protocol = 0;  // an asMMS_PROTOCOL_ constant; everything encodes as MM1. Clear leaves it
+    std::int32_t Protocol = 0;  // an asMMS_PROTOCOL_ constant; any other encodes as MM1. Clear leaves it
 
     void Clear() { static_cast<MmsMessageFields&>(*this) = {}; }
 
@@ -74,13 +74,13 @@ class CMmsMessage : public CVrmBase, public MmsMessageFields {
     const CMmsMessageSlide* FirstSlide();
     const CMmsMessageSlide* NextSlide();
 
-    // 0, 34130 without recipient, 34140 without slide, 34134 for a subject that is too long. A code leaves
-    // the encoded message as it was.
+    // In the form that `Protocol` says. 0, 34130 without recipient, 34140 without slide, 34134 for a subject
+    // that is too long. A code leaves the encoded message as it was.
     ResultCode Encode();
     // Takes what the encoded message says; of a damaged one what is whole, with 33763.
     ResultCode Decode();
 
-    // Encodes and writes; the codes of Encode, or 34151.
+    // Encodes as MM1, always, and writes; the codes of Encode, or 34151.
     ResultCode SaveToFile(const std::string& file, std::int32_t format);
     // Reads and decodes; 34137 for a file that cannot be read or has more than 64 MiB, or the codes of
     // Decode.
@@ -89,6 +89,7 @@ class CMmsMessage : public CVrmBase, public MmsMessageFields {
     ResultCode LoadCustomSmil(const std::string& file);
 
   private:
+    ResultCode EncodeAs(std::int32_t protocol);
     CMmsRecipients* ListOf(std::int32_t type);
     ResultCode RecipientAt(std::int32_t type, std::size_t index, std::string& address);
     void BuildSmil();

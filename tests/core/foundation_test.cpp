@@ -70,6 +70,60 @@ TEST(Base64, EncodesTheStandardsExamples) {
     }
 }
 
+// Both ways of encoding, in groups of six octets and of three, against the definition, digit by digit.
+TEST(Base64, IsReadAsItWasWritten) {
+    std::string octets;
+    for (std::uint32_t i = 0; i < 700; ++i) octets += static_cast<char>(i * 7 + i / 256);
+    constexpr std::string_view kDigits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    for (std::size_t size = 0; size <= octets.size(); ++size) {
+        const std::string_view some = std::string_view(octets).substr(0, size);
+        const std::string text = base64::Encode(some);
+        for (std::size_t bit = 0; bit < 8 * size; ++bit) {
+            const bool in = (static_cast<unsigned char>(some[bit / 8]) >> (7 - bit % 8) & 1) != 0;
+            ASSERT_EQ(kDigits.find(text[bit / 6]) >> (5 - bit % 6) & 1, in ? 1U : 0U) << size << " " << bit;
+        }
+        EXPECT_EQ(text.size(), base64::EncodedSize(size));
+        EXPECT_EQ(base64::Decode(text), some);
+        const std::string lines = base64::Encode(some, 76);
+        EXPECT_EQ(lines.size(), base64::EncodedSize(size, 76));
+        std::string joined = lines;
+        std::erase_if(joined, [](char c) { return c == '\r' || c == '\n'; });
+        EXPECT_EQ(joined, text);
+    }
+    std::string behind = "before ";
+    base64::Append(behind, "foobar", 4);
+    EXPECT_EQ(behind, "before Zm9v\r\nYmFy\r\n");
+}
+
+TEST(Base64, IsReadLeniently) {
+    using Text = std::optional<std::string>;
+    struct Row {
+        std::string text;
+        Text octets;
+    };
+    for (const Row& row : {
+             Row{"VXNlcm5hbWU6", "Username:"},
+             Row{" UGFzc3dvcmQ6\r\n", "Password:"},
+             Row{"Zg==", "f"},
+             Row{"Zg=", "f"},
+             Row{"Zg", "f"},
+             Row{"Zm8=", "fo"},
+             Row{"Zm8", "fo"},
+             Row{"", ""},
+             Row{"=", ""},
+             Row{"==", ""},
+             Row{"A", std::nullopt},
+             Row{"Zm9vA===", std::nullopt},
+             Row{"===", std::nullopt},
+             Row{"Zm 9v", std::nullopt},
+             Row{"Zm=v", std::nullopt},
+             Row{"Zm9-", std::nullopt},
+             Row{std::string("Zm9\0", 4), std::nullopt},
+         }) {
+        EXPECT_EQ(base64::Decode(row.text), row.octets) << row.text;
+    }
+}
+
 TEST(XmlText, EscapesWhatHasAMeaning) {
     EXPECT_EQ(xml::Escape("a<b>&\"c'\xe9]]>"), "a&lt;b&gt;&amp;&quot;c&apos;\xe9]]&gt;");
     EXPECT_EQ(xml::Escape(std::string("\0\x1b\t\r\n", 5)), "  \t\r\n");

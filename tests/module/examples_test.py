@@ -15,6 +15,7 @@ PROGRAMS = {  # what each tells of its arguments
     "http_example": r"127\.0\.0\.1 8080 [^\n]*",
     "dialup_example": r"COM5 ucp\|tap [^\n]*",
     "pager_example": r"127\.0\.0\.1 4444 [^\n]*",
+    "mm7_example": r"provider\.ini [^\n]*",
     "mm1_example": r"send provider\.ini [^\n]* \| receive provider\.ini [^\n]*",
 }
 

@@ -12,13 +12,6 @@ constexpr std::size_t kReadSize = 256;
 constexpr char kReturn = '\r';
 constexpr char kLineFeed = '\n';
 
-std::string OneLine(std::string_view text) {
-    std::string line(text);
-    std::ranges::replace_if(
-        line, [](char c) { return c == kReturn || c == kLineFeed || c == '\0'; }, ' ');
-    return line;
-}
-
 }  // namespace
 
 std::int32_t FirstNumber(std::string_view text) {
