@@ -1,0 +1,106 @@
+"""The scripts that cannot run here: the members that they use are there, they compile, and they tell their arguments."""
+import ast
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+
+sys.path.insert(0, str(pathlib.Path(__file__).parent))
+import interface  # noqa: E402
+
+TYPES = interface.read_listing()
+CREATED = interface.interfaces_by_progid(TYPES)
+
+# How each language makes an object of a class.
+LANGUAGES = {
+    ".vbs": r'Set (\w+) = CreateObject\("(Quorvane\.\w+)"\)',
+    ".js": r'(\w+) = new ActiveXObject\("(Quorvane\.\w+)"\)',
+    ".ps1": r"\$(\w+) = New-Object -ComObject (Quorvane\.\w+)",
+    ".py": r'(\w+) = win32com\.client\.Dispatch\("(Quorvane\.\w+)"\)',
+}
+# Strings and comments, which are no code; those of PowerShell hold code, where "$" tells variables.
+NO_CODE = {".vbs": r""""[^"\n]*"|'.*""", ".js": r'''"(?:\\.|[^"\\\n])*"|'(?:\\.|[^'\\\n])*'|//.*''', ".ps1": r"(?m)(^|\s\s)#.*"}
+# The objects that methods give, whatever the channel.
+MESSAGE = ("ISmsMessage", "IMmsMessage")
+GIVEN = {"GetFirstMessage": MESSAGE, "GetNextMessage": MESSAGE, "GetMessage": MESSAGE, "Retrieve": MESSAGE,
+         "QueryStatus": ("ISmsDeliveryStatus",), "GetFirstSlide": ("IMmsSlide",), "GetNextSlide": ("IMmsSlide",)}
+
+
+def uses(text, kind):
+    """Each variable with a member of it."""
+    if kind == ".py":
+        nodes = list(ast.walk(ast.parse(text)))
+        modules = {name.name for node in nodes if isinstance(node, ast.Import) for name in node.names}
+        return [(node.value.id, node.attr) for node in nodes if isinstance(node, ast.Attribute)
+                and isinstance(node.value, ast.Name) and node.value.id not in modules]
+    mark = r"\$" if kind == ".ps1" else r"(?<![.\w])"
+    return re.findall(mark + r"([a-zA-Z_]\w*)\.([A-Za-z]\w*)", re.sub(NO_CODE[kind], "", text))
+
+
+def unknown_members(text, kind):
+    """The uses of members, as "variable.Member", that no class has which the variable can be of."""
+    known = {}  # the names of the members by variable
+    for variable, progid in re.findall(LANGUAGES[kind], text):
+        known.setdefault(variable.lower(), set()).update(CREATED[progid].members)
+    for variable, method in re.findall(rf"(\w+) = \$?\w+\.({'|'.join(GIVEN)})\(", text):
+        known.setdefault(variable.lower(), set()).update(*(TYPES[name].members for name in GIVEN[method]))
+    everything = set().union(*known.values())
+
+    def is_ours(variable, member):
+        # In Python a parameter may be any object of the file; what begins with a capital or is a constant is ours.
+        return variable.lower() in known or kind == ".py" and re.match(r"[A-Z]|as[A-Z]+_", member)
+
+    return [f"{variable}.{member}" for variable, member in uses(text, kind)
+            if is_ours(variable, member) and member not in known.get(variable.lower(), everything)]
+
+
+def scripts(*kinds):
+    return sorted(file for file in interface.EXAMPLES.glob("*/*") if file.suffix in kinds)
+
+
+class Members(unittest.TestCase):
+    def test_every_member_is_there(self):
+        for file in scripts(*LANGUAGES):
+            text = file.read_text(encoding="utf-8")
+            with self.subTest(file.relative_to(interface.EXAMPLES)):
+                self.assertTrue(re.search(LANGUAGES[file.suffix], text), "makes no object")
+                self.assertEqual(unknown_members(text, file.suffix), [])
+
+    def test_what_is_not_there_is_found(self):
+        rows = [
+            (".vbs", 'Set gsm = CreateObject("Quorvane.SmsProtocolGsm")\ngsm.Devise = "COM5"', ["gsm.Devise"]),
+            (".js", 'var gsm = new ActiveXObject("Quorvane.SmsProtocolGsm");\nvar m = gsm.GetMessage(0); m.Text;', ["m.Text"]),
+            (".ps1", "$c = New-Object -ComObject Quorvane.SmsConstants\n$c.asNONE; $c.asSTORAGE_ALL; $text.Length", ["c.asNONE"]),
+            (".py", 'gsm = win32com.client.Dispatch("Quorvane.SmsProtocolGsm")\ndef f(one):\n    one.Snd(1)\n    one.Send(1)',
+             ["one.Snd"]),
+        ]
+        for kind, text, wanted in rows:
+            with self.subTest(kind):
+                self.assertEqual(unknown_members(text, kind), wanted)
+
+
+class Usage(unittest.TestCase):
+    def test_a_python_example_starts_and_tells_its_arguments(self):
+        with tempfile.TemporaryDirectory(prefix="neltctrl-") as folder:
+            package = pathlib.Path(folder, "win32com")
+            package.mkdir()
+            (package / "__init__.py").touch()
+            (package / "client.py").touch()  # makes no objects: without arguments none is wanted
+            for file in scripts(".py"):
+                with self.subTest(file.name):
+                    done = subprocess.run([sys.executable, "-B", "-W", "error", file], env={"PYTHONPATH": folder},
+                                          capture_output=True, text=True, check=False)
+                    self.assertEqual((done.returncode, done.stdout), (1, ""))
+                    self.assertRegex(done.stderr, rf"^{file.name} \w[^\n]+\n\nNeeds pywin32\.")
+
+    def test_the_others_can(self):
+        for kind, end in ((".ps1", "ps1"), (".cs", "exe")):
+            for file in scripts(kind):
+                with self.subTest(file.name):
+                    self.assertRegex(file.read_text(encoding="utf-8"), rf"""['"]{file.stem}\.{end} \w""")
+
+
+if __name__ == "__main__":
+    unittest.main()
