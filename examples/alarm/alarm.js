@@ -10,6 +10,7 @@ var beyondGsm = new RegExp(
 var constants = new ActiveXObject("Quorvane.SmsConstants");
 var gsm = new ActiveXObject("Quorvane.SmsProtocolGsm");
 gsm.Device = WScript.Arguments.Item(0);
+var clock = new ActiveXObject("Quorvane.SmsProtocolSmpp");  // sleeps under Wine too, which WScript does not
 var message = new ActiveXObject("Quorvane.SmsMessage");
 message.Data = WScript.Arguments.Item(1);
 message.Format = beyondGsm.test(message.Data) ? constants.asMESSAGEFORMAT_UNICODE_MULTIPART
@@ -32,7 +33,7 @@ function hasReached(recipient) {
         if (failed("The report of " + recipient)) return false;
         WScript.Echo(recipient + ": " + status.StatusDescription);
         if (status.IsCompleted) return status.Status == constants.asDELIVERYSTATUS_DELIVERED;
-        WScript.Sleep(11000);  // reports are read from the modem every 10 s at the most
+        clock.Sleep(11000);  // reports are read from the modem every 10 s at the most
     }
     return false;
 }

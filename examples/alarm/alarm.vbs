@@ -1,7 +1,7 @@
 ' Sends an alarm and sees to it that somebody has it: to the first number, and when its phone does not confirm within a
 ' minute, to the next.
 Option Explicit
-Dim constants, gsm, message, beyondGsm, i
+Dim constants, gsm, clock, message, beyondGsm, i
 
 If WScript.Arguments.Count < 3 Then
     WScript.Echo "cscript alarm.vbs COM5 ""The text"" +31612345678 [+31687654321 ...]"
@@ -11,6 +11,7 @@ End If
 Set constants = CreateObject("Quorvane.SmsConstants")
 Set gsm = CreateObject("Quorvane.SmsProtocolGsm")
 gsm.Device = WScript.Arguments(0)
+Set clock = CreateObject("Quorvane.SmsProtocolSmpp")  ' sleeps under Wine too, which WScript does not
 Set message = CreateObject("Quorvane.SmsMessage")
 message.Data = WScript.Arguments(1)
 message.RequestDeliveryStatus = True
@@ -44,7 +45,7 @@ Function HasReached(recipient)
             HasReached = status.Status = constants.asDELIVERYSTATUS_DELIVERED
             Exit Function
         End If
-        WScript.Sleep 11000  ' reports are read from the modem every 10 s at the most
+        clock.Sleep 11000  ' reports are read from the modem every 10 s at the most
     Next
 End Function
 

@@ -7,6 +7,7 @@ var rounds = WScript.Arguments.length > 1 ? Number(WScript.Arguments.Item(1)) : 
 var pause = WScript.Arguments.length > 2 ? Number(WScript.Arguments.Item(2)) : 5000;
 var gsm = new ActiveXObject("Quorvane.SmsProtocolGsm");
 gsm.Device = WScript.Arguments.Item(0);
+var clock = new ActiveXObject("Quorvane.SmsProtocolSmpp");  // sleeps under Wine too, which WScript does not
 
 for (var round = 1; round <= rounds; ++round) {
     gsm.Receive();
@@ -18,5 +19,5 @@ for (var round = 1; round <= rounds; ++round) {
         WScript.Echo("From " + message.Sender + ": " + message.Data);
     }
     gsm.DeleteAllMessages();
-    if (round < rounds) WScript.Sleep(pause);
+    if (round < rounds) clock.Sleep(pause);
 }

@@ -1,6 +1,6 @@
 ' Reads and deletes the stored messages, several times.
 Option Explicit
-Dim gsm, message, rounds, pause, i
+Dim gsm, clock, message, rounds, pause, i
 
 If WScript.Arguments.Count < 1 Then
     WScript.Echo "cscript receive.vbs COM5 [rounds] [pause in ms]"
@@ -14,6 +14,7 @@ If WScript.Arguments.Count > 2 Then pause = CLng(WScript.Arguments(2))
 
 Set gsm = CreateObject("Quorvane.SmsProtocolGsm")
 gsm.Device = WScript.Arguments(0)
+Set clock = CreateObject("Quorvane.SmsProtocolSmpp")  ' sleeps under Wine too, which WScript does not
 
 For i = 1 To rounds
     gsm.Receive
@@ -27,5 +28,5 @@ For i = 1 To rounds
         Set message = gsm.GetNextMessage()
     Wend
     gsm.DeleteAllMessages
-    If i < rounds Then WScript.Sleep pause
+    If i < rounds Then clock.Sleep pause
 Next

@@ -1,7 +1,7 @@
 ' Sends an SMS and follows its delivery report.
 ' The reports are kept in a file, so that another run could go on where this one stopped.
 Option Explicit
-Dim constants, gsm, message, beyondGsm, reference, status, tries, pause, file
+Dim constants, gsm, clock, message, beyondGsm, reference, status, tries, pause, file
 
 If WScript.Arguments.Count < 3 Then
     WScript.Echo "cscript report.vbs COM5 +31612345678 ""The text"" [pause in ms]"
@@ -14,6 +14,7 @@ file = "reports.txt"
 
 Set constants = CreateObject("Quorvane.SmsConstants")
 Set gsm = CreateObject("Quorvane.SmsProtocolGsm")
+Set clock = CreateObject("Quorvane.SmsProtocolSmpp")  ' sleeps under Wine too, which WScript does not
 gsm.Device = WScript.Arguments(0)
 Set message = CreateObject("Quorvane.SmsMessage")
 message.Recipient = WScript.Arguments(1)
@@ -51,5 +52,5 @@ For tries = 1 To 3
         WScript.Echo "Completed: " & status.StatusCompletedTime
         WScript.Quit 0
     End If
-    WScript.Sleep pause
+    clock.Sleep pause
 Next

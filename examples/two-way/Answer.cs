@@ -1,5 +1,5 @@
-// Answers every SMS that comes in, until Ctrl-C or until so many are answered. What was answered is deleted; what could
-// not be answered stays on the device and is tried again. MMS notifications and names, which take no answer, stay too.
+// Answers every text that comes from a number, until Ctrl-C or until so many are answered. What was answered is deleted;
+// what could not be answered is tried again. All else (data, MMS notifications, texts from names) stays on the device.
 // Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll, then csc /r:NeltCtrl.Interop.dll /platform:x64 Answer.cs
 using System;
 using System.Text.RegularExpressions;
@@ -23,7 +23,11 @@ static class Program
 
     static bool IsAnswered(ISmsMessage message)
     {
-        if (message.Format == (int)SmsMessageFormat.asMESSAGEFORMAT_NOTIFICATION_MMS) return false;
+        if (message.Format != (int)SmsMessageFormat.asMESSAGEFORMAT_TEXT &&
+            message.Format != (int)SmsMessageFormat.asMESSAGEFORMAT_UNICODE)
+        {
+            return false;
+        }
         if (!Regex.IsMatch(message.Sender, "^\\+?[0-9]+$")) return false;
         Console.WriteLine("From " + message.Sender + ": " + message.Data);
         answer.Recipient = message.Sender;

@@ -1,5 +1,5 @@
-# Answers every SMS that comes in, until Ctrl-C or until so many are answered. What was answered is deleted; what could
-# not be answered stays on the device and is tried again. MMS notifications and names, which take no answer, stay too.
+# Answers every text that comes from a number, until Ctrl-C or until so many are answered. What was answered is deleted;
+# what could not be answered is tried again. All else (data, MMS notifications, texts from names) stays on the device.
 param([string]$Device, [string]$Text, [int]$Wanted = 0, [int]$Pause = 5000)
 
 if (-not $Text) {
@@ -24,7 +24,8 @@ function Test-Failed([string]$What) {
 }
 
 function Test-Answered($Message) {
-    if ($Message.Format -eq $constants.asMESSAGEFORMAT_NOTIFICATION_MMS) { return $false }
+    $texts = $constants.asMESSAGEFORMAT_TEXT, $constants.asMESSAGEFORMAT_UNICODE
+    if ($Message.Format -notin $texts) { return $false }
     if ($Message.Sender -notmatch '^\+?[0-9]+$') { return $false }
     "From $($Message.Sender): $($Message.Data)" | Out-Host
     $answer.Recipient = $Message.Sender

@@ -1,6 +1,6 @@
-// Answers every SMS that comes in, until Ctrl-C or until so many are answered. What was answered is deleted;
-// what could not be answered stays on the device and is tried again. MMS notifications and names, which take
-// no answer, stay too. Early bound through the vtable; NeltCtrl.h comes from the type library
+// Answers every text that comes from a number, until Ctrl-C or until so many are answered. What was answered
+// is deleted; what could not be answered is tried again. All else (data, MMS notifications, texts from names)
+// stays on the device. Early bound through the vtable; NeltCtrl.h comes from the type library
 // (build/windows/generated).
 #include "NeltCtrl.h"
 
@@ -44,6 +44,15 @@ Interface* New() {
     return static_cast<Interface*>(object);
 }
 
+// What came in may hold any letter.
+std::string Utf8(BSTR text) {
+    const int units = static_cast<int>(SysStringLen(text));
+    std::string octets(3 * static_cast<std::size_t>(units), '\0');
+    octets.resize(static_cast<std::size_t>(WideCharToMultiByte(
+        CP_UTF8, 0, text, units, octets.data(), static_cast<int>(octets.size()), nullptr, nullptr)));
+    return octets;
+}
+
 LONG LastError() {
     LONG error = 0;
     gsm->get_LastError(&error);
@@ -67,8 +76,9 @@ bool IsAnswered(ISmsMessage* message, ISmsMessage* answer) {
     message->get_Format(&format);
     message->get_Sender(&sender);
     message->get_Data(&data);
-    if (format == asMESSAGEFORMAT_NOTIFICATION_MMS || !std::regex_match(sender.Show(), number)) return false;
-    std::printf("From %ls: %ls\n", sender.Show(), data.Show());
+    if (format != asMESSAGEFORMAT_TEXT && format != asMESSAGEFORMAT_UNICODE) return false;
+    if (!std::regex_match(sender.Show(), number)) return false;
+    std::printf("From %ls: %s\n", sender.Show(), Utf8(data).c_str());
     answer->put_Recipient(sender);
     VARIANT argument;
     argument.vt = VT_DISPATCH;
@@ -108,6 +118,7 @@ int wmain(int argc, wchar_t** argv) {
     }
     const int wanted = argc > 3 ? std::stoi(argv[3]) : 0;
     const DWORD pause = argc > 4 ? std::stoul(argv[4]) : 5000;
+    SetConsoleOutputCP(CP_UTF8);
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     gsm = New<SmsProtocolGsm, ISmsProtocolGsm>();
     gsm->put_Device(Text(argv[1]));

@@ -1,5 +1,5 @@
-// Answers every SMS that comes in, until Ctrl-C or until so many are answered. What was answered is deleted; what could
-// not be answered stays on the device and is tried again. MMS notifications and names, which take no answer, stay too.
+// Answers every text that comes from a number, until Ctrl-C or until so many are answered. What was answered is deleted;
+// what could not be answered is tried again. All else (data, MMS notifications, texts from names) stays on the device.
 if (WScript.Arguments.length < 2) {
     WScript.Echo('cscript answer.js COM5 "The answer" [number of messages] [pause in ms]');
     WScript.Quit(2);
@@ -12,6 +12,7 @@ var beyondGsm = new RegExp(
 var constants = new ActiveXObject("Quorvane.SmsConstants");
 var gsm = new ActiveXObject("Quorvane.SmsProtocolGsm");
 gsm.Device = WScript.Arguments.Item(0);
+var clock = new ActiveXObject("Quorvane.SmsProtocolSmpp");  // sleeps under Wine too, which WScript does not
 var answer = new ActiveXObject("Quorvane.SmsMessage");
 answer.Data = WScript.Arguments.Item(1);
 answer.Format = beyondGsm.test(answer.Data) ? constants.asMESSAGEFORMAT_UNICODE_MULTIPART
@@ -24,7 +25,8 @@ function failed(what) {
 }
 
 function isAnswered(message) {
-    if (message.Format == constants.asMESSAGEFORMAT_NOTIFICATION_MMS || !/^\+?[0-9]+$/.test(message.Sender)) return false;
+    if (message.Format != constants.asMESSAGEFORMAT_TEXT && message.Format != constants.asMESSAGEFORMAT_UNICODE) return false;
+    if (!/^\+?[0-9]+$/.test(message.Sender)) return false;
     WScript.Echo("From " + message.Sender + ": " + message.Data);
     answer.Recipient = message.Sender;
     gsm.Send(answer);
@@ -47,6 +49,6 @@ for (var answered = 0;;) {
         }
     }
     if (wanted > 0 && answered >= wanted) break;
-    WScript.Sleep(pause);
+    clock.Sleep(pause);
 }
 WScript.Echo("Done: " + answered + " answered");

@@ -1,8 +1,8 @@
 """answer.py COM5 "The answer" [number of messages] [pause in ms]
 
-Needs pywin32. Answers every SMS that comes in, until Ctrl-C or until so many are answered. What was answered is
-deleted; what could not be answered stays on the device and is tried again. MMS notifications and names, which take no
-answer, stay too.
+Needs pywin32. Answers every text that comes from a number, until Ctrl-C or until so many are answered. What was
+answered is deleted; what could not be answered is tried again. All else (data, MMS notifications, texts from names)
+stays on the device.
 """
 import re
 import sys
@@ -22,7 +22,9 @@ def failed(what):
 
 
 def is_answered(message):
-    if message.Format == constants.asMESSAGEFORMAT_NOTIFICATION_MMS or not re.fullmatch(r"\+?[0-9]+", message.Sender):
+    if message.Format not in (constants.asMESSAGEFORMAT_TEXT, constants.asMESSAGEFORMAT_UNICODE):
+        return False
+    if not re.fullmatch(r"\+?[0-9]+", message.Sender):
         return False
     print(f"From {message.Sender}: {message.Data}")
     answer.Recipient = message.Sender

@@ -1,7 +1,7 @@
-' Answers every SMS that comes in, until Ctrl-C or until so many are answered. What was answered is deleted; what could
-' not be answered stays on the device and is tried again. MMS notifications and names, which take no answer, stay too.
+' Answers every text that comes from a number, until Ctrl-C or until so many are answered. What was answered is deleted;
+' what could not be answered is tried again. All else (data, MMS notifications, texts from names) stays on the device.
 Option Explicit
-Dim constants, gsm, answer, message, number, beyondGsm, wanted, pause, answered, index
+Dim constants, gsm, clock, answer, message, number, beyondGsm, wanted, pause, answered, index
 
 If WScript.Arguments.Count < 2 Then
     WScript.Echo "cscript answer.vbs COM5 ""The answer"" [number of messages] [pause in ms]"
@@ -15,6 +15,7 @@ If WScript.Arguments.Count > 3 Then pause = CLng(WScript.Arguments(3))
 Set constants = CreateObject("Quorvane.SmsConstants")
 Set gsm = CreateObject("Quorvane.SmsProtocolGsm")
 gsm.Device = WScript.Arguments(0)
+Set clock = CreateObject("Quorvane.SmsProtocolSmpp")  ' sleeps under Wine too, which WScript does not
 Set answer = CreateObject("Quorvane.SmsMessage")
 answer.Data = WScript.Arguments(1)
 Set beyondGsm = New RegExp
@@ -36,7 +37,8 @@ End Function
 
 Function IsAnswered(message)
     IsAnswered = False
-    If message.Format = constants.asMESSAGEFORMAT_NOTIFICATION_MMS Or Not number.Test(message.Sender) Then Exit Function
+    If message.Format <> constants.asMESSAGEFORMAT_TEXT And message.Format <> constants.asMESSAGEFORMAT_UNICODE Then Exit Function
+    If Not number.Test(message.Sender) Then Exit Function
     WScript.Echo "From " & message.Sender & ": " & message.Data
     answer.Recipient = message.Sender
     gsm.Send answer
@@ -60,6 +62,6 @@ Do
         End If
     Loop
     If wanted > 0 And answered >= wanted Then Exit Do
-    WScript.Sleep pause
+    clock.Sleep pause
 Loop
 WScript.Echo "Done: " & answered & " answered"
