@@ -74,6 +74,7 @@ class Examples(unittest.TestCase):
                                                           "From +31622222222: In three parts, out of order"])
                 self.assertEqual(output.count("From"), 3)
                 self.assertEqual(modem.commands().count("AT+CMGD=1"), 2)
+                self.assertEqual(modem.commands().count("AT+CMGL=0"), 2 * 2)  # in each round both storages
 
     def test_report(self):
         for number, (kind, status, text) in enumerate([("vbs", "00", "Delivered"), ("js", "46", "Expired")]):
