@@ -102,5 +102,26 @@ class Usage(unittest.TestCase):
                     self.assertRegex(file.read_text(encoding="utf-8"), rf"""['"]{file.stem}\.{end} \w""")
 
 
+class Overview(unittest.TestCase):
+    """examples/README.md."""
+    NAMES = {".vbs": "VBScript", ".js": "JScript", ".ps1": "PowerShell", ".py": "Python", ".cs": "C#", ".cpp": "C++"}
+    TEXT = (interface.EXAMPLES / "README.md").read_text(encoding="utf-8")
+
+    def test_every_folder_has_its_row_and_languages(self):
+        rows = re.findall(r"^\| .* \| (.*) \| (.*) \|$", self.TEXT, re.MULTILINE)
+        languages = {folder: told for cell, told in rows for folder in re.findall(r"([\w-]+)/[\]`]", cell)}
+        for folder in filter(pathlib.Path.is_dir, interface.EXAMPLES.iterdir()):
+            with self.subTest(folder.name):
+                there = {self.NAMES[file.suffix] for file in folder.iterdir() if file.suffix in self.NAMES}
+                told = languages.get(folder.name, "no row")
+                self.assertEqual(there, set(self.NAMES.values()) if told == "all six" else set(told.split(", ")))
+
+    def test_the_commands_name_files_that_are_there(self):
+        commands = re.findall(r"^scripts/in-wine\.sh .*$", self.TEXT, re.MULTILINE)
+        self.assertGreater(len(commands), 5)
+        for file in re.findall(r"\.\./\.\./(examples/\S+)", "\n".join(commands)):
+            self.assertTrue((interface.ROOT / file).is_file(), file)
+
+
 if __name__ == "__main__":
     unittest.main()

@@ -27,7 +27,7 @@ class Alphabet(unittest.TestCase):
     def test_every_example_that_sends_a_text_knows_the_alphabet(self):
         beyond = {char for char in map(chr, range(0x10000)) if char not in gsm.CODES} | {"\f", "\x1b"}
         for file in (file for folder in TEXTS for file in EXAMPLES.glob(f"{folder}/*")):
-            if file.stem in ("receive", "pin"):
+            if file.stem in ("receive", "pin", "numbers"):
                 continue
             text = file.read_text(encoding="utf-8")
             with self.subTest(file.name):
