@@ -12,17 +12,15 @@ import interface  # noqa: E402
 TYPES = {"LONG": "int", "BSTR": "string", "VARIANT": "object", "VARIANT*": "ref object", "void": "void"}
 
 
-def parameter(number, words):
-    optional = "[Optional] " if "optional" in words else ""
-    return f"{optional}{TYPES[words[-1]]} p{number}"
-
-
-def declaration(member):
+def declarations(member):
+    result = TYPES[member.result]
     if "method" not in member.kinds:
         accessors = [word for kind, word in (("get", "get;"), ("put", "set;")) if kind in member.kinds]
-        return f"{TYPES[member.result]} {member.name} {{ {' '.join(accessors)} }}"
-    parameters = ", ".join(parameter(number, words) for number, words in enumerate(member.parameters))
-    return f"{TYPES[member.result]} {member.name}({parameters});"
+        return [f"{result} {member.name} {{ {' '.join(accessors)} }}"]
+    parameters = [f"{TYPES[words[-1]]} p{number}" for number, words in enumerate(member.parameters)]
+    needed = sum("optional" not in words for words in member.parameters)
+    # An optional parameter of a COM interface can be left out, also one by reference, which mcs does not know.
+    return [f"{result} {member.name}({', '.join(parameters[:count])});" for count in range(needed, len(parameters) + 1)]
 
 
 def imported(types):
@@ -33,7 +31,7 @@ def imported(types):
             lines += [f"public enum {one.name} {{", *(f"{name} = {value}," for name, value in one.members.items()), "}"]
         elif one.kind == "interface":
             lines += [f'[ComImport, Guid("{one.guid}")] public interface {one.name} {{',
-                      *map(declaration, one.members.values()), "}"]
+                      *(line for member in one.members.values() for line in declarations(member)), "}"]
         else:
             lines += [f'[ComImport, Guid("{one.guid}")] public class {one.name}Class {{ }}',
                       f'[ComImport, Guid("{types[one.default].guid}"), CoClass(typeof({one.name}Class))]',

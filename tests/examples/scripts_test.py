@@ -7,6 +7,9 @@ import sys
 import tempfile
 import unittest
 
+from pygments.lexers import PowerShellLexer
+from pygments.token import Token
+
 sys.path.insert(0, str(pathlib.Path(__file__).parent))
 import interface  # noqa: E402
 
@@ -23,9 +26,8 @@ LANGUAGES = {
 # Strings and comments, which are no code; those of PowerShell hold code, where "$" tells variables.
 NO_CODE = {".vbs": r""""[^"\n]*"|'.*""", ".js": r'''"(?:\\.|[^"\\\n])*"|'(?:\\.|[^'\\\n])*'|//.*''', ".ps1": r"(?m)(^|\s\s)#.*"}
 # The objects that methods give, whatever the channel.
-MESSAGE = ("ISmsMessage", "IMmsMessage")
-GIVEN = {"GetFirstMessage": MESSAGE, "GetNextMessage": MESSAGE, "GetMessage": MESSAGE, "Retrieve": MESSAGE,
-         "QueryStatus": ("ISmsDeliveryStatus",), "GetFirstSlide": ("IMmsSlide",), "GetNextSlide": ("IMmsSlide",)}
+GIVEN = {"GetFirstMessage": "ISmsMessage", "GetNextMessage": "ISmsMessage", "GetMessage": "ISmsMessage", "Retrieve": "IMmsMessage",
+         "QueryStatus": "ISmsDeliveryStatus", "GetFirstSlide": "IMmsSlide", "GetNextSlide": "IMmsSlide"}
 
 
 def uses(text, kind):
@@ -45,7 +47,7 @@ def unknown_members(text, kind):
     for variable, progid in re.findall(LANGUAGES[kind], text):
         known.setdefault(variable.lower(), set()).update(CREATED[progid].members)
     for variable, method in re.findall(rf"(\w+) = \$?\w+\.({'|'.join(GIVEN)})\(", text):
-        known.setdefault(variable.lower(), set()).update(*(TYPES[name].members for name in GIVEN[method]))
+        known.setdefault(variable.lower(), set()).update(TYPES[GIVEN[method]].members)
     everything = set().union(*known.values())
 
     def is_ours(variable, member):
@@ -93,13 +95,45 @@ class Usage(unittest.TestCase):
                     done = subprocess.run([sys.executable, "-B", "-W", "error", file], env={"PYTHONPATH": folder},
                                           capture_output=True, text=True, check=False)
                     self.assertEqual((done.returncode, done.stdout), (1, ""))
-                    self.assertRegex(done.stderr, rf"^{file.name} \w[^\n]+\n\nNeeds pywin32\.")
+                    self.assertRegex(done.stderr, rf"^{file.name} \w[^\n]+\n\n(.|\n)*Needs\spywin32\.")
 
     def test_the_others_can(self):
         for kind, end in ((".ps1", "ps1"), (".cs", "exe")):
             for file in scripts(kind):
                 with self.subTest(file.name):
                     self.assertRegex(file.read_text(encoding="utf-8"), rf"""['"]{file.stem}\.{end} \w""")
+
+
+def open_bracket(text):
+    """The number of the line where PowerShell code cannot be read, or where a bracket stands without its like; 0 is none."""
+    closing = {")": "(", "]": "[", "}": "{"}
+    waiting = []
+    for at, kind, piece in PowerShellLexer().get_tokens_unprocessed(text):
+        line = text.count("\n", 0, at) + 1
+        if kind in Token.Error:
+            return line
+        if kind not in Token.Punctuation and kind not in Token.Literal.String.Interpol:
+            continue
+        for char in piece:
+            if char in closing.values():
+                waiting.append((char, line))
+            elif char in closing and (not waiting or waiting.pop()[0] != closing[char]):
+                return line
+    return waiting[-1][1] if waiting else 0
+
+
+class PowerShell(unittest.TestCase):
+    def test_every_bracket_and_quote_is_closed(self):
+        for file in scripts(".ps1"):
+            with self.subTest(file.name):
+                self.assertEqual(open_bracket(file.read_text(encoding="utf-8")), 0)
+
+    def test_one_that_is_not_is_found(self):
+        for text in ("if ($a) {\n  f\n}", "'a { b' + \"$($a.B) )\""):
+            self.assertEqual(open_bracket(text), 0, text)
+        for text, line in [("if ($a) {\n  f\n", 1), ("f\nif ($a {\n  f\n}", 2), ("f\n}", 2), ("f\n{ \"$($a.B\" }", 2)]:
+            self.assertEqual(open_bracket(text), line, text)
+        self.assertNotEqual(open_bracket("f 'a\n(g)"), 0)
 
 
 class Overview(unittest.TestCase):
