@@ -30,23 +30,25 @@ Else
     message.Format = constants.asMESSAGEFORMAT_TEXT_MULTIPART
 End If
 
-reference = gsm.Send(message)
-If gsm.LastError <> 0 Then
+Sub Check()
+    If gsm.LastError = 0 Then Exit Sub
     WScript.Echo "Failed: " & gsm.LastError & " " & gsm.GetErrorDescription(gsm.LastError)
     WScript.Quit 1
-End If
+End Sub
+
+reference = gsm.Send(message)
+Check
 WScript.Echo "Sent, reference " & reference
 gsm.SaveReports file
+Check
 
 gsm.Clear
 gsm.Device = WScript.Arguments(0)
 gsm.LoadReports file
+Check
 For tries = 1 To 3
     Set status = gsm.QueryStatus(reference)
-    If gsm.LastError <> 0 Then
-        WScript.Echo "Failed: " & gsm.LastError & " " & gsm.GetErrorDescription(gsm.LastError)
-        WScript.Quit 1
-    End If
+    Check
     WScript.Echo "Status: " & status.StatusDescription
     If status.IsCompleted Then
         WScript.Echo "Completed: " & status.StatusCompletedTime
