@@ -46,7 +46,7 @@ For tries = 1 To 3
     Check "QueryStatus"
     WScript.Echo "  Report of " & reference & ": " & status.StatusDescription & ", " & status.StatusCompletedTime
     If status.IsCompleted Then Exit For
-    WScript.Sleep 11000
+    CreateObject("Quorvane.SmsProtocolSmpp").Sleep 11000  ' WScript has none under Wine
 Next
 If Not status.IsCompleted Then WScript.Quit 1
 WScript.Echo "Done"

@@ -4,7 +4,8 @@
 set -eu
 
 demo=(cmake ninja-build python3 g++-mingw-w64-x86-64-posix mingw-w64-tools libwine-dev wine wine64)
-test=(clang codespell libclang-rt-14-dev g++ googletest tshark gammu libnet-smpp-perl nginx-light openssl tinyproxy)
+test=(clang codespell libclang-rt-14-dev g++ googletest tshark gammu libnet-smpp-perl nginx-light openssl tinyproxy mono-mcs
+  python3-pygments)
 full=(clang-format clang-tidy libbenchmark-dev)
 case ${1:-} in
   demo) packages=("${demo[@]}") ;;

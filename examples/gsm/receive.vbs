@@ -1,6 +1,6 @@
 ' Reads and deletes the stored messages, several times.
 Option Explicit
-Dim gsm, message, rounds, pause, i
+Dim gsm, clock, message, rounds, pause, i
 
 If WScript.Arguments.Count < 1 Then
     WScript.Echo "cscript receive.vbs COM5 [rounds] [pause in ms]"
@@ -14,18 +14,23 @@ If WScript.Arguments.Count > 2 Then pause = CLng(WScript.Arguments(2))
 
 Set gsm = CreateObject("Quorvane.SmsProtocolGsm")
 gsm.Device = WScript.Arguments(0)
+Set clock = CreateObject("Quorvane.SmsProtocolSmpp")  ' sleeps under Wine too, which WScript does not
+
+Sub Check(what)
+    If gsm.LastError = 0 Then Exit Sub
+    WScript.Echo what & " failed: " & gsm.LastError & " " & gsm.GetErrorDescription(gsm.LastError)
+    WScript.Quit 1
+End Sub
 
 For i = 1 To rounds
     gsm.Receive
-    If gsm.LastError <> 0 Then
-        WScript.Echo "Failed: " & gsm.LastError & " " & gsm.GetErrorDescription(gsm.LastError)
-        WScript.Quit 1
-    End If
+    Check "Receive"
     Set message = gsm.GetFirstMessage()
     While gsm.LastError = 0
         WScript.Echo "From " & message.Sender & ": " & message.Data
         Set message = gsm.GetNextMessage()
     Wend
     gsm.DeleteAllMessages
-    If i < rounds Then WScript.Sleep pause
+    If gsm.LastError <> 33060 Then Check "DeleteAllMessages"  ' 33060: there was none
+    If i < rounds Then clock.Sleep pause
 Next

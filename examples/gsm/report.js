@@ -11,6 +11,7 @@ var constants = new ActiveXObject("Quorvane.SmsConstants");
 var gsm = new ActiveXObject("Quorvane.SmsProtocolGsm");
 var message = new ActiveXObject("Quorvane.SmsMessage");
 gsm.Device = WScript.Arguments.Item(0);
+var clock = new ActiveXObject("Quorvane.SmsProtocolSmpp");  // sleeps under Wine too, which WScript does not
 message.Recipient = WScript.Arguments.Item(1);
 message.Data = WScript.Arguments.Item(2);
 message.Format = beyondGsm.test(message.Data) ? constants.asMESSAGEFORMAT_UNICODE_MULTIPART
@@ -34,5 +35,5 @@ for (var tries = 1; tries <= 3; ++tries) {
         WScript.Echo("Completed: " + status.StatusCompletedTime);
         break;
     }
-    WScript.Sleep(pause);
+    clock.Sleep(pause);
 }

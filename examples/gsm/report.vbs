@@ -1,7 +1,7 @@
 ' Sends an SMS and follows its delivery report.
 ' The reports are kept in a file, so that another run could go on where this one stopped.
 Option Explicit
-Dim constants, gsm, message, beyondGsm, reference, status, tries, pause, file
+Dim constants, gsm, clock, message, beyondGsm, reference, status, tries, pause, file
 
 If WScript.Arguments.Count < 3 Then
     WScript.Echo "cscript report.vbs COM5 +31612345678 ""The text"" [pause in ms]"
@@ -14,6 +14,7 @@ file = "reports.txt"
 
 Set constants = CreateObject("Quorvane.SmsConstants")
 Set gsm = CreateObject("Quorvane.SmsProtocolGsm")
+Set clock = CreateObject("Quorvane.SmsProtocolSmpp")  ' sleeps under Wine too, which WScript does not
 gsm.Device = WScript.Arguments(0)
 Set message = CreateObject("Quorvane.SmsMessage")
 message.Recipient = WScript.Arguments(1)
@@ -29,27 +30,29 @@ Else
     message.Format = constants.asMESSAGEFORMAT_TEXT_MULTIPART
 End If
 
-reference = gsm.Send(message)
-If gsm.LastError <> 0 Then
+Sub Check()
+    If gsm.LastError = 0 Then Exit Sub
     WScript.Echo "Failed: " & gsm.LastError & " " & gsm.GetErrorDescription(gsm.LastError)
     WScript.Quit 1
-End If
+End Sub
+
+reference = gsm.Send(message)
+Check
 WScript.Echo "Sent, reference " & reference
 gsm.SaveReports file
+Check
 
 gsm.Clear
 gsm.Device = WScript.Arguments(0)
 gsm.LoadReports file
+Check
 For tries = 1 To 3
     Set status = gsm.QueryStatus(reference)
-    If gsm.LastError <> 0 Then
-        WScript.Echo "Failed: " & gsm.LastError & " " & gsm.GetErrorDescription(gsm.LastError)
-        WScript.Quit 1
-    End If
+    Check
     WScript.Echo "Status: " & status.StatusDescription
     If status.IsCompleted Then
         WScript.Echo "Completed: " & status.StatusCompletedTime
         WScript.Quit 0
     End If
-    WScript.Sleep pause
+    clock.Sleep pause
 Next

@@ -1,4 +1,4 @@
-// SMS through an HTTP gateway. The templates are those of lab/gateway.py; docs/http.md tells how to write others.
+// Sends one SMS through an HTTP gateway, whose requests two templates describe.
 // Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll, then csc /r:NeltCtrl.Interop.dll /platform:x64 Http.cs
 using System;
 using System.Text.RegularExpressions;
@@ -15,18 +15,26 @@ static class Program
     {
         if (args.Length < 4)
         {
-            Console.WriteLine(@"Http.exe 127.0.0.1 8080 +31612345678 ""The text""");
+            Console.WriteLine(@"Http.exe 127.0.0.1 8080 +31612345678 ""The text"" [account password]");
             Environment.Exit(2);
         }
         var gateway = new SmsProtocolHttp
         {
             ProviderHost = args[0],
             ProviderPort = int.Parse(args[1]),
+            // The templates: a request as the provider describes it, from behind "host/", with a placeholder
+            // where the number and where the text stand. What follows "?" is posted. These are for
+            // lab/gateway.py; docs/http.md has all placeholders.
             URLText = "send?to=%MESSAGERECIPIENT%&text=%MESSAGEDATA%",
             URLUnicode = "send?to=%MESSAGERECIPIENT%&ucs2=%MESSAGEDATA%",
             ProviderSuccessResponse = "OK",
             ProviderErrorResponse = "ERROR"
         };
+        if (args.Length > 5)
+        {
+            gateway.ProviderWebAccount = args[4];
+            gateway.ProviderWebPassword = args[5];
+        }
         object message = new SmsMessage
         {
             Recipient = args[2],

@@ -1,8 +1,8 @@
-# SMS through an HTTP gateway. The templates are those of lab/gateway.py; docs/http.md tells how to write others.
-param([string]$Server, [int]$Port, [string]$Recipient, [string]$Text)
+# Sends one SMS through an HTTP gateway, whose requests two templates describe.
+param([string]$Server, [int]$Port, [string]$Recipient, [string]$Text, [string]$Account, [string]$Password)
 
 if (-not $Text) {
-    'Http.ps1 127.0.0.1 8080 +31612345678 "The text"'
+    'Http.ps1 127.0.0.1 8080 +31612345678 "The text" [account password]'
     exit 2
 }
 $beyondGsm =
@@ -11,10 +11,14 @@ $beyondGsm =
 $gateway = New-Object -ComObject Quorvane.SmsProtocolHttp
 $gateway.ProviderHost = $Server
 $gateway.ProviderPort = $Port
+# The templates: a request as the provider describes it, from behind "host/", with a placeholder where the number and
+# where the text stand. What follows "?" is posted. These are for lab/gateway.py; docs/http.md has all placeholders.
 $gateway.URLText = 'send?to=%MESSAGERECIPIENT%&text=%MESSAGEDATA%'
 $gateway.URLUnicode = 'send?to=%MESSAGERECIPIENT%&ucs2=%MESSAGEDATA%'
 $gateway.ProviderSuccessResponse = 'OK'
 $gateway.ProviderErrorResponse = 'ERROR'
+$gateway.ProviderWebAccount = $Account
+$gateway.ProviderWebPassword = $Password
 
 $message = New-Object -ComObject Quorvane.SmsMessage
 $message.Recipient = $Recipient

@@ -1,5 +1,5 @@
-// SMS through an HTTP gateway. The templates are those of lab/gateway.py; docs/http.md tells how to write
-// others. Early bound through the vtable; NeltCtrl.h comes from the type library (build/windows/generated).
+// Sends one SMS through an HTTP gateway, whose requests two templates describe. Early bound through the
+// vtable; NeltCtrl.h comes from the type library (build/windows/generated).
 #include "NeltCtrl.h"
 
 #include <cstdio>
@@ -68,17 +68,24 @@ bool Report(ISmsProtocolHttp* gateway) {
 
 int wmain(int argc, wchar_t** argv) {
     if (argc < 5) {
-        std::puts(R"(http_example 127.0.0.1 8080 +31612345678 "The text")");
+        std::puts(R"(http_example 127.0.0.1 8080 +31612345678 "The text" [account password])");
         return 2;
     }
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     ISmsProtocolHttp* gateway = New<SmsProtocolHttp, ISmsProtocolHttp>();
     gateway->put_ProviderHost(Text(argv[1]));
     gateway->put_ProviderPort(std::stoi(argv[2]));
+    // The templates: a request as the provider describes it, from behind "host/", with a placeholder
+    // where the number and where the text stand. What follows "?" is posted. These are for
+    // lab/gateway.py; docs/http.md has all placeholders.
     gateway->put_URLText(Text(L"send?to=%MESSAGERECIPIENT%&text=%MESSAGEDATA%"));
     gateway->put_URLUnicode(Text(L"send?to=%MESSAGERECIPIENT%&ucs2=%MESSAGEDATA%"));
     gateway->put_ProviderSuccessResponse(Text(L"OK"));
     gateway->put_ProviderErrorResponse(Text(L"ERROR"));
+    if (argc > 6) {
+        gateway->put_ProviderWebAccount(Text(argv[5]));
+        gateway->put_ProviderWebPassword(Text(argv[6]));
+    }
     Send(gateway, argv[3], argv[4]);
     const bool sent = Report(gateway);
     gateway->Release();

@@ -1,6 +1,6 @@
-"""http.py 127.0.0.1 8080 +31612345678 "The text"
+"""http.py 127.0.0.1 8080 +31612345678 "The text" [account password]
 
-Needs pywin32. The templates are those of lab/gateway.py; docs/http.md tells how to write others.
+Needs pywin32. Sends one SMS through an HTTP gateway, whose requests two templates describe.
 """
 import re
 import sys
@@ -12,14 +12,19 @@ BEYOND_GSM = re.compile(
     r"\xF6\xF8\xF9\xFC\u0393\u0394\u0398\u039B\u039E\u03A0\u03A3\u03A6\u03A8\u03A9\u20AC]")
 
 
-def send(server, port, recipient, text):
+def send(server, port, recipient, text, account="", password=""):
     gateway = win32com.client.Dispatch("Quorvane.SmsProtocolHttp")
     gateway.ProviderHost = server
     gateway.ProviderPort = int(port)
+    # The templates: a request as the provider describes it, from behind "host/", with a placeholder
+    # where the number and where the text stand. What follows "?" is posted. These are for
+    # lab/gateway.py; docs/http.md has all placeholders.
     gateway.URLText = "send?to=%MESSAGERECIPIENT%&text=%MESSAGEDATA%"
     gateway.URLUnicode = "send?to=%MESSAGERECIPIENT%&ucs2=%MESSAGEDATA%"
     gateway.ProviderSuccessResponse = "OK"
     gateway.ProviderErrorResponse = "ERROR"
+    gateway.ProviderWebAccount = account
+    gateway.ProviderWebPassword = password
     message = win32com.client.Dispatch("Quorvane.SmsMessage")
     message.Recipient = recipient
     message.Data = text
@@ -33,4 +38,4 @@ def send(server, port, recipient, text):
 if __name__ == "__main__":
     if len(sys.argv) < 5:
         sys.exit(__doc__)
-    send(*sys.argv[1:5])
+    send(*sys.argv[1:7])

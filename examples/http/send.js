@@ -1,7 +1,7 @@
-// Sends one SMS through an HTTP gateway. The templates are those of lab/gateway.py; docs/http.md tells how to write others.
+// Sends one SMS through an HTTP gateway, whose requests two templates describe.
 // A character outside the GSM alphabet makes it a Unicode message.
 if (WScript.Arguments.length < 4) {
-    WScript.Echo('cscript send.js 127.0.0.1 8080 +31612345678 "The text"');
+    WScript.Echo('cscript send.js 127.0.0.1 8080 +31612345678 "The text" [account password]');
     WScript.Quit(2);
 }
 var beyondGsm = new RegExp(
@@ -11,10 +11,16 @@ var constants = new ActiveXObject("Quorvane.SmsConstants");
 var gateway = new ActiveXObject("Quorvane.SmsProtocolHttp");
 gateway.ProviderHost = WScript.Arguments.Item(0);
 gateway.ProviderPort = Number(WScript.Arguments.Item(1));
+// The templates: a request as the provider describes it, from behind "host/", with a placeholder where the number and
+// where the text stand. What follows "?" is posted. These are for lab/gateway.py; docs/http.md has all placeholders.
 gateway.URLText = "send?to=%MESSAGERECIPIENT%&text=%MESSAGEDATA%";
 gateway.URLUnicode = "send?to=%MESSAGERECIPIENT%&ucs2=%MESSAGEDATA%";
 gateway.ProviderSuccessResponse = "OK";
 gateway.ProviderErrorResponse = "ERROR";
+if (WScript.Arguments.length > 5) {
+    gateway.ProviderWebAccount = WScript.Arguments.Item(4);
+    gateway.ProviderWebPassword = WScript.Arguments.Item(5);
+}
 
 var message = new ActiveXObject("Quorvane.SmsMessage");
 message.Recipient = WScript.Arguments.Item(2);

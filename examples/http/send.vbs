@@ -1,10 +1,10 @@
-' Sends one SMS through an HTTP gateway. The templates are those of lab/gateway.py; docs/http.md tells how to write others.
+' Sends one SMS through an HTTP gateway, whose requests two templates describe.
 ' A character outside the GSM alphabet makes it a Unicode message.
 Option Explicit
 Dim constants, gateway, message, beyondGsm
 
 If WScript.Arguments.Count < 4 Then
-    WScript.Echo "cscript send.vbs 127.0.0.1 8080 +31612345678 ""The text"""
+    WScript.Echo "cscript send.vbs 127.0.0.1 8080 +31612345678 ""The text"" [account password]"
     WScript.Quit 2
 End If
 
@@ -12,10 +12,16 @@ Set constants = CreateObject("Quorvane.SmsConstants")
 Set gateway = CreateObject("Quorvane.SmsProtocolHttp")
 gateway.ProviderHost = WScript.Arguments(0)
 gateway.ProviderPort = WScript.Arguments(1)
+' The templates: a request as the provider describes it, from behind "host/", with a placeholder where the number and
+' where the text stand. What follows "?" is posted. These are for lab/gateway.py; docs/http.md has all placeholders.
 gateway.URLText = "send?to=%MESSAGERECIPIENT%&text=%MESSAGEDATA%"
 gateway.URLUnicode = "send?to=%MESSAGERECIPIENT%&ucs2=%MESSAGEDATA%"
 gateway.ProviderSuccessResponse = "OK"
 gateway.ProviderErrorResponse = "ERROR"
+If WScript.Arguments.Count > 5 Then
+    gateway.ProviderWebAccount = WScript.Arguments(4)
+    gateway.ProviderWebPassword = WScript.Arguments(5)
+End If
 
 Set message = CreateObject("Quorvane.SmsMessage")
 message.Recipient = WScript.Arguments(2)

@@ -118,7 +118,6 @@ for (var i = 0; i < names.length; ++i) {
 class Examples(unittest.TestCase):
     def test_all(self):
         for number, (name, arguments, wanted) in enumerate([
-                ("push.vbs", ("http://www.example.org/", "The text"), (b"www.example.org/\0", b"The text\0")),
                 ("bookmark.vbs", ("http://www.example.org/", "Name"), (b"http://www.example.org/\0", b"Name\0")),
                 ("notification.vbs", ("http://example.org/1", "Subject"), (b"http://example.org/1\0", b"Subject\0")),
                 ("vcard.js", ("Bob", "+31600000002"), (b"\nN:Bob\r\n", b"\nTEL;CELLPHONE:+31600000002\r\n")),
@@ -133,7 +132,7 @@ class Examples(unittest.TestCase):
                     self.assertIn(octets, bytes.fromhex(content))
 
     def test_what_would_not_arrive_is_not_sent(self):
-        for name in ("push", "bookmark", "notification"):
+        for name in ("bookmark", "notification"):
             with self.subTest(name):
                 code, output = wine.script(EXAMPLES / f"{name}.vbs", "COM99", "+31612345678", "http://x.org/", "Fête")
                 self.assertEqual(code, 2)

@@ -9,6 +9,7 @@ import wine  # noqa: E402
 from wire import gsm  # noqa: E402
 
 EXAMPLES = wine.ROOT / "examples"
+TEXTS = ("gsm", "smpp", "http", "alarm", "two-way", "bulk")  # where texts of users go out
 PROGRAMS = {  # what each tells of its arguments
     "gsm_example": r"send [^\n]* \| receive [^\n]*",
     "smpp_example": r"send [^\n]* \| receive [^\n]*",
@@ -17,14 +18,18 @@ PROGRAMS = {  # what each tells of its arguments
     "pager_example": r"127\.0\.0\.1 4444 [^\n]*",
     "mm7_example": r"provider\.ini [^\n]*",
     "mm1_example": r"send provider\.ini [^\n]* \| receive provider\.ini [^\n]*",
+    "alarm_example": r"COM5 [^\n]*",
+    "answer_example": r"COM5 [^\n]*",
+    "bulk_example": r"127\.0\.0\.1 2775 user password numbers\.txt [^\n]*",
+    "push_example": r"COM5 [^\n]*",
 }
 
 
 class Alphabet(unittest.TestCase):
     def test_every_example_that_sends_a_text_knows_the_alphabet(self):
         beyond = {char for char in map(chr, range(0x10000)) if char not in gsm.CODES} | {"\f", "\x1b"}
-        for file in EXAMPLES.glob("[ghs]*/*"):
-            if file.stem in ("receive", "pin"):
+        for file in (file for folder in TEXTS for file in EXAMPLES.glob(f"{folder}/*")):
+            if file.stem in ("receive", "pin", "numbers"):
                 continue
             text = file.read_text(encoding="utf-8")
             with self.subTest(file.name):

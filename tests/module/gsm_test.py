@@ -74,6 +74,14 @@ class Examples(unittest.TestCase):
                                                           "From +31622222222: In three parts, out of order"])
                 self.assertEqual(output.count("From"), 3)
                 self.assertEqual(modem.commands().count("AT+CMGD=1"), 2)
+                self.assertEqual(modem.commands().count("AT+CMGL=0"), 2 * 2)  # in each round both storages
+
+    def test_receive_tells_what_failed(self):
+        for number, kind in enumerate(["vbs", "js"]):
+            with self.subTest(kind), wine.modem(BASE + 17 + number, "--message", "text SM +31611111111 One",
+                                                rules=[{"match": "AT+CMGD", "do": "error"}]) as modem:
+                self.assertEqual(wine.script(EXAMPLES / f"receive.{kind}", modem.com),
+                                 (1, "From +31611111111: One\nDeleteAllMessages failed: 30352 Error response from modem\n"))
 
     def test_report(self):
         for number, (kind, status, text) in enumerate([("vbs", "00", "Delivered"), ("js", "46", "Expired")]):

@@ -48,6 +48,13 @@ class Examples(unittest.TestCase):
                 self.assertEqual([(sent["text"], "unicode" in sent) for sent in server.messages()],
                                  [(wine.GSM_TEXT, False), (wine.UNICODE_TEXT, True)])
 
+    def test_an_account_is_given(self):
+        for name in ("send.vbs", "send.js", "http_example.exe"):
+            with self.subTest(name), gateway("--account", "demo:secret") as server:
+                code, output = self.send(name, "127.0.0.1", server.port, "+31612345678", "Hi", "demo", "secret")
+                self.assertEqual((code, output.strip()), (0, "Answer: OK 1001"))
+                self.assertEqual(self.send(name, "127.0.0.1", server.port, "+31612345678", "Hi")[0], 1)
+
     def test_a_failure_is_told(self):
         for name in ("send.vbs", "send.js", "http_example.exe"):
             with self.subTest(name), gateway(rules=[{"match": "POST", "do": "answer", "body": "ERROR: 5"}]) as server:

@@ -13,6 +13,12 @@ If beyondAscii.Test(WScript.Arguments(3)) Then
     WScript.Quit 2
 End If
 
+Sub Check(object, what)
+    If object.LastError = 0 Then Exit Sub
+    WScript.Echo what & " failed: " & object.LastError & " " & object.GetErrorDescription(object.LastError)
+    WScript.Quit 1
+End Sub
+
 Set constants = CreateObject("Quorvane.SmsConstants")
 Set content = CreateObject("Quorvane.SmsDataWapPush")
 content.ConnectionType = constants.asWAPPUSH_SERVICE_INDICATION
@@ -20,6 +26,7 @@ content.URL = WScript.Arguments(2)
 content.Description = WScript.Arguments(3)
 content.SignalAction = constants.asWAPPUSHSIGNAL_HIGH
 content.Encode
+Check content, "Encode"
 WScript.Echo "Content: " & content.EncodedMessage
 
 Set message = CreateObject("Quorvane.SmsMessage")
@@ -29,8 +36,5 @@ message.Format = constants.asMESSAGEFORMAT_DATA_UDH
 Set gsm = CreateObject("Quorvane.SmsProtocolGsm")
 gsm.Device = WScript.Arguments(0)
 reference = gsm.Send(message)
-If gsm.LastError <> 0 Then
-    WScript.Echo "Failed: " & gsm.LastError & " " & gsm.GetErrorDescription(gsm.LastError)
-    WScript.Quit 1
-End If
+Check gsm, "Send"
 WScript.Echo "Sent, reference " & reference
