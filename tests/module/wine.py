@@ -57,6 +57,14 @@ class Gateway(Counterpart):
         return self.entries("number")
 
 
+class Mmsc(Counterpart):
+    def __init__(self, folder, options, rules):
+        super().__init__("mmsc.py", folder, "--port", 0, "--folder", folder, *options, rules=rules)
+
+    def messages(self):
+        return self.entries("parts")
+
+
 class Pager(Counterpart):
     def __init__(self, folder, options, rules):
         super().__init__("pager.py", folder, "--port", 0, *options, rules=rules)
@@ -97,6 +105,10 @@ def smsc(*options, rules=None):
 
 def gateway(*options, rules=None):
     return running(Gateway, options, rules)
+
+
+def mmsc(*options, rules=None):
+    return running(Mmsc, options, rules)
 
 
 def pager(*options, rules=None):
