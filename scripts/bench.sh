@@ -10,6 +10,7 @@ register_dll
 build/release/bench/core_bench "$@"
 scripts/in-wine.sh property_bench.exe
 python3 bench/module/http_bench.py
+python3 bench/module/mm1_bench.py
 # The server ends when its input does.
 coproc SINK { build/release/bench/smpp_sink 27750; }
 scripts/in-wine.sh smpp_bench.exe 27750 </dev/null

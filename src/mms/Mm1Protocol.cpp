@@ -22,7 +22,7 @@ namespace {
 constexpr unsigned kEvent = logmask::kActivity | logmask::kVerbatim;
 constexpr std::size_t kLogRoom = 2048;             // of an entry, besides the texts in it
 constexpr std::size_t kDumped = 2048;              // octets of a unit that a log shows
-constexpr std::size_t kLargestReply = 1024;        // octets of what the centre answers to a message
+constexpr std::size_t kLargestReply = 1024;        // octets of what the centre answers to a unit
 constexpr std::size_t kLargestMessage = 16 << 20;  // octets of a message that is fetched
 constexpr std::size_t kLongestLocation = 2048;     // characters
 constexpr std::size_t kShownLocation = 256;        // of one that is refused
@@ -98,6 +98,7 @@ void CMm1Protocol::HidePasswords(std::vector<std::string> passwords) {
 
 void CMm1Protocol::Clear() {
     (void)ras_.HangUp();
+    ras_.SetCredentials({}, {});
     http_.Close();
     isOnExisting_ = false;
     settings = {};
@@ -269,9 +270,9 @@ ResultCode CMm1Protocol::Submit(CMmsMessage* message) {
             static_cast<long>(unit.size()), static_cast<long>(settings.sizeLimit));
         return result::MmsTooLarge;
     }
-    if (const ResultCode code = Post("m-send-req", unit, kLargestReply); code != result::Success) return code;
+    if (const ResultCode code = Post("m-send-req", unit); code != result::Success) return code;
     const HttpReply answer = http_.TakeReply();
-    LogHex(answer.body, kDumped);
+    LogHex(answer.body);
     Log(kEvent, "Receiving [m-send-conf]...\n");
     Mm1Reply reply = ReadSendConf(answer.body);
     Log(logmask::kVerbatim, "MMSC response code : [%02X]\n", reply.status);
@@ -289,7 +290,7 @@ void CMm1Protocol::Take(Mm1Reply& reply) {
 }
 
 // Posts a unit to the MMS centre.
-ResultCode CMm1Protocol::Post(const char* unit, std::string_view octets, std::size_t largestReply) {
+ResultCode CMm1Protocol::Post(const char* unit, std::string_view octets) {
     if (settings.mmsc.empty()) return result::MmscMissing;
     // Two blanks before "No-Cache" and a host without its port: these lines have always been so.
     const std::string type(mms::kContentType);
@@ -297,10 +298,10 @@ ResultCode CMm1Protocol::Post(const char* unit, std::string_view octets, std::si
         "Content-Length: " + std::to_string(octets.size()) + "\r\nContent-Type: " + type +
         "\r\nAccept: " + type +
         "\r\nCache-Control:  No-Cache\r\nHost: " + HttpUrl::Parse(settings.mmsc).host + "\r\n";
-    http_.settings.largestBody = largestReply;
+    http_.settings.largestBody = kLargestReply;
     const ResultCode code = Request(settings.mmsc, octets);
     if (code != result::Success) return code;
-    LogHex(octets, kDumped);
+    LogHex(octets);
     Log(kEvent, "Sending [%s]...\n", unit);
     return code;
 }
@@ -322,10 +323,10 @@ ResultCode CMm1Protocol::Request(const std::string& url, std::optional<std::stri
     return code;
 }
 
-void CMm1Protocol::LogHex(std::string_view octets, std::size_t most) {
+void CMm1Protocol::LogHex(std::string_view octets) {
     if (!IsLogging()) return;
     std::string dump = "Packet HEX Dump:\n\n";
-    DumpOctets(dump, octets.substr(0, most));
+    DumpOctets(dump, octets.substr(0, kDumped));
     LogSized(logmask::kVerbatim, dump.size() + kLogRoom, "%s", dump.c_str());
 }
 
@@ -370,7 +371,7 @@ void CMm1Protocol::LogReply(const HttpReply& reply) {
     LogSized(logmask::kVerbatim, reply.contentType.size() + kLogRoom, "HTTP CONTENT-TYPE   : %s\n",
              reply.contentType.c_str());
     Log(logmask::kVerbatim, "HTTP CONTENT-LENGTH : %ld\n", static_cast<long>(reply.body.size()));
-    LogHex(reply.body, kDumped);
+    LogHex(reply.body);
 }
 
 // The message is here; what becomes of the answer changes nothing in that.
@@ -381,7 +382,7 @@ void CMm1Protocol::Acknowledge(const std::string& contentLocation, const std::st
     if (!inTransaction && notified.empty()) return;
     const char* unit = inTransaction ? "m-acknowledge-ind" : "m-notifyresp-ind";
     const std::string octets = inTransaction ? AcknowledgeInd(transactionId) : NotifyRespInd(notified);
-    const ResultCode code = Post(unit, octets, kLargestReply);
+    const ResultCode code = Post(unit, octets);
     if (code != result::Success) {
         Log(kEvent, "Sending [%s] failed: %d (%s)\n", unit, code.Number(), Described(code).c_str());
     }

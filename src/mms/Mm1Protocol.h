@@ -95,9 +95,9 @@ class CMm1Protocol : public CVrmBase {
     ResultCode Submit(CMmsMessage* message);
     ResultCode Fetch(const std::string& contentLocation, CMmsMessage& message);
     void Acknowledge(const std::string& contentLocation, const std::string& transactionId);
-    ResultCode Post(const char* unit, std::string_view octets, std::size_t largestReply);
+    ResultCode Post(const char* unit, std::string_view octets);
     ResultCode Request(const std::string& url, std::optional<std::string_view> body);
-    void LogHex(std::string_view octets, std::size_t most);
+    void LogHex(std::string_view octets);
     void LogReply(const HttpReply& reply);
     void Take(Mm1Reply& reply);
     ResultCode Told(ResultCode code, const char* success, const char* failure, const char* last);

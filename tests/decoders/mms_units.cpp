@@ -2,6 +2,7 @@
 // The folder it runs in has a photo.jpg.
 #include "foundation/ErrorTexts.h"
 #include "foundation/Hex.h"
+#include "mms/Mm1Reply.h"
 #include "mms/MmsMessage.h"
 #include "mms/MmsSlide.h"
 
@@ -9,14 +10,14 @@
 
 namespace {
 
-void Print(const char* kind, const CMmsMessage& message) {
-    std::printf("{\"kind\": \"%s\", \"id\": \"%s\", \"unit\": \"%s\"}\n", kind, message.TransactionId.c_str(),
-                hex::Of(message.EncodedMessage).c_str());
+void Print(const char* kind, const std::string& transactionId, const std::string& unit) {
+    std::printf("{\"kind\": \"%s\", \"id\": \"%s\", \"unit\": \"%s\"}\n", kind, transactionId.c_str(),
+                hex::Of(unit).c_str());
 }
 
 bool Encode(const char* kind, CMmsMessage& message) {
     if (message.Encode() != result::Success) return false;
-    Print(kind, message);
+    Print(kind, message.TransactionId, message.EncodedMessage);
     return true;
 }
 
@@ -58,5 +59,8 @@ int main() {
 
     message.From = std::string(28, 'f');  // its length octet is 30, the last that is a length to everyone
     printed = Encode("long sender", message) && printed;
+
+    Print("acknowledged", "r7", AcknowledgeInd("r7"));
+    Print("notified", "n1", NotifyRespInd("n1"));
     return printed ? 0 : 1;
 }

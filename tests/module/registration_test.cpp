@@ -92,6 +92,7 @@ constexpr ClassRow kClasses[] = {
     {L"MmsPermission", L"Quorvane.MmsPermission", L"{D3458AB2-3485-4E68-95CB-49EEA9566B35}"},
     {L"MmsConstants", L"Quorvane.MmsConstants", L"{51B8A8E6-CC2F-4160-8645-E0B264659493}"},
     {L"MmsProtocolMm7", L"Quorvane.MmsProtocolMm7", L"{368A6DD4-34BD-44F7-BE1D-FD282B3112F1}"},
+    {L"MmsProtocolMm1", L"Quorvane.MmsProtocolMm1", L"{F0589DF4-1745-4437-B41A-F72B780410AF}"},
 };
 
 Snapshot Expected(const std::wstring& module) {

@@ -59,10 +59,10 @@ class Gateway(Counterpart):
 
 class Mmsc(Counterpart):
     def __init__(self, folder, options, rules):
-        super().__init__("mmsc.py", folder, "--port", 0, *options, rules=rules)
+        super().__init__("mmsc.py", folder, "--port", 0, "--folder", folder, *options, rules=rules)
 
     def messages(self):
-        return self.entries("number")
+        return self.entries("parts")
 
 
 class Pager(Counterpart):

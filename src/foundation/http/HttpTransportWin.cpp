@@ -46,15 +46,15 @@ class WinHttp {
     static constexpr const char* kName = "winhttp.dll";
     DWORD error = ERROR_SUCCESS;  // why the library cannot be used
 
-#define WINHTTP_FUNCTIONS(X)                                                                         \
-    X(WinHttpOpen)                                                                                   \
-    X(WinHttpConnect)                                                                                \
-    X(WinHttpOpenRequest)                                                                            \
-    X(WinHttpSetCredentials)                                                                         \
-    X(WinHttpSendRequest)                                                                            \
-    X(WinHttpWriteData)                                                                              \
-    X(WinHttpReceiveResponse) X(WinHttpQueryHeaders) X(WinHttpQueryDataAvailable) X(WinHttpReadData) \
-        X(WinHttpQueryAuthSchemes) X(WinHttpSetOption) X(WinHttpSetTimeouts) X(WinHttpCloseHandle)
+#define WINHTTP_FUNCTIONS(X)                                                                          \
+    X(WinHttpOpen)                                                                                    \
+    X(WinHttpConnect)                                                                                 \
+    X(WinHttpOpenRequest)                                                                             \
+    X(WinHttpSetCredentials)                                                                          \
+    X(WinHttpSendRequest)                                                                             \
+    X(WinHttpWriteData) X(WinHttpReceiveResponse) X(WinHttpQueryHeaders) X(WinHttpQueryDataAvailable) \
+        X(WinHttpReadData) X(WinHttpQueryAuthSchemes) X(WinHttpSetOption) X(WinHttpSetTimeouts)       \
+            X(WinHttpCloseHandle)
 #define WINHTTP_POINTER(name) decltype(&::name) name = nullptr;
     WINHTTP_FUNCTIONS(WINHTTP_POINTER)
     WINHTTP_POINTER(WinHttpSetStatusCallback)  // may be missing: tells what is wrong with a certificate
@@ -126,7 +126,10 @@ std::uint32_t LastError() {
 }
 std::uint32_t Result(BOOL done) { return done ? http::kOk : LastError(); }
 
-constexpr DWORD kPiece = 64 * 1024;  // octets of a body that are handed over at once
+// Octets of a body that are handed over at once. Behind the first piece each next waits for the server's
+// acknowledgement of the one before it, which takes its time: a message goes out in one.
+constexpr DWORD kSendPiece = 1024 * 1024;
+constexpr DWORD kReadPiece = 64 * 1024;
 constexpr std::size_t kHeaders = 6;  // kinds of http::Header
 
 // Where an exchange is: what waits for the server now.
@@ -273,7 +276,7 @@ class Session {
         const std::wstring& lines = outgoing.headers;
         std::string& body = outgoing.body;
         const auto total = static_cast<DWORD>(body.size());
-        const DWORD first = std::min(total, kPiece);
+        const DWORD first = std::min(total, kSendPiece);
         std::uint32_t error = Result(winHttp_.WinHttpSendRequest(
             request.get(), lines.empty() ? WINHTTP_NO_ADDITIONAL_HEADERS : lines.c_str(),
             static_cast<DWORD>(lines.size()), first == 0 ? WINHTTP_NO_REQUEST_DATA : body.data(), first,
@@ -281,7 +284,7 @@ class Session {
         for (DWORD sent = first; error == http::kOk && sent < total;) {
             DWORD written = 0;
             error = Result(winHttp_.WinHttpWriteData(request.get(), body.data() + sent,
-                                                     std::min(total - sent, kPiece), &written));
+                                                     std::min(total - sent, kSendPiece), &written));
             sent += written;
         }
         return error;
@@ -325,14 +328,14 @@ class Session {
     void ReadPiece() {
         std::string& octets = piece.octets;
         octets.clear();
-        while (!piece.isLast && octets.size() < kPiece) {
+        while (!piece.isLast && octets.size() < kReadPiece) {
             DWORD available = 0;
             piece.sizeError = Result(winHttp_.WinHttpQueryDataAvailable(request.get(), &available));
             if (piece.sizeError != http::kOk) return;
             piece.isLast = available == 0;
             if (piece.isLast) return;
             const std::size_t old = octets.size();
-            octets.resize(old + std::min<std::size_t>(available, kPiece - old));
+            octets.resize(old + std::min<std::size_t>(available, kReadPiece - old));
             DWORD read = 0;
             piece.readError = Result(winHttp_.WinHttpReadData(
                 request.get(), octets.data() + old, static_cast<DWORD>(octets.size() - old), &read));
