@@ -1,5 +1,6 @@
 #include "mms/MmsMessage.h"
 
+#include "Common/Mime/MultipartWriter.h"
 #include "Common/Wsp/MmsNumbers.h"
 #include "Common/Wsp/WspCharsets.h"
 #include "foundation/Addresses.h"
@@ -7,6 +8,7 @@
 #include "foundation/ErrorTexts.h"
 #include "foundation/Text.h"
 #include "mms/MM1Body.h"
+#include "mms/MM4Body.h"
 #include "mms/MMSECodec.h"
 #include "mms/MmsAddresses.h"
 #include "mms/MmsSlide.h"
@@ -85,11 +87,16 @@ const CMmsMessageSlide* CMmsMessage::NextSlide() {
 }
 
 // Class and priority are not checked: the checks that 34135 and 34136 stand for have never refused anything.
-ResultCode CMmsMessage::Encode() {
+ResultCode CMmsMessage::EncodeAs(std::int32_t protocol) {
     if (std::ranges::all_of(Recipients, &CMmsRecipients::IsEmpty)) return result::NoRecipient;
     if (Slides.empty()) return result::MmsNoSlides;
     TransactionId = NameToken();
     BuildSmil();
+    if (protocol == mms::asMMS_PROTOCOL_MM4) {
+        Boundary = mime::NewBoundary();
+        CMM4Body(*this, GetClock(), GetClock().Now()).Encode(EncodedMessage, Boundary);
+        return result::Success;
+    }
     return CMM1Body(*this, GetClock().Now()).Encode(EncodedMessage);
 }
 
@@ -158,7 +165,7 @@ ResultCode CMmsMessage::SaveToFile(const std::string& file, std::int32_t format)
     {
         const Usual afterwards{FileFormat};
         FileFormat = retrieved ? mms::asMMS_MM1FILE_MRETRIEVECONF : mms::asMMS_MM1FILE_MSENDREQ;
-        code = Encode();
+        code = EncodeAs(mms::asMMS_PROTOCOL_MM1);
     }
     if (code != result::Success) return code;
     return WriteBinaryFile(file, EncodedMessage) ? result::Success : result::MmsSaveFailed;

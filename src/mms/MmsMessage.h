@@ -52,7 +52,8 @@ class CMmsMessage : public CVrmBase, public MmsMessageFields {
   public:
     explicit CMmsMessage(Clock& clock = SystemClock()) : CVrmBase("CMmsMessage", clock) {}
 
-    std::int32_t Protocol = 0;  // an asMMS_PROTOCOL_ constant; everything encodes as MM1. Clear leaves it
+    // An asMMS_PROTOCOL_ constant; what is none encodes as MM1. Clear leaves it.
+    std::int32_t Protocol = 0;
 
     void Clear() { static_cast<MmsMessageFields&>(*this) = {}; }
 
@@ -74,13 +75,13 @@ class CMmsMessage : public CVrmBase, public MmsMessageFields {
     const CMmsMessageSlide* FirstSlide();
     const CMmsMessageSlide* NextSlide();
 
-    // 0, 34130 without recipient, 34140 without slide, 34134 for a subject that is too long. A code leaves
-    // the encoded message as it was.
-    ResultCode Encode();
+    // 0, 34130 without recipient, 34140 without slide; in MM1 form 34134 for a subject that is too long. A
+    // code leaves the encoded message as it was.
+    ResultCode Encode() { return EncodeAs(Protocol); }
     // Takes what the encoded message says; of a damaged one what is whole, with 33763.
     ResultCode Decode();
 
-    // Encodes and writes; the codes of Encode, or 34151.
+    // Encodes as MM1 and writes; the codes of Encode, or 34151.
     ResultCode SaveToFile(const std::string& file, std::int32_t format);
     // Reads and decodes; 34137 for a file that cannot be read or has more than 64 MiB, or the codes of
     // Decode.
@@ -91,6 +92,7 @@ class CMmsMessage : public CVrmBase, public MmsMessageFields {
   private:
     CMmsRecipients* ListOf(std::int32_t type);
     ResultCode RecipientAt(std::int32_t type, std::size_t index, std::string& address);
+    ResultCode EncodeAs(std::int32_t protocol);
     void BuildSmil();
     void TakeFields(const CMMSECodec& unit);
     void TakeParts(const CMMSECodec& unit);

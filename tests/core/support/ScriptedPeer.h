@@ -28,6 +28,9 @@ class ScriptedPeer : public Stream {
         std::vector<Act> acts;
     };
 
+    // As what a row expects: a text of any lines up to one that is only a dot.
+    static constexpr const char* kUpToDot = "\r\n.";
+
     static Act Says(std::string octets, std::uint32_t after = 0) { return {after, std::move(octets)}; }
     // Says the octets again and again, every `every` ms.
     static Act Floods(std::string octets, std::uint32_t every = 0) {
@@ -77,6 +80,13 @@ class ScriptedPeer : public Stream {
         pending_.append(data, size);
         while (!pending_.empty()) {
             const std::string wanted = rows_.empty() ? std::string() : rows_.front().expects + "\r\n";
+            if (!rows_.empty() && rows_.front().expects == kUpToDot) {
+                const std::size_t end = pending_.find(wanted);
+                if (end == std::string::npos) break;
+                pending_.erase(0, end + wanted.size());
+                Play();
+                continue;
+            }
             if (wanted.starts_with(pending_) && pending_ != wanted) break;  // more is to come
             if (rows_.empty() || !pending_.starts_with(wanted)) {
                 ADD_FAILURE() << "said: " << pending_ << "\nexpected: " << wanted;
