@@ -43,6 +43,11 @@ ResultCode Wanting(std::int32_t code, std::int32_t wanted) {
     return code == wanted ? result::Success : ResultCode(code);
 }
 
+std::string_view LastLineOf(std::string_view lines) {
+    const std::size_t end = lines.rfind('\n');
+    return end == std::string_view::npos ? lines : lines.substr(end + 1);
+}
+
 std::string Stuffed(std::string_view mail) {
     std::string text(mail.starts_with('.') ? "." : "");
     text += mail;
@@ -79,7 +84,8 @@ ResultCode SmtpSession::Hello(const std::string& name) {
 // What a prompt asks for, in base64, and as the log may show it.
 bool SmtpSession::FindAnswer(const std::string& account, const std::string& password, std::string& answer,
                              std::string& shown) const {
-    const auto prompt = base64::Decode(std::string_view(replyText_).substr(kCodeSize + 1));
+    const std::string_view line = LastLineOf(replyText_);
+    const auto prompt = base64::Decode(line.substr(std::min(line.size(), kCodeSize + 1)));
     if (!prompt) return false;
     const bool isAccount = ContainsNoCase(*prompt, "Username:");
     if (!isAccount && !ContainsNoCase(*prompt, "Password:")) return false;

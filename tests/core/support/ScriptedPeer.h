@@ -68,6 +68,7 @@ class ScriptedPeer : public Stream {
     struct Due {
         std::uint32_t at;
         Act act;
+        std::size_t taken = 0;  // octets of it that were read
     };
 
     int Write(const char* data, std::size_t size) override {
@@ -110,16 +111,13 @@ class ScriptedPeer : public Stream {
             default:
                 break;
         }
-        const std::size_t count = std::min(size, next.act.octets.size());
-        next.act.octets.copy(data, count);
+        const std::size_t count = next.act.octets.copy(data, size, next.taken);
         if (next.act.kind == Act::Kind::kFlood) {
             std::string& octets = next.act.octets;
             std::rotate(octets.begin(), octets.begin() + static_cast<std::ptrdiff_t>(count), octets.end());
             next.at = clock_->Ticks() + next.act.after;
-        } else if (count == next.act.octets.size()) {
+        } else if ((next.taken += count) == next.act.octets.size()) {
             due_.pop_front();
-        } else {
-            next.act.octets.erase(0, count);
         }
         return static_cast<int>(count);
     }
