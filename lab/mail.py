@@ -7,8 +7,6 @@ The protocol is that of aiosmtpd (Debian package python3-aiosmtpd); AUTH LOGIN i
 The answers to its prompts are the events "account" and "password", the end of a mail is the event ".".
 """
 import asyncio
-import email
-import email.policy
 import logging
 import sys
 import warnings
@@ -22,6 +20,7 @@ from aiosmtpd.smtp import SMTP, AuthResult
 from base.line import HangUp, Line
 from base.scenario import Action
 from base.server import Server
+from wire import mail
 
 ANSWERS = ("account", "password")  # what the lines behind AUTH LOGIN are
 
@@ -164,9 +163,9 @@ class Mail(Server):
         await super().close()
 
     def take(self, envelope):
-        mail = email.message_from_bytes(envelope.content, policy=email.policy.default)
-        self.say(f"mail from {envelope.mail_from} to {', '.join(envelope.rcpt_tos)}: {mail['Subject']}")
-        for part in mail.walk():
+        taken = mail.read(envelope.content)
+        self.say(f"mail from {envelope.mail_from} to {', '.join(envelope.rcpt_tos)}: {taken['Subject']}")
+        for part in taken.walk():
             if not part.is_multipart():
                 size = len(part.get_payload(decode=True))
                 self.say(f"  part {part['Content-location'] or '-'} ({part.get_content_type()}), {size} octets")

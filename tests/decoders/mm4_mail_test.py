@@ -8,7 +8,7 @@ import sys
 import unittest
 
 PROGRAM = os.path.abspath(sys.argv.pop(1))
-FIELDS = ["X-Mms-3GPP-MMS-Version", "X-Mms-Message-Type", "X-Mms-Transaction-Id", "X-Mms-Message-Id", "X-Mms-Ack Request",
+FIELDS = ["X-Mms-3GPP-MMS-Version", "X-Mms-Message-Type", "X-Mms-Transaction-Id", "X-Mms-Message-Id", "X-Mms-Ack-Request",
           "X-Mms-Priority", "X-Mms-Delivery-Report", "X-Mms-Read-Reply", "Message-ID", "Date", "Sender", "From", "Subject"]
 
 
@@ -28,7 +28,10 @@ class Mails(unittest.TestCase):
         self.assertTrue(octets.isascii())
         self.assertFalse(any(line.startswith(b".") or len(line) > 998 or b"\r" in line or b"\n" in line
                              for line in octets.split(b"\r\n")))
-        mail = email.message_from_bytes(octets, policy=email.policy.default)
+        # The documented name has a blank, at which this reader takes the header for over.
+        self.assertEqual(octets.count(b"\r\nX-Mms-Ack Request: No\r\n"), 1)
+        mended = octets.replace(b"X-Mms-Ack Request", b"X-Mms-Ack-Request")
+        mail = email.message_from_bytes(mended, policy=email.policy.default)
         self.assertEqual(mail.defects, [])
         self.assertEqual([name for name, _ in mail.items()], [*FIELDS, *recipients, "Content-Type"])
         self.assertEqual((mail.get_content_type(), mail.get_param("start"), mail.get_param("type")),
@@ -64,7 +67,7 @@ class Mails(unittest.TestCase):
     def test_nothing_makes_a_field_of_its_own(self):
         mail, _ = self.read("lines", ["To", "Cc", "Bcc"])
         self.assertEqual(mail["Subject"].split(), ["one", "Bcc:", "two", "."])
-        self.assertIn("Bcc: c@d", str(mail["From"]))
+        self.assertIn(b"\r\nFrom: a@b    .  Bcc: c@d\r\n", self.mails["lines"][1])
         self.assertEqual(mail["Bcc"], "bob@example.org")
 
 

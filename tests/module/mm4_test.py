@@ -1,6 +1,4 @@
 """The MM4 channel of the registered module, from scripts, against a mail server over real SMTP."""
-import email
-import email.policy
 import pathlib
 import sys
 import time
@@ -9,6 +7,7 @@ import unittest
 sys.path.insert(0, str(pathlib.Path(__file__).parent))
 import wine  # noqa: E402
 from wine import mail  # noqa: E402
+from wire.mail import read  # noqa: E402
 
 EXAMPLES = wine.ROOT / "examples/mm4"
 SIZES = (1, 2, 3, 56, 57, 58, 300000)  # of files; 0 is an array, since an empty file is none
@@ -38,7 +37,7 @@ def every(size):
 
 def parts_of(entry):
     """The content of each part but the presentation, by its name."""
-    parts = email.message_from_bytes(entry["mail"].encode("latin-1"), policy=email.policy.default).iter_parts()
+    parts = read(entry["mail"].encode("latin-1")).iter_parts()
     return {part["Content-location"]: part.get_payload(decode=True) for part in list(parts)[1:]}
 
 
@@ -76,8 +75,7 @@ WScript.Echo(message.Protocol + "|" + (message.EncodedMessage.indexOf("--" + mes
             entry, = server.mails()
             self.assertEqual((entry["from"], entry["to"]), ("+31600000001@example.net", ["31612345678@example.net"]))
             self.assertEqual(parts_of(entry), {"0.jpg": b"", **{f"{size}.jpg": every(size) for size in SIZES}})
-            read = email.message_from_string(entry["mail"], policy=email.policy.default)
-            self.assertEqual(read["Subject"], "Grüße €")
+            self.assertEqual(read(entry["mail"].encode("latin-1"))["Subject"], "Grüße €")
             self.assertEqual(server.commands()[-1], "QUIT")
 
     def test_refusals_and_odd_replies(self):
