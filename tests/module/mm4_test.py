@@ -128,7 +128,7 @@ WScript.Echo([peer.ProviderHost, peer.ProviderPort, peer.ProviderAccount, peer.P
     def test_log_and_provider_file(self):
         with wine.folder() as path, mail(*ACCOUNT) as server:
             lines = wine.lines_of(HEAD.replace("for (i = 1;", "for (i = 9;") + """
-var folder = WScript.Arguments.Item(1) + "\\";
+var folder = WScript.Arguments.Item(1) + "\\\\";
 peer.ProviderAccount = "user"; peer.ProviderPassword = "secret!"; peer.ProviderMM4Version = 18; peer.ProviderMM4Format = 2;
 peer.ProviderSaveConfig(folder + "peer.ini"); WScript.Echo(peer.LastError);
 peer.Clear(); peer.ProviderLoadConfig(folder + "peer.ini");
