@@ -108,6 +108,8 @@ CHANNELS = [
     Channel("SMS through an HTTP gateway", "http", "gateway.py", ("--account", "demo:secret"), "The gateway saw:",
             shows_log=False),
     Channel("A page through a paging server", "pager", "pager.py", ("--password", "secret"), "The server saw:"),
+    Channel("A picture message to a peer MMS server, over MM4", "mm4", "mail.py", ("--account", "demo:secret"),
+            "The server saw:", activity=True, shows_log=False),
 ] + [
     Channel(f"A message through a dialled provider, over {kind}", "dialup", "modem.py",
             ("--provider", kind.lower(), "--provider-password", "secret"), "The provider saw:", com=6, kind=(kind,))
