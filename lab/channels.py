@@ -93,6 +93,11 @@ CHANNELS = [
             'MmsProtocolMm1: AdvancedSettings = "UseExistingConnection=1", ProviderWAPGateway = "http://127.0.0.1:{0}", '
             'ProviderMMSC = "http://mmsc.example.org/mms", Device = "{1}"',
             kind=(windows_path(WORK),), shows_log=False),
+    Channel("mm4", "A picture message to a peer MMS server, by mail (MM4)",
+            (Peer("mail.py", ("--account", "demo:secret"), "The server saw:",
+                  '{"match": "RCPT", "do": "refuse", "code": 550}'),),
+            'MmsProtocolMm4: ProviderHost = "127.0.0.1", ProviderPort = {0}, ProviderAccount = "demo", '
+            'ProviderPassword = "secret", ProviderDomain = "mms.example.net"', activity=True, shows_log=False),
     Channel("mm7", "A picture message to an MMS centre (MM7)", (MMS_CENTRE,),
             'MmsProtocolMm7: ProviderHost = "127.0.0.1", ProviderPort = {0}, ProviderPath = "mm7"'),
 ]

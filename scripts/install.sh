@@ -3,7 +3,7 @@
 # Does nothing when all is there.
 set -eu
 
-demo=(cmake ninja-build python3 g++-mingw-w64-x86-64-posix mingw-w64-tools libwine-dev wine wine64)
+demo=(cmake ninja-build python3 python3-aiosmtpd g++-mingw-w64-x86-64-posix mingw-w64-tools libwine-dev wine wine64)
 test=(clang codespell libclang-rt-14-dev g++ googletest tshark gammu libnet-smpp-perl nginx-light openssl tinyproxy mono-mcs
   python3-pygments)
 full=(clang-format clang-tidy libbenchmark-dev)

@@ -1,7 +1,23 @@
 #include "foundation/Clock.h"
 
+#include "foundation/ZoneOffsets.h"
+
 #include <array>
 #include <cstdio>
+#include <cstdlib>
+#include <tuple>
+
+namespace {
+
+// Minutes from UTC to a local time of the same moment.
+int ZoneMinutes(const CalendarTime& local, const CalendarTime& utc) {
+    constexpr int kMinutesPerHour = 60, kMinutesPerDay = 1440;
+    const auto day = [](const CalendarTime& t) { return std::tuple(t.year, t.month, t.day); };
+    const int days = day(local) > day(utc) ? 1 : day(local) < day(utc) ? -1 : 0;
+    return days * kMinutesPerDay + (local.hour - utc.hour) * kMinutesPerHour + local.minute - utc.minute;
+}
+
+}  // namespace
 
 std::string ClockPrefix(const CalendarTime& local) {
     std::array<char, 48> text{};
@@ -28,6 +44,22 @@ LocalTimeText TimeText(Clock& clock, std::int64_t seconds) {
     if (t.hour >= 12) text[20] = 'P';
     text[21] = 'M';
     return text;
+}
+
+std::string MailTimeText(Clock& clock, std::int64_t seconds) {
+    constexpr const char* kDays[] = {"Thu", "Fri", "Sat", "Sun", "Mon", "Tue", "Wed"};  // as of 1970
+    constexpr const char* kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                       "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    constexpr int kSecondsPerMinute = 60, kMinutesPerHour = 60, kHourPlace = 100;
+    const CalendarTime t = clock.ToLocal(seconds);
+    const int zone = ZoneMinutes(t, ToUtc(seconds));
+    const std::int64_t day = FloorDivide(seconds + std::int64_t{zone} * kSecondsPerMinute, kDay);
+    const int digits = std::abs(zone) / kMinutesPerHour * kHourPlace + std::abs(zone) % kMinutesPerHour;
+    std::array<char, 96> text{};
+    std::snprintf(text.data(), text.size(), "%s, %d %s %04d %02d:%02d:%02d %c%04d", kDays[(day % 7 + 7) % 7],
+                  t.day, kMonths[(t.month + 11) % 12], t.year, t.hour, t.minute, t.second,
+                  zone < 1 ? '-' : '+', digits);
+    return text.data();
 }
 
 std::string UtcTimeText(std::int64_t seconds) {

@@ -60,5 +60,8 @@ std::string ClockPrefix(const CalendarTime& local);
 using LocalTimeText = InlineText<22>;
 LocalTimeText TimeText(Clock& clock, std::int64_t seconds);
 
+// As mails have it, RFC 5322, in local time: "Sun, 15 Nov 2026 13:45:10 +0100"; no offset reads "-0000".
+std::string MailTimeText(Clock& clock, std::int64_t seconds);
+
 // The same in UTC as programs read it: "2026-11-15T13:45:10Z".
 std::string UtcTimeText(std::int64_t seconds);

@@ -9,10 +9,14 @@
 #include <algorithm>
 #include <array>
 
+std::string mms::BareAddress(std::string_view address) {
+    std::string bare(address);
+    for (const std::string_view type : {kTypeNumber, kTypeIPv4, kTypeIPv6}) ReplaceAll(bare, type, {});
+    return bare;
+}
+
 std::string mms::AddressIn(const MmsField& field) {
-    std::string address = ToAnsi(wsp::WideText(field.text, field.charset));
-    for (const std::string_view type : {kTypeNumber, kTypeIPv4, kTypeIPv6}) ReplaceAll(address, type, {});
-    return address;
+    return BareAddress(ToAnsi(wsp::WideText(field.text, field.charset)));
 }
 
 std::int32_t mms::ClassIn(const MmsField& field) {

@@ -13,7 +13,10 @@ inline constexpr std::string_view kTypeNumber = "/TYPE=PLMN";
 inline constexpr std::string_view kTypeIPv4 = "/TYPE=IPv4";
 inline constexpr std::string_view kTypeIPv6 = "/TYPE=IPv6";
 
-// The address without its type.
+// An address without its type.
+std::string BareAddress(std::string_view address);
+
+// The address in a field, without its type.
 std::string AddressIn(const MmsField& field);
 
 // An asMMS_CLASS_ constant; personal for a class that has none.

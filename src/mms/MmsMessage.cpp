@@ -1,5 +1,6 @@
 #include "mms/MmsMessage.h"
 
+#include "Common/Mime/MultipartWriter.h"
 #include "Common/Wsp/MmsNumbers.h"
 #include "Common/Wsp/WspCharsets.h"
 #include "foundation/Addresses.h"
@@ -7,6 +8,7 @@
 #include "foundation/ErrorTexts.h"
 #include "foundation/Text.h"
 #include "mms/MM1Body.h"
+#include "mms/MM4Body.h"
 #include "mms/MM7Body.h"
 #include "mms/MMSECodec.h"
 #include "mms/MmsAddresses.h"
@@ -85,8 +87,6 @@ const CMmsMessageSlide* CMmsMessage::NextSlide() {
     return SlideCursor < Slides.size() ? &Slides[SlideCursor++] : nullptr;
 }
 
-ResultCode CMmsMessage::Encode() { return EncodeAs(Protocol); }
-
 // Class and priority are not checked: the checks that 34135 and 34136 stand for have never refused anything.
 ResultCode CMmsMessage::EncodeAs(std::int32_t protocol) {
     if (std::ranges::all_of(Recipients, &CMmsRecipients::IsEmpty)) return result::NoRecipient;
@@ -95,6 +95,10 @@ ResultCode CMmsMessage::EncodeAs(std::int32_t protocol) {
     BuildSmil();
     const std::int64_t now = GetClock().Now();
     switch (protocol) {
+        case mms::asMMS_PROTOCOL_MM4:
+            Boundary = mime::NewBoundary();
+            CMM4Body(*this, GetClock(), now).Encode(EncodedMessage, Boundary);
+            return result::Success;
         case mms::asMMS_PROTOCOL_MM7:
             return CMM7Body(*this, now).Encode(EncodedMessage, Boundary);
         default:

@@ -52,7 +52,8 @@ class CMmsMessage : public CVrmBase, public MmsMessageFields {
   public:
     explicit CMmsMessage(Clock& clock = SystemClock()) : CVrmBase("CMmsMessage", clock) {}
 
-    std::int32_t Protocol = 0;  // an asMMS_PROTOCOL_ constant; any other encodes as MM1. Clear leaves it
+    // An asMMS_PROTOCOL_ constant; what is none encodes as MM1. Clear leaves it.
+    std::int32_t Protocol = 0;
 
     void Clear() { static_cast<MmsMessageFields&>(*this) = {}; }
 
@@ -74,9 +75,9 @@ class CMmsMessage : public CVrmBase, public MmsMessageFields {
     const CMmsMessageSlide* FirstSlide();
     const CMmsMessageSlide* NextSlide();
 
-    // In the form that `Protocol` says. 0, 34130 without recipient, 34140 without slide, 34134 for a subject
-    // that is too long. A code leaves the encoded message as it was.
-    ResultCode Encode();
+    // In the form that `Protocol` says. 0, 34130 without recipient, 34140 without slide; in MM1 and MM7 form
+    // 34134 for a subject that is too long. A code leaves the encoded message as it was.
+    ResultCode Encode() { return EncodeAs(Protocol); }
     // Takes what the encoded message says; of a damaged one what is whole, with 33763.
     ResultCode Decode();
 
@@ -89,9 +90,9 @@ class CMmsMessage : public CVrmBase, public MmsMessageFields {
     ResultCode LoadCustomSmil(const std::string& file);
 
   private:
-    ResultCode EncodeAs(std::int32_t protocol);
     CMmsRecipients* ListOf(std::int32_t type);
     ResultCode RecipientAt(std::int32_t type, std::size_t index, std::string& address);
+    ResultCode EncodeAs(std::int32_t protocol);
     void BuildSmil();
     void TakeFields(const CMMSECodec& unit);
     void TakeParts(const CMMSECodec& unit);

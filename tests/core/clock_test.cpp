@@ -104,6 +104,28 @@ TEST(LibraryCalendar, AgreesWithTheCLibrary) {
     }
 }
 
+TEST(LibraryCalendar, GivesTheTimeOfMails) {
+    struct Row {
+        const char* zone;
+        std::int64_t seconds;
+        const char* text;
+    };
+    for (const Row& row : {
+             Row{"UTC", kWinter, "Wed, 21 Jan 2026 12:53:20 -0000"},
+             Row{"Europe/Amsterdam", kWinter, "Wed, 21 Jan 2026 13:53:20 +0100"},
+             Row{"Europe/Amsterdam", kSummer, "Tue, 14 Jul 2026 05:33:20 +0200"},
+             Row{"America/St_Johns", kWinter, "Wed, 21 Jan 2026 09:23:20 -0330"},
+             Row{"Asia/Kolkata", 1'767'205'800, "Thu, 1 Jan 2026 00:00:00 +0530"},
+             Row{"Pacific/Apia", 1'767'180'000, "Thu, 1 Jan 2026 00:20:00 +1300"},
+             Row{"America/New_York", 1'767'240'000, "Wed, 31 Dec 2025 23:00:00 -0500"},
+             Row{"UTC", -1, "Wed, 31 Dec 1969 23:59:59 -0000"},
+         }) {
+        const Zone zone(row.zone);
+        ZoneClock clock(row.seconds);
+        EXPECT_EQ(MailTimeText(clock, row.seconds), row.text);
+    }
+}
+
 TEST(LibraryCalendar, ChangesAtTheMinuteWithTheZone) {
     const Zone zone("Europe/Berlin");
     for (const std::int64_t now : {kWinter, kSummer}) {

@@ -271,12 +271,14 @@ TEST(MmsRecipients, AreGivenTheFirstOneTwice) {
 TEST_F(Message, ClearLeavesTheProtocol) {
     message.Protocol = 7;
     message.Subject = u"s";
-    message.Settings.version = 5;
+    message.Settings = {.schema = 5, .version = 6, .variation = 1};
     (void)Encoded();
     message.Clear();
-    EXPECT_EQ(std::tuple(message.Protocol, message.Priority, message.Settings.version, message.NextSlideId,
-                         message.EncodedMessage, message.Slides.size(), message.TransactionId),
-              std::tuple(7, 1, 2, 1, "", 0U, ""));
+    EXPECT_EQ(std::tuple(message.Protocol, message.Priority, message.NextSlideId, message.EncodedMessage,
+                         message.Slides.size(), message.TransactionId),
+              std::tuple(7, 1, 1, "", 0U, ""));
+    const MmsSettings& settings = message.Settings;
+    EXPECT_EQ(std::tuple(settings.schema, settings.version, settings.variation), std::tuple(2, 0, 0));
 }
 
 TEST_F(Message, SlidesAreWalked) {

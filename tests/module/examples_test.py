@@ -15,6 +15,7 @@ PROGRAMS = {  # what each tells of its arguments
     "smpp_example": r"send [^\n]* \| receive [^\n]*",
     "http_example": r"127\.0\.0\.1 8080 [^\n]*",
     "dialup_example": r"COM5 ucp\|tap [^\n]*",
+    "mm4_example": r"127\.0\.0\.1 2525 [^\n]*",
     "pager_example": r"127\.0\.0\.1 4444 [^\n]*",
     "mm7_example": r"provider\.ini [^\n]*",
     "mm1_example": r"send provider\.ini [^\n]* \| receive provider\.ini [^\n]*",
@@ -46,7 +47,7 @@ class Usage(unittest.TestCase):
             with self.subTest(file.name):
                 code, output = wine.script(file)
                 self.assertEqual(code, 2)
-                self.assertRegex(output, rf"^cscript {file.name} (COM5|127\.0\.0\.1 (2775 user password|8080|4444)|message\.mms|provider\.ini)[^\n]*\n$")
+                self.assertRegex(output, rf"^cscript {file.name} (COM5|127\.0\.0\.1 (2775 user password|8080|4444|2525)|message\.mms|provider\.ini)[^\n]*\n$")
         for program, arguments in PROGRAMS.items():
             with self.subTest(program):
                 code, output = wine.run(f"{program}.exe")

@@ -91,6 +91,7 @@ constexpr ClassRow kClasses[] = {
     {L"MmsSlide", L"Quorvane.MmsSlide", L"{43BFDCA2-0801-4A5F-897F-DA987DD62EF3}"},
     {L"MmsPermission", L"Quorvane.MmsPermission", L"{D3458AB2-3485-4E68-95CB-49EEA9566B35}"},
     {L"MmsConstants", L"Quorvane.MmsConstants", L"{51B8A8E6-CC2F-4160-8645-E0B264659493}"},
+    {L"MmsProtocolMm4", L"Quorvane.MmsProtocolMm4", L"{BC79F6EF-F0D4-45A6-AB37-44A9ED6B084A}"},
     {L"MmsProtocolMm7", L"Quorvane.MmsProtocolMm7", L"{368A6DD4-34BD-44F7-BE1D-FD282B3112F1}"},
     {L"MmsProtocolMm1", L"Quorvane.MmsProtocolMm1", L"{F0589DF4-1745-4437-B41A-F72B780410AF}"},
 };

@@ -73,6 +73,17 @@ class Pager(Counterpart):
         return [(entry["pager"], entry["text"]) for entry in self.entries("pager")]
 
 
+class Mail(Counterpart):
+    def __init__(self, folder, options, rules):
+        super().__init__("mail.py", folder, "--port", 0, *options, rules=rules)
+
+    def mails(self):
+        return self.entries("mail")
+
+    def commands(self):
+        return [entry["command"] for entry in self.entries("command")]
+
+
 @contextlib.contextmanager
 def folder():
     path = pathlib.Path(tempfile.mkdtemp(prefix="neltctrl-"))
@@ -113,3 +124,7 @@ def mmsc(*options, rules=None):
 
 def pager(*options, rules=None):
     return running(Pager, options, rules)
+
+
+def mail(*options, rules=None):
+    return running(Mail, options, rules)

@@ -40,7 +40,7 @@ int ReplyDialogue::Say(std::string_view line, std::string_view shown) {
 
 int ReplyDialogue::SayText(std::string_view text, std::string_view shown) {
     LogText(manner_.saidFormat, shown);
-    if (manner_.unit == DialogueManner::Unit::kOctets && std::exchange(wasHeard_, false)) {
+    if (std::exchange(wasHeard_, false)) {
         if (const int outcome = DropRest(); outcome != tcp::kSuccess) return outcome;
     }
     return stream_->SendLine(std::string(text) + kReturn, manner_.sendTime, Timer::kForever);
@@ -56,10 +56,11 @@ int ReplyDialogue::DropRest() {
         const int outcome = stream_->ReceiveWithin(buffer.data(), buffer.size(), time, received);
         if (outcome == tcp::kTotalTimedOut) return tcp::kSuccess;
         if (outcome != tcp::kSuccess) return outcome;
-        lineIsOpen_ = buffer[received - 1] != kLineFeed;
+        lineIsOpen_ = manner_.unit == DialogueManner::Unit::kOctets && buffer[received - 1] != kLineFeed;
         dropped += received;
     }
-    return tcp::kBufferFull;
+    // A reply in lines was given up as too large: what is left of it does not keep a farewell back.
+    return manner_.unit == DialogueManner::Unit::kLine ? tcp::kSuccess : tcp::kBufferFull;
 }
 
 Reply ReplyDialogue::Hear(const ReplyTimes& times) {
@@ -69,6 +70,7 @@ Reply ReplyDialogue::Hear(const ReplyTimes& times) {
     } else {
         HearOctets(times, reply);
     }
+    wasHeard_ = true;
     if (reply.outcome == tcp::kSuccess) reply.code = FirstNumber(reply.pieces.back());
     return reply;
 }
@@ -122,7 +124,6 @@ void ReplyDialogue::HearOctets(const ReplyTimes& times, Reply& reply) {
         }
     }
     lineIsOpen_ = !octets.empty() && octets.back() != kLineFeed;
-    wasHeard_ = true;
     if (reply.outcome == tcp::kSuccess) LogText(manner_.heardFormat, octets);
     if (!octets.empty()) reply.pieces.push_back(std::move(octets));
 }

@@ -23,8 +23,7 @@ struct DialogueManner {
     bool (*isEnd)(std::string_view piece);
 
     std::uint32_t sendTime;  // ms for a command to go out
-    // Octets only: ms that the next command waits for the end of the line in which a reply ended. What has
-    // come behind a reply by then is dropped.
+    // Octets only: ms that the next command waits for the end of the line in which a reply ended.
     std::uint32_t restOfLine;
     std::size_t longestLine;   // octets, about
     std::size_t largestReply;  // octets, about, dropped ones included
@@ -42,7 +41,8 @@ struct ReplyTimes {
     std::uint32_t whole = Timer::kForever;
 };
 
-// One connection's dialogue. Lines end with CR LF; those heard may end with LF alone.
+// One connection's dialogue. Lines end with CR LF; those heard may end with LF alone. What has come behind a
+// reply when the next command goes out is no answer to it and is dropped.
 class ReplyDialogue {
   public:
     ReplyDialogue(Stream& stream, CKorBase& log, const DialogueManner& manner);
@@ -60,8 +60,10 @@ class ReplyDialogue {
     Reply Ask(std::string_view line, const ReplyTimes& times);
     Reply Ask(std::string_view line, std::string_view shown, const ReplyTimes& times);
 
-  private:
+    // Hears the reply to what was said with this outcome.
     Reply HearAfter(int said, const ReplyTimes& times);
+
+  private:
     int DropRest();
     void HearLines(const ReplyTimes& times, Reply& reply);
     void HearOctets(const ReplyTimes& times, Reply& reply);
