@@ -105,7 +105,7 @@ peer.ProviderAccount = "user"; peer.ProviderPassword = "secret!"; Send(message);
     def test_lists_domains_and_nonsense(self):
         with mail() as server:
             lines = wine.lines_of(HEAD + """
-message.From = "me@example.org"; message.Subject = "one\r\n.\r\nBcc: two";
+message.From = "me@example.org"; message.Subject = "one\\r\\n.\\r\\nBcc: two";
 message.AddRecipient("to@example.org");
 for (i = 0; i < 4; ++i) message.AddRecipient("cc" + i + "@example.org", 1);
 Send(message);
