@@ -50,7 +50,7 @@ class Installer:
     def source(self):
         root = xml.Element("Wix", xmlns="http://schemas.microsoft.com/wix/2006/wi")
         product = xml.SubElement(
-            root, "Product", Id=self.names.guid(f"product {self.product.file_version}"), Name=self.product.name, Language="1033",
+            root, "Product", Id=self.names.guid(f"product {self.product.version}"), Name=self.product.name, Language="1033",
             Version=self.product.version, Manufacturer=self.product.company, UpgradeCode=self.names.guid("upgrade"))
         xml.SubElement(product, "Package", InstallerVersion="500", Compressed="yes", InstallScope="perMachine")
         xml.SubElement(product, "MajorUpgrade", DowngradeErrorMessage="A newer version is installed.")
@@ -116,6 +116,8 @@ class Installer:
         for folder in ("INSTALLDIR", "COMPANYDIR"):
             yield ("INSERT INTO `CreateFolder` (`Directory_`, `Component_`) VALUES "
                    f"('{folder}', '{self.names.key(f'component {PROVIDERS}')}')")
+        yield ("UPDATE `Property` SET `Value`='WIX_DOWNGRADE_DETECTED;WIX_UPGRADE_DETECTED;INSTALLDIR' "
+               "WHERE `Property`='SecureCustomProperties'")
         # A newer version goes where the older one is, unless the command line says where; sought in the 64-bit registry.
         yield "UPDATE `RegLocator` SET `Type`=18 WHERE `Root`=2"
         yield ("INSERT INTO `CustomAction` (`Action`, `Type`, `Source`, `Target`) VALUES "

@@ -4,7 +4,7 @@
 
 #define PRODUCT_NAME "Velqar"
 #define PRODUCT_COMPANY "Quorvane"
-#define PRODUCT_COPYRIGHT "Copyright (C) Quorvane.."
+#define PRODUCT_COPYRIGHT "Copyright (C) Quorvane"
 #define PRODUCT_DESCRIPTION "Messaging component: SMS, pager messages and MMS"
 #define PRODUCT_MODULE "NeltCtrlx64.dll"
 

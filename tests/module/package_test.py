@@ -93,6 +93,12 @@ class Packages(unittest.TestCase):
         for path in (BUILD / "generated").iterdir():
             self.assertNotIn(str(wine.ROOT).encode(), path.read_bytes(), path.name)
 
+    def test_programs_name_the_assembly_as_the_manifest_does(self):
+        manifest = (BUILD / "generated/NeltCtrlx64.manifest").read_text(encoding="utf-8")
+        for name in ("examples/regfree/program.manifest", "docs/installing.md"):
+            identity = re.search("<assemblyIdentity [^>]+>", (wine.ROOT / name).read_text(encoding="utf-8"))
+            self.assertIn(identity[0], manifest, name)
+
     def test_the_archive_holds_what_a_user_needs(self):
         with zipfile.ZipFile(FOLDER / f"{NAME}.zip") as archive:
             names = [name.removeprefix(f"{NAME}/") for name in archive.namelist()]

@@ -25,7 +25,7 @@ TEST(VersionResource, SaysWhatTheModuleIs) {
         {L"CompanyName", L"Quorvane"},
         {L"FileDescription", L"Messaging component: SMS, pager messages and MMS"},
         {L"FileVersion", L"5.3.10.1123"},
-        {L"LegalCopyright", L"Copyright (C) Quorvane."},
+        {L"LegalCopyright", L"Copyright (C) Quorvane"},
         {L"OriginalFilename", L"NeltCtrlx64.dll"},
         {L"ProductName", L"Velqar"},
         {L"ProductVersion", L"5.3.10.1123"},
