@@ -27,9 +27,9 @@ HOME = DRIVE / "Program Files/Quorvane/Velqar"
 LIBRARY = "{52FC26A8-E26C-4C45-A617-BD173EF0AE9C}"
 
 
-def package(*arguments, root=wine.ROOT, folder=FOLDER, **surroundings):
+def package(*arguments, root=wine.ROOT, folder=FOLDER, umask=-1, **surroundings):
     subprocess.run([sys.executable, root / "packaging/package.py", root / "build/windows", folder, *arguments], check=True,
-                   env={**os.environ, **surroundings})
+                   umask=umask, env={**os.environ, **surroundings})
     return folder
 
 
@@ -79,7 +79,7 @@ class Packages(unittest.TestCase):
         shutil.copytree(BUILD / "generated", other / "build/windows/generated")
         for path in other.rglob("*"):
             os.utime(path, (1234567890, 1234567890))
-        package(root=other, folder=other / "made", TZ="Asia/Tokyo", LC_ALL="C", SOURCE_DATE_EPOCH="99", PYTHONHASHSEED="7")
+        package(root=other, folder=other / "made", umask=0o077, TZ="Asia/Tokyo", LC_ALL="C", PYTHONHASHSEED="7")
         for end in ("msi", "zip"):
             self.assertEqual((FOLDER / f"{NAME}.{end}").read_bytes(), (other / f"made/{NAME}.{end}").read_bytes(), end)
 

@@ -40,6 +40,16 @@ TEST(VersionResource, SaysWhatTheModuleIs) {
     EXPECT_EQ(fixed.dwFileVersionLS, MAKELONG(1123, 10));
     EXPECT_EQ(fixed.dwProductVersionMS, fixed.dwFileVersionMS);
     EXPECT_EQ(fixed.dwProductVersionLS, fixed.dwFileVersionLS);
+
+    // The help of the member says it too.
+    Com<ITypeInfo> info;
+    Bstr help;
+    DISPID member = 0;
+    auto* name = const_cast<LPOLESTR>(L"Build");
+    ASSERT_EQ(dispatch->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &member), S_OK);
+    ASSERT_EQ(dispatch->GetTypeInfo(0, LOCALE_USER_DEFAULT, info.out()), S_OK);
+    info->GetDocumentation(member, nullptr, help.out(), nullptr, nullptr);
+    EXPECT_NE(help.str().find(L"\"" + build.str() + L"\""), std::wstring::npos) << help.str();
 }
 
 }  // namespace
