@@ -26,7 +26,7 @@ Check message, "The recipients"
 message.AddSlide slide
 
 peer.Send message
-Check peer, "Send failed"
+Check peer, "Send"
 WScript.Echo "Sent a mail of " & Len(message.EncodedMessage) & " octets, the server answered: " & peer.ProviderResponse
 WScript.Echo "Done"
 
@@ -42,6 +42,6 @@ End Function
 
 Sub Check(object, what)
     If object.LastError = 0 Then Exit Sub
-    WScript.Echo what & ": " & object.LastError & " " & object.GetErrorDescription(object.LastError)
+    WScript.Echo what & " failed: " & object.LastError & " " & object.GetErrorDescription(object.LastError)
     WScript.Quit 1
 End Sub

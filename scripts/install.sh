@@ -1,18 +1,21 @@
 #!/usr/bin/env bash
-# Installs what a job needs on Debian 12: `install.sh demo`, `test` (the demo's and more) or `full` (the tests' and more).
+# Installs what a job needs on Debian 12: `install.sh demo`, `package` or `test` (the one before and more), or `full` (the tests' and
+# more).
 # Does nothing when all is there.
 set -eu
 
 demo=(cmake ninja-build python3 python3-aiosmtpd g++-mingw-w64-x86-64-posix mingw-w64-tools libwine-dev wine wine64)
+package=(wixl msitools osslsigncode)
 test=(clang codespell libclang-rt-14-dev g++ googletest tshark gammu libnet-smpp-perl nginx-light openssl tinyproxy mono-mcs
   python3-pygments)
 full=(clang-format clang-tidy libbenchmark-dev)
 case ${1:-} in
   demo) packages=("${demo[@]}") ;;
-  test) packages=("${demo[@]}" "${test[@]}") ;;
-  full) packages=("${demo[@]}" "${test[@]}" "${full[@]}") ;;
+  package) packages=("${demo[@]}" "${package[@]}") ;;
+  test) packages=("${demo[@]}" "${package[@]}" "${test[@]}") ;;
+  full) packages=("${demo[@]}" "${package[@]}" "${test[@]}" "${full[@]}") ;;
   *)
-    echo "usage: $0 demo|test|full" >&2
+    echo "usage: $0 demo|package|test|full" >&2
     exit 2
     ;;
 esac

@@ -1,8 +1,8 @@
-# Sourced: a Wine prefix of the project's own below build/, without a display.
+# Sourced: a Wine prefix of the project's own below build/, or the folder NELTCTRL_PREFIX, without a display.
 # Gives: wine_start (makes the prefix once and keeps one server), wine_stop, register_dll.
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
-export WINEPREFIX="$root/build/wine" WINEARCH=win64 WINEDEBUG=-all DISPLAY= WINEDLLOVERRIDES='mscoree,mshtml='
+export WINEPREFIX="${NELTCTRL_PREFIX:-$root/build/wine}" WINEARCH=win64 WINEDEBUG=-all DISPLAY= WINEDLLOVERRIDES='mscoree,mshtml='
 export LC_ALL=C.UTF-8  # so that Windows programs get any character as an argument
 dll="$root/build/windows/NeltCtrlx64.dll"
 

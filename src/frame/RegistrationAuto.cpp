@@ -7,9 +7,28 @@
 #include <oaidl.h>
 #include <olectl.h>
 #include <string>
-#include <vector>
+#include <utility>
 
 namespace {
+
+// A row of the registration: what is below HKEY_CLASSES_ROOT for every class.
+struct Value {
+    const wchar_t* key;
+    const wchar_t* name;  // empty = the key's own value
+    const wchar_t* text;  // null = the key alone
+};
+
+constexpr Value kValues[] = {
+#define REGISTRATION_VALUE(key, name, text) {L"" key, L"" name, L"" text},
+#include "frame/RegistrationRows.inc"
+#define REGISTRATION_KEY(key) {L"" key, nullptr, nullptr},
+#include "frame/RegistrationRows.inc"
+};
+
+constexpr const wchar_t* kTrees[] = {
+#define REGISTRATION_TREE(key) L"" key,
+#include "frame/RegistrationRows.inc"
+};
 
 std::wstring GuidText(const GUID& guid) {
     wchar_t text[40]{};
@@ -17,46 +36,30 @@ std::wstring GuidText(const GUID& guid) {
     return text;
 }
 
-struct Value {
-    std::wstring key;     // below HKEY_CLASSES_ROOT
-    const wchar_t* name;  // null = the key's default value
-    std::wstring text;
-    bool hasText = true;
-};
-
-// Everything that one class has in the registry, a key always before the keys below it.
-std::vector<Value> ValuesOf(const CreatableClass& row) {
-    const std::wstring clsid = GuidText(*row.clsid);
-    const std::wstring independent = row.progId;
-    const std::wstring versioned = independent + L".1";
-    const std::wstring home = L"CLSID\\" + clsid;
-    return {
-        {versioned, nullptr, row.description},
-        {versioned + L"\\CLSID", nullptr, clsid},
-        {independent, nullptr, row.description},
-        {independent + L"\\CLSID", nullptr, clsid},
-        {independent + L"\\CurVer", nullptr, versioned},
-        {home, nullptr, row.description},
-        {home + L"\\ProgID", nullptr, versioned},
-        {home + L"\\VersionIndependentProgID", nullptr, independent},
-        {home + L"\\Programmable", nullptr, {}, false},
-        {home + L"\\InprocServer32", nullptr, Module::Get().Path()},
-        {home + L"\\InprocServer32", L"ThreadingModel", L"Apartment"},
-        {home + L"\\TypeLib", nullptr, GuidText(LIBID_NeltCtrl)},
-    };
+std::wstring Fill(std::wstring row, const CreatableClass& of) {
+    const std::pair<const wchar_t*, std::wstring> words[] = {{L"%PROGID%", of.progId},
+                                                             {L"%DESCRIPTION%", of.description},
+                                                             {L"%CLSID%", GuidText(*of.clsid)},
+                                                             {L"%TYPELIB%", GuidText(LIBID_NeltCtrl)},
+                                                             {L"%MODULE%", Module::Get().Path()}};
+    for (const auto& [word, meaning] : words) {
+        const std::size_t at = row.find(word);
+        if (at != std::wstring::npos) row.replace(at, std::wcslen(word), meaning);
+    }
+    return row;
 }
 
-bool Write(const Value& value) {
+bool Write(const Value& value, const CreatableClass& of) {
     HKEY key = nullptr;
-    if (::RegCreateKeyExW(HKEY_CLASSES_ROOT, value.key.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &key,
-                          nullptr) != ERROR_SUCCESS) {
+    if (::RegCreateKeyExW(HKEY_CLASSES_ROOT, Fill(value.key, of).c_str(), 0, nullptr, 0, KEY_WRITE, nullptr,
+                          &key, nullptr) != ERROR_SUCCESS) {
         return false;
     }
     LSTATUS outcome = ERROR_SUCCESS;
-    if (value.hasText) {
-        outcome =
-            ::RegSetValueExW(key, value.name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.text.c_str()),
-                             static_cast<DWORD>((value.text.size() + 1) * sizeof(wchar_t)));
+    if (value.text != nullptr) {
+        const std::wstring text = Fill(value.text, of);
+        outcome = ::RegSetValueExW(key, value.name, 0, REG_SZ, reinterpret_cast<const BYTE*>(text.c_str()),
+                                   static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
     }
     ::RegCloseKey(key);
     return outcome == ERROR_SUCCESS;
@@ -66,8 +69,8 @@ bool Write(const Value& value) {
 
 HRESULT RegisterServer() {
     for (const CreatableClass& row : CreatableClasses()) {
-        for (const Value& value : ValuesOf(row)) {
-            if (!Write(value)) return SELFREG_E_CLASS;
+        for (const Value& value : kValues) {
+            if (!Write(value, row)) return SELFREG_E_CLASS;
         }
     }
     ITypeLib* library = nullptr;
@@ -82,9 +85,8 @@ HRESULT RegisterServer() {
 HRESULT UnregisterServer() {
     bool removed = true;
     for (const CreatableClass& row : CreatableClasses()) {
-        for (const std::wstring& tree : {row.progId + std::wstring(L".1"), std::wstring(row.progId),
-                                         L"CLSID\\" + GuidText(*row.clsid)}) {
-            const LSTATUS outcome = ::RegDeleteTreeW(HKEY_CLASSES_ROOT, tree.c_str());
+        for (const wchar_t* tree : kTrees) {
+            const LSTATUS outcome = ::RegDeleteTreeW(HKEY_CLASSES_ROOT, Fill(tree, row).c_str());
             removed = removed && (outcome == ERROR_SUCCESS || outcome == ERROR_FILE_NOT_FOUND);
         }
     }
