@@ -1,4 +1,4 @@
-"""Every body of `mm7_bodies` as a server gets it: the parts by Python's email package, the envelope by xml.etree."""
+"""Every body of `mm7_submissions` as a server gets it: the parts by Python's email package, the envelope by xml.etree."""
 import datetime
 import email
 import email.policy
