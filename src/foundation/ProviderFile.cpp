@@ -42,7 +42,7 @@ std::string Line(std::string_view text) {
     return needsQuotes ? '"' + value + '"' : value;
 }
 
-std::string WithoutQuotes(std::string value) {
+std::string WithoutQuotes(const std::string& value) {
     return IsQuoted(value) ? value.substr(1, value.size() - 2) : value;
 }
 

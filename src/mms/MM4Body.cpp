@@ -84,7 +84,7 @@ void CMM4Body::WriteHeader(std::string& out, std::string_view boundary) const {
     WriteAddresses(out);
     mime::AppendHeader(out, "Content-Type",
                        "multipart/related; start=\"<" + id +
-                           ".smil>\"; type=\"application/smil\"; boundary=\"" + std::string(boundary) + '"');
+                           R"(.smil>"; type="application/smil"; boundary=")" + std::string(boundary) + '"');
     out += "\r\n";
 }
 

@@ -91,7 +91,7 @@ ResultCode CMM7Body::Encode(std::string& out, std::string& headers) const {
     WriteContent(out);
     body.End();
     headers = "SOAPAction: \"\"\r\nContent-Type: multipart/related; boundary=\"" + outerBoundary_ +
-              "\"; type=\"text/xml\"; start=\"<mm7_msg>\"";
+              R"("; type="text/xml"; start="<mm7_msg>")";
     return result::Success;
 }
 
@@ -102,7 +102,7 @@ void CMM7Body::WriteEnvelope(std::string& out) const {
     AddLine(out, R"(<?xml version="1.0" encoding="UTF-8"?>)");
     AddLine(out, R"(<env:Envelope xmlns:env="http://schemas.xmlsoap.org/soap/envelope/">)");
     AddLine(out, "<env:Header>");
-    AddLine(out, "<TransactionID xmlns=\"" + schema + "\" env:mustUnderstand=\"1\" >" +
+    AddLine(out, "<TransactionID xmlns=\"" + schema + R"(" env:mustUnderstand="1" >)" +
                      Escaped(message_.TransactionId) + "</TransactionID>");
     AddLine(out, "</env:Header>");
     AddLine(out, "<env:Body>");
