@@ -29,6 +29,9 @@ constexpr std::size_t kShownLocation = 256;        // of one that is refused
 constexpr std::uint32_t kDialTime = 20'000;        // ms
 constexpr std::int32_t kDefaultTimeout = 60'000;   // ms
 
+constexpr std::size_t kLongestAccessPoint = 100;  // octets, 3GPP TS 23.003
+constexpr std::u16string_view kNotification = u"M-NOTIFICATION-IND URL=";
+
 // Codes of Remote Access have results of their own.
 constexpr std::int32_t kFirstRas = 600;
 constexpr std::int32_t kLastRas = 805;
@@ -68,9 +71,9 @@ CMm1Protocol::CMm1Protocol(SerialOpener& opener, Clock& clock, std::unique_ptr<R
       http_(clock, std::move(http)),
       notifications_(MmsNotifications(),
                      [this](const MmsNotification& notification) {
-                         LogSized(kEvent, notification.contentLocation.size() + kLogRoom,
-                                  "New MMS waiting: [%s] at [%s]\n", notification.contentLocation.c_str(),
-                                  std::to_string(notification.expiry).c_str());
+                         const std::string location = OneLine(notification.contentLocation);
+                         LogSized(kEvent, location.size() + kLogRoom, "New MMS waiting: [%s] at [%s]\n",
+                                  location.c_str(), std::to_string(notification.expiry).c_str());
                      }),
       // A notification of which parts are missing is none: it waits for them as long as it takes.
       received_(clock, std::numeric_limits<std::int32_t>::max(), &notifications_) {}
@@ -149,14 +152,15 @@ void CMm1Protocol::LogSettings() {
     };
     for (const auto& [format, value] : lines) {
         std::string line(format);
-        line.replace(line.find("%s"), 2, value);
+        line.replace(line.find("%s"), 2, OneLine(value));
         LogSized(logmask::kVerbatim, line.size() + kLogRoom, "%s", line.c_str());
     }
 }
 
 ResultCode CMm1Protocol::CheckSettings() {
     if (settings.mmsc.empty()) return result::MmscMissing;
-    const bool hasAccessPoint = !settings.accessPoint.empty() && IsQuotable(settings.accessPoint);
+    const std::string& name = settings.accessPoint;
+    const bool hasAccessPoint = !name.empty() && name.size() <= kLongestAccessPoint && IsQuotable(name);
     if (!hasAccessPoint && !UsesExisting()) return result::ApnMissing;
     return CheckGateway();
 }
@@ -263,7 +267,7 @@ ResultCode CMm1Protocol::Submit(CMmsMessage* message) {
     message->Protocol = mms::asMMS_PROTOCOL_MM1;
     if (const ResultCode code = message->Encode(); code != result::Success) return code;
     const std::string_view unit = message->EncodedMessage;
-    Log(logmask::kVerbatim, "Sender address: %s\n", message->From.c_str());
+    Log(logmask::kVerbatim, "Sender address: %s\n", OneLine(message->From).c_str());
     Log(logmask::kVerbatim, "Maximum MMS size is set to %ld bytes\n", static_cast<long>(settings.sizeLimit));
     if (std::cmp_greater(unit.size(), settings.sizeLimit)) {
         Log(kEvent, "Data size exceeds MMS size limit (%ld bytes > %ld bytes)\n",
@@ -283,10 +287,10 @@ ResultCode CMm1Protocol::Submit(CMmsMessage* message) {
 void CMm1Protocol::Take(Mm1Reply& reply) {
     providerResponse_ = std::move(reply.text);
     messageId_ = std::move(reply.messageId);
-    const std::string text = ToAnsi(providerResponse_);
+    const std::string text = OneLine(ToAnsi(providerResponse_));
+    const std::string id = OneLine(messageId_);
     LogSized(logmask::kVerbatim, text.size() + kLogRoom, "MMSC response text : [%s]\n", text.c_str());
-    LogSized(logmask::kVerbatim, messageId_.size() + kLogRoom, "MMSC messageid     : [%s]\n",
-             messageId_.c_str());
+    LogSized(logmask::kVerbatim, id.size() + kLogRoom, "MMSC messageid     : [%s]\n", id.c_str());
 }
 
 // Posts a unit to the MMS centre.
@@ -345,7 +349,7 @@ ResultCode CMm1Protocol::Fetch(const std::string& contentLocation, CMmsMessage& 
     if (const ResultCode code = CheckLink(); code != result::Success) return code;
     if (!IsFetchable(contentLocation)) {
         Log(kEvent, "Content location is no HTTP URL, it is not asked for: [%s]\n",
-            contentLocation.substr(0, kShownLocation).c_str());
+            OneLine(contentLocation.substr(0, kShownLocation)).c_str());
         return result::InvalidHost;
     }
     http_.settings.getHeaders = "Accept: " + std::string(mms::kContentType) + "\r\n";
@@ -356,6 +360,7 @@ ResultCode CMm1Protocol::Fetch(const std::string& contentLocation, CMmsMessage& 
     LogReply(answer);
     Mm1Reply reply = ReadRetrieveConf(answer.body);
     Take(reply);
+    if (reply.code == result::Success && !answer.isWhole) reply.code = result::MmscCorrupt;
     const bool isDamaged = reply.code == result::MmscCorrupt;
     if (reply.code != result::Success && !isDamaged) return reply.code;
     message.SetEncoded(std::move(answer.body));
@@ -403,7 +408,8 @@ ResultCode CMm1Protocol::CountNotifications(std::size_t& count) {
 }
 
 ResultCode CMm1Protocol::ReadNotifications() {
-    if (ras_.IsConnected()) return result::Success;
+    Guard();
+    if (ras_.IsConnected() && IsUp()) return result::Success;
     Log(logmask::kVerbatim, "RETRIEVE MESSAGES FROM STORAGE : [%s]\n",
         StorageLogName(settings.messageStorage, StorageUse::kMessages));
     received_.Clear();
@@ -436,11 +442,12 @@ ResultCode CMm1Protocol::ReadStorages() {
     return first;
 }
 
-// Other pushes come to the same port.
+// Other pushes come to the same port, reports on messages sent and damaged units among them.
 void CMm1Protocol::KeepNotificationsOnly() {
     CSmsMessageX message;
     for (std::size_t index = 0; received_.ByIndex(index, message) == result::Success;) {
-        if (message.Format == sms::asMESSAGEFORMAT_NOTIFICATION_MMS) {
+        if (message.Format == sms::asMESSAGEFORMAT_NOTIFICATION_MMS &&
+            message.Data.starts_with(kNotification)) {
             ++index;
         } else {
             received_.Remove(index);
@@ -450,9 +457,13 @@ void CMm1Protocol::KeepNotificationsOnly() {
 
 // --- the modem, and provider files
 
-ResultCode CMm1Protocol::EnterPin(std::string_view pin) { return device_.EnterPin(ModemSettings(), pin); }
+ResultCode CMm1Protocol::EnterPin(std::string_view pin) {
+    Guard();
+    return device_.EnterPin(ModemSettings(), pin);
+}
 
 ResultCode CMm1Protocol::SendCommand(std::string_view command, std::int32_t timeout, std::string& response) {
+    Guard();
     return device_.SendCommand(ModemSettings(), command, timeout, response);
 }
 

@@ -1,5 +1,6 @@
 // The MM1 channel against a scripted modem, platform and MMS centre.
 #include "foundation/ErrorTexts.h"
+#include "foundation/Text.h"
 #include "mms/Mm1Protocol.h"
 #include "support/Octets.h"
 #include "support/ScriptedHttp.h"
@@ -104,6 +105,7 @@ TEST_F(Mm1, ConnectsOverTheModem) {
 }
 
 TEST_F(Mm1, SettingsAreCheckedBeforeAnythingIsOpened) {
+    const std::string longName(101, 'a');
     struct Row {
         const char* mmsc;
         const char* accessPoint;
@@ -116,6 +118,7 @@ TEST_F(Mm1, SettingsAreCheckedBeforeAnythingIsOpened) {
              Row{m, "", "", 33721, 0},
              Row{m, "a\",\"b", "http://h:1", 33721, 0},
              Row{m, "apn\r", "http://h:1", 33721, 0},
+             Row{m, longName.c_str(), "http://h:1", 33721, 0},
              Row{m, "apn", "", 33722, 0},
              Row{m, "apn", "10.10.10.10:8080", 33723, 33723},
              Row{m, "apn", "http://10.10.10.10", 33723, 33723},
@@ -495,6 +498,23 @@ TEST_F(Mm1, AnswersToTheFetching) {
     EXPECT_TRUE(HasLogged("RETRIEVE RESULT: ERROR 33765 (MMSC response: message not found)\n"));
 }
 
+// A body of one part says nothing of its length: only the server does.
+TEST_F(Mm1, AMessageThatCameShortStaysAtTheCentre) {
+    EXPECT_EQ(Connected(), 0);
+    for (const auto& [announced, code, asked] :
+         {std::tuple{"4", 0, 2U}, {"5", 33763, 1U}, {"no number", 0, 2U}}) {
+        web.asked.clear();
+        HttpScript::Round answer = Answer("8C84 98 'r7' 00 8D90 84 83 'Text'");
+        answer.headers[http::Header::kContentLength] =
+            *announced == 'n' ? announced : std::to_string(answer.body.size() - 4 + std::stoul(announced));
+        Answers({answer, {.body = ""}});
+        EXPECT_EQ(Retrieve("http://m/1"), code);
+        EXPECT_EQ(web.asked.size(), asked);
+        EXPECT_FALSE(fetched.EncodedMessage.empty());
+    }
+    EXPECT_TRUE(HasLogged("HTTP RESPONSE DATA  : incomplete\n"));
+}
+
 TEST_F(Mm1, AnAnswerThatFailsChangesNothing) {
     EXPECT_EQ(Connected(), 0);
     for (const HttpScript::Round& round :
@@ -522,7 +542,7 @@ TEST_F(Mm1, OnlyWebAddressesAreAskedFor) {
         SCOPED_TRACE(location.substr(0, 60));
         EXPECT_EQ(engine.Retrieve(location, fetched), 22021);
         EXPECT_TRUE(HasLogged("Content location is no HTTP URL, it is not asked for: [" +
-                              location.substr(0, 256) + "]\n"));
+                              OneLine(location.substr(0, 256)) + "]\n"));
     }
     EXPECT_TRUE(web.asked.empty());
     Answers({Answer(kMessage), {.body = ""}});
@@ -559,12 +579,14 @@ std::string TextOf(const CSmsMessageX& message) { return {message.Data.begin(), 
 TEST_F(Mm1, ReadsTheNotificationsAndNothingElse) {
     const std::string second = std::string(kPush) + "8C82 98 'n2' 00 8D90 83 'http://mmsc/";
     modem.On("AT+CPMS=\"SM\"", {kOk});
-    modem.On(
-        "AT+CMGL=1",
-        {Deliver(1, kNotification) + Deliver(2, second, 1, 2) + kOk,
-         Deliver(3, "00 06 01 AE 'a WAP push'") + Deliver(4, "'to a card reader'", 1, 1, "23F4") +
-             "\r\n+CMGL: 5,0,,23\r\n0004039121F3040041425364000000AABBCCDDEE\r\n" +
-             "\r\n+CMGL: 6,0,,25\r\n00060A0B911316325476F86211217100000062112171000000" + "00\r\n" + kOk});
+    modem.On("AT+CMGL=1", {Deliver(1, kNotification) + Deliver(2, second, 1, 2) + kOk,
+                           Deliver(3, "00 06 01 AE 'a WAP push'") +
+                               Deliver(8, std::string(kPush) + "8C86 8D90 8B 'x' 00 9581") +
+                               Deliver(9, std::string(kPush) + "8C82 98 'n9' 00 8D90 83 'http://m") +
+                               Deliver(4, "'to a card reader'", 1, 1, "23F4") +
+                               "\r\n+CMGL: 5,0,,23\r\n0004039121F3040041425364000000AABBCCDDEE\r\n" +
+                               "\r\n+CMGL: 6,0,,25\r\n00060A0B911316325476F86211217100000062112171000000" +
+                               "00\r\n" + kOk});
     modem.On("AT+CMGL=0", {Deliver(7, "'n2' 00", 2, 2) + kOk, kOk});
     std::size_t count = 0;
     EXPECT_EQ(engine.CountNotifications(count), 0);
@@ -630,6 +652,21 @@ TEST_F(Mm1, WhileTheLinkHasTheModemWhatWasReadBeforeCounts) {
     EXPECT_GE(count, 1U);
     EXPECT_EQ(engine.FirstNotification(first), 0);
     EXPECT_EQ(TextOf(first), kNotificationText);
+    ras.states = {{0, 6}};  // the network has ended it
+    EXPECT_EQ(engine.CountNotifications(count), 30104);
+}
+
+TEST_F(Mm1, WhatOthersSayStaysOneLineOfTheLog) {
+    EXPECT_EQ(Connected(), 0);
+    Answers({Answer("8C81 98 'T1' 00 8D90 9280 93 'Ok' 0D0A '[forged' 00 8B 'ID' 0D0A '[forged' 00")});
+    EXPECT_EQ(Send(), 0);
+    EXPECT_EQ(engine.MessageId(), "ID\r\n[forged");
+    EXPECT_EQ(Retrieve("ftp://m\r\n[forged"), 22021);
+    const std::string start(kPush);
+    modem.On("AT+CMGL=1", {Deliver(1, start + "8C82 98 'n1' 00 8D90 83 'http://m' 0D0A '[forged' 00") + kOk});
+    CSmsMessageX first;
+    EXPECT_EQ(engine.FirstNotification(first), 0);
+    EXPECT_EQ(TemporaryFolder::Read(folder.File("log")).find("\n[forged"), std::string::npos);
 }
 
 // A message without a transaction of its own is answered in that of its notification.
@@ -667,6 +704,8 @@ TEST_F(Mm1, NoPasswordStandsInAMaskedLog) {
     for (const char* advanced : {"MaskPasswords=1", ""}) {
         engine.SetLogFile(folder.File(std::string("log") + advanced));
         engine.SetAdvancedSettings(advanced);
+        std::string response;
+        (void)engine.SendCommand("AT+CGAUTH=1,1,\"user\",\"s3cret\"", 100, response);
         EXPECT_EQ(engine.Connect(), 0);
         EXPECT_EQ(engine.Disconnect(), 0);
         const std::string log = TemporaryFolder::Read(folder.File(std::string("log") + advanced));

@@ -33,7 +33,7 @@ enum Scheme : std::uint32_t {
 };
 
 // What is asked of a response.
-enum class Header { kStatusText, kVersion, kServer, kProxy, kLocation, kContentType };
+enum class Header { kStatusText, kVersion, kServer, kProxy, kLocation, kContentType, kContentLength };
 
 struct Account {
     std::string name;

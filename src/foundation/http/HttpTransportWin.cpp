@@ -46,15 +46,16 @@ class WinHttp {
     static constexpr const char* kName = "winhttp.dll";
     DWORD error = ERROR_SUCCESS;  // why the library cannot be used
 
-#define WINHTTP_FUNCTIONS(X)                                                                         \
-    X(WinHttpOpen)                                                                                   \
-    X(WinHttpConnect)                                                                                \
-    X(WinHttpOpenRequest)                                                                            \
-    X(WinHttpSetCredentials)                                                                         \
-    X(WinHttpSendRequest)                                                                            \
-    X(WinHttpWriteData)                                                                              \
-    X(WinHttpReceiveResponse) X(WinHttpQueryHeaders) X(WinHttpQueryDataAvailable) X(WinHttpReadData) \
-        X(WinHttpQueryAuthSchemes) X(WinHttpSetOption) X(WinHttpSetTimeouts) X(WinHttpCloseHandle)
+#define WINHTTP_FUNCTIONS(X)                                                                          \
+    X(WinHttpOpen)                                                                                    \
+    X(WinHttpConnect)                                                                                 \
+    X(WinHttpOpenRequest)                                                                             \
+    X(WinHttpSetCredentials)                                                                          \
+    X(WinHttpSendRequest)                                                                             \
+    X(WinHttpWriteData)                                                                               \
+    X(WinHttpReceiveResponse)                                                                         \
+    X(WinHttpQueryHeaders) X(WinHttpQueryDataAvailable) X(WinHttpReadData) X(WinHttpQueryAuthSchemes) \
+        X(WinHttpSetOption) X(WinHttpSetTimeouts) X(WinHttpCloseHandle)
 #define WINHTTP_POINTER(name) decltype(&::name) name = nullptr;
     WINHTTP_FUNCTIONS(WINHTTP_POINTER)
     WINHTTP_POINTER(WinHttpSetStatusCallback)  // may be missing: tells what is wrong with a certificate
@@ -130,7 +131,7 @@ std::uint32_t Result(BOOL done) { return done ? http::kOk : LastError(); }
 // acknowledgement of the one before it, which takes its time: a message goes out in one.
 constexpr DWORD kSendPiece = 1024 * 1024;
 constexpr DWORD kReadPiece = 64 * 1024;
-constexpr std::size_t kHeaders = 6;  // kinds of http::Header
+constexpr std::size_t kHeaders = 7;  // kinds of http::Header
 
 // Where an exchange is: what waits for the server now.
 enum class Phase { kSending, kReceiving, kReading, kDone };
@@ -296,8 +297,9 @@ class Session {
             request.get(), WINHTTP_QUERY_STATUS_CODE | WINHTTP_QUERY_FLAG_NUMBER,
             WINHTTP_HEADER_NAME_BY_INDEX, &response.status, &size, WINHTTP_NO_HEADER_INDEX));
         static constexpr std::array<DWORD, kHeaders> kQueries{
-            WINHTTP_QUERY_STATUS_TEXT, WINHTTP_QUERY_VERSION,  WINHTTP_QUERY_SERVER,
-            WINHTTP_QUERY_VIA,         WINHTTP_QUERY_LOCATION, WINHTTP_QUERY_CONTENT_TYPE};
+            WINHTTP_QUERY_STATUS_TEXT,   WINHTTP_QUERY_VERSION,  WINHTTP_QUERY_SERVER,
+            WINHTTP_QUERY_VIA,           WINHTTP_QUERY_LOCATION, WINHTTP_QUERY_CONTENT_TYPE,
+            WINHTTP_QUERY_CONTENT_LENGTH};
         for (std::size_t i = 0; i < kHeaders; ++i) response.values[i] = ReadHeader(kQueries[i]);
         if (response.status != HTTP_STATUS_DENIED && response.status != HTTP_STATUS_PROXY_AUTH_REQ) return;
         DWORD first = 0;

@@ -4,6 +4,7 @@
 #include "foundation/http/HttpStatus.h"
 
 #include <algorithm>
+#include <charconv>
 #include <exception>
 #include <new>
 #include <utility>
@@ -291,7 +292,7 @@ ResultCode CKorHttp::ReadBody(const Timer& timer) {
         std::size_t available = 0;
         std::uint32_t error = transport_->Available(available, timer.Remaining());
         if (error != http::kOk) return BodyFailure(result::HttpReadSizeFailed, timer, error);
-        if (available == 0) return result::Success;
+        if (available == 0) return EndOfBody();
         std::string& body = reply_.body;
         const std::size_t old = body.size();
         if (old == most) break;
@@ -300,13 +301,25 @@ ResultCode CKorHttp::ReadBody(const Timer& timer) {
         error = transport_->ReadBody(body.data() + old, body.size() - old, count);
         body.resize(old + std::min(count, body.size() - old));
         if (error != http::kOk) return BodyFailure(result::HttpReadFailed, timer, error);
-        if (count == 0) return result::Success;
+        if (count == 0) return EndOfBody();
         if (timer.Expired()) return BodyFailure(result::HttpReadFailed, timer, http::kTimedOut);
     }
     Log(kEvent, "HTTP RESPONSE DATA  : longer than %ld bytes, the rest is left out\n",
         static_cast<long>(most));
+    reply_.isWhole = false;
     transport_->CloseRequest();
     requestOpen_ = false;
+    return result::Success;
+}
+
+// A connection that ends early looks like the end of the body.
+ResultCode CKorHttp::EndOfBody() {
+    const std::string announced = transport_->Read(http::Header::kContentLength);
+    std::uint64_t length = 0;
+    const auto [end, error] = std::from_chars(announced.data(), announced.data() + announced.size(), length);
+    if (error != std::errc() || reply_.body.size() >= length) return result::Success;
+    Log(kEvent, "HTTP RESPONSE DATA  : incomplete\n");
+    reply_.isWhole = false;
     return result::Success;
 }
 

@@ -36,6 +36,7 @@ struct HttpReply {
     std::string location;  // where a redirect led
     std::string contentType;
     std::string body;
+    bool isWhole = true;  // not when the server announced more octets than came or were kept
 };
 
 class CKorHttp final : public CKorBase {
@@ -84,6 +85,7 @@ class CKorHttp final : public CKorBase {
     ResultCode Choose(const http::Account& account, Challenge& challenge, ResultCode refused,
                       const Timer& timer, Next& next);
     ResultCode ReadBody(const Timer& timer);
+    ResultCode EndOfBody();
     void ReadErrorBody(const Timer& timer);
     ResultCode BodyFailure(ResultCode code, const Timer& timer, std::uint32_t error);
     ResultCode Failed(ResultCode code, const char* what, std::uint32_t error);
