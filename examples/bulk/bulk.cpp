@@ -1,5 +1,6 @@
 // Sends one text to all numbers of a file, a line each, at a steady rate, and tells at the end what became of
-// it. Early bound through the vtable; NeltCtrl.h comes from the type library (build/windows/generated).
+// it. Early bound through the vtable; NeltCtrl.h comes from the type library (include/ of the package, or
+// build/windows/generated).
 #include "NeltCtrl.h"
 
 #include <chrono>
