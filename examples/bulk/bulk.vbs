@@ -1,6 +1,6 @@
 ' Sends one text to all numbers of a file, a line each, at a steady rate, and tells at the end what became of it.
 Option Explicit
-Dim constants, smpp, message, beyondGsm, file, recipient, reference, sent, refused, started, seconds, timed
+Dim constants, smpp, message, beyondGsm, file, recipient, reference, sent, refused, started, seconds
 Dim rounds, pending, states, state, delivered
 
 If WScript.Arguments.Count < 6 Then
@@ -76,6 +76,7 @@ End If
 seconds = Timer - started
 If seconds < 0 Then seconds = seconds + 86400  ' over midnight
 If seconds = 0 Then seconds = 0.01
+Dim timed
 timed = sent.Count
 If timed > 1 Then timed = timed - 1  ' the first goes at once
 WScript.Echo "Sent " & sent.Count & " in " & FormatNumber(seconds, 1) & " s: " & FormatNumber(timed / seconds, 1) & _
