@@ -1,9 +1,15 @@
 #!/usr/bin/env bash
-# Builds both ways and runs every test. --full adds clang-tidy, longer fuzzing and the benchmarks.
+# Builds both ways and runs every test.
+#
+#     ./test.sh [--full]    --full adds clang-tidy, longer fuzzing and the benchmarks
 set -eu
 case ${1:-} in -h | --help) sed -n '2,/^set/s/^# \{0,1\}//p' "$0"; exit ;; esac
-cd "$(dirname "$0")"
 full=${1:-}
+if [ $# -gt 1 ] || { [ $# = 1 ] && [ "$full" != --full ]; }; then
+  echo "usage: $0 [--full]" >&2
+  exit 2
+fi
+cd "$(dirname "$0")"
 if [ "$full" = --full ]; then scripts/install.sh full; else scripts/install.sh test; fi
 
 scripts/build.sh native thread windows

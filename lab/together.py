@@ -81,6 +81,11 @@ class Lab:
     async def stop(self):
         await asyncio.gather(*(one.stop() for one in self.running.values()))
 
+    def title(self, peer):
+        """Its name, and the channels that share it."""
+        others = [channel.name for channel in self.channels if peer in channel.peers[:1]][1:]
+        return ", ".join([self.running[peer].name, *others])
+
     def words(self):
         of_channels = []
         for channel in self.channels:
@@ -89,7 +94,7 @@ class Lab:
                                 channel.settings.format(*(peer.address for peer in peers))])
         return (table(["channel", "listens at", "what to set"], of_channels) + "\n\n" +
                 table(["counterpart", "to make it misbehave (its --help names every event and action)"],
-                      [[one.name, one.to_misbehave] for one in self.running.values()]))
+                      [[self.title(peer), one.to_misbehave] for peer, one in self.running.items()]))
 
     def follow(self):
         width = max(len(one.name) for one in self.running.values())

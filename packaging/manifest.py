@@ -1,6 +1,6 @@
 """manifest.py GENERATED FILE: writes the manifest with which a program uses the module beside it without registration."""
+import argparse
 import pathlib
-import sys
 from xml.sax.saxutils import quoteattr
 
 import component
@@ -31,5 +31,13 @@ def manifest(library):
     return "\n".join([*lines, "</assembly>", ""])
 
 
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("generated", type=pathlib.Path, help="folder of the type library")
+    parser.add_argument("file", type=pathlib.Path)
+    given = parser.parse_args()
+    given.file.write_text(manifest(component.Library(given.generated)), encoding="utf-8", newline="\n")
+
+
 if __name__ == "__main__":
-    pathlib.Path(sys.argv[2]).write_text(manifest(component.Library(sys.argv[1])), encoding="utf-8", newline="\n")
+    main()

@@ -6,6 +6,7 @@ import argparse
 import datetime
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import tempfile
@@ -16,7 +17,9 @@ import installer
 
 SIGN = component.ROOT / "scripts/sign.sh"
 WHEN = datetime.datetime(2000, 1, 1, tzinfo=datetime.timezone.utc)  # of every file in the packages
-LEFT_OUT = {"CMakeLists.txt", "__pycache__"}  # of the examples and documents
+LEFT_OUT = {"CMakeLists.txt", "__pycache__", "architecture.md"}  # of the examples and documents
+# In documents: what concerns only those who have the sources, and remarks to them.
+OF_SOURCES = re.compile(r"<!-- sources -->.*?<!-- /sources -->\n*|<!--.*?-->\n*", re.S)
 
 
 def contents(build, product):
@@ -24,7 +27,8 @@ def contents(build, product):
     files = {product.module: build / product.module}
     for name, folder in (("NeltCtrlx64.manifest", ""), ("NeltCtrl.tlb", ""), ("NeltCtrl.h", "include/"), ("NeltCtrl_i.c", "include/")):
         files[folder + name] = build / "generated" / name
-    files["README.md"] = component.ROOT / "README.md"
+    for name in ("README.md", "CHANGELOG.md"):
+        files[name] = component.ROOT / name
     for tree in ("docs", "examples"):
         for path in (component.ROOT / tree).rglob("*"):
             if path.is_file() and not LEFT_OUT & set(path.parts):
@@ -35,7 +39,11 @@ def contents(build, product):
 def stage(files, folder):
     for name, path in files.items():
         (folder / name).parent.mkdir(parents=True, exist_ok=True)
-        shutil.copyfile(path, folder / name)
+        if path.suffix == ".md":
+            text = OF_SOURCES.sub("", path.read_text(encoding="utf-8"))
+            (folder / name).write_text(text.rstrip() + "\n", encoding="utf-8", newline="\n")
+        else:
+            shutil.copyfile(path, folder / name)
 
 
 def write_archive(path, name, folder, files):

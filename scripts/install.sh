@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# Installs what a job needs on Debian 12: `install.sh demo`, `package` or `test` (the one before and more), or `full` (the tests' and
-# more).
-# Does nothing when all is there.
+# Installs what a job needs on Debian 12, and does nothing when all is there. Each takes in the one before it.
+#
+#     scripts/install.sh demo|package|test|full
 set -eu
+case ${1:-} in -h | --help) sed -n '2,/^set/s/^# \{0,1\}//p' "$0"; exit ;; esac
 
 demo=(cmake ninja-build python3 python3-aiosmtpd g++-mingw-w64-x86-64-posix mingw-w64-tools libwine-dev wine wine64)
 package=(wixl msitools osslsigncode)

@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
-# Builds the module and packs it: an installer and an archive in build/package. `--sign CERT KEY` signs the module and the
-# installer.
+# Builds the module and packs it: an installer and an archive in build/package.
+#
+#     scripts/package.sh [--sign CERT KEY]    signs the module and the installer as well; both in PEM
 set -eu
+case ${1:-} in -h | --help) sed -n '2,/^set/s/^# \{0,1\}//p' "$0"; exit ;; esac
 if [ $# != 0 ] && { [ $# != 3 ] || [ "$1" != --sign ]; }; then
   echo "usage: $0 [--sign CERT KEY]" >&2
   exit 2

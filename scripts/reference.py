@@ -193,6 +193,7 @@ def check_words(cls, words, constants):
         raise Incomplete("\n".join(wrong))
 
 
+LONGEST_RANGE = 10  # of which each code has its own line; longer ones are shown by their ends
 CODE_LINE = re.compile(r"^- (-?\d+(?:(?:, | to )-?\d+)*): (.*(?:\n  .*)*)$", re.M)
 
 
@@ -219,12 +220,19 @@ def cell(text):
 def code_table(text, known, file):
     """Lists of codes become tables with the text of each code."""
     def row(match):
-        codes = list(codes_in(match[1], known))
-        for code in codes:
-            if code not in known:
-                raise Incomplete(f"{file}: {code} is in no list of result codes")
-        shown = "<br>".join(f"[{code}](result-codes.md#{code})" for code in codes)
-        return f"| {shown} | {'<br>'.join(cell(known[code]) for code in codes)} | {match[2]} |"
+        shown, texts = [], []
+        for piece in match[1].split(", "):
+            codes = list(codes_in(piece, known))
+            for code in codes:
+                if code not in known:
+                    raise Incomplete(f"{file}: {code} is in no list of result codes")
+            links = [f"[{code}](result-codes.md#{code})" for code in codes]
+            if len(codes) > LONGEST_RANGE:
+                shown.append(f"{links[0]} to {links[-1]}")
+                continue
+            shown += links
+            texts += [cell(known[code]) for code in codes]
+        return f"| {'<br>'.join(shown)} | {'<br>'.join(texts)} | {match[2]} |"
 
     lines, in_table = [], False
     for line in CODE_LINE.sub(lambda match: row(match).replace("\n ", ""), text).split("\n"):
@@ -258,7 +266,7 @@ def page_of(cls, words, prog_id, library, known):
                    f"{', '.join(member.access)}{hidden} | {f'`{default}`' if default else ''} | {text} |")
     if len(named) < len(properties):
         out += ["", f"{len(properties) - len(named)} numbers that are only read have the names and the values of the [constants](constants.md): " +
-                ", ".join(f"`{member.name}` ({member.dispid})" for member in properties if member.name in constants) + "."]
+                ", ".join(f"`{member.name}` ({constants[member.name][1]})" for member in properties if member.name in constants) + "."]
     methods = [member for member in cls.members.values() if member.is_method]
     if methods:
         out.append("\n## Methods\n")

@@ -1,10 +1,13 @@
 #!/usr/bin/env bash
 # Signs a module or an installer, or says whether its signature holds. TIMESTAMP_URL names a time-stamping service, without
 # which a signature ends with its certificate.
+#
+#     scripts/sign.sh FILE CERT KEY        signs FILE; both in PEM, the certificate with those above it
+#     scripts/sign.sh --verify FILE [CA]   checks it against the authorities in CA, else against the system's
 set -eu
+case ${1:-} in -h | --help) sed -n '2,/^set/s/^# \{0,1\}//p' "$0"; exit ;; esac
 usage() {
-  echo "usage: $0 FILE CERT KEY        signs FILE; both in PEM, the certificate with those above it" >&2
-  echo "       $0 --verify FILE [CA]   checks it against the authorities in CA, else against the system's" >&2
+  echo "usage: $0 FILE CERT KEY, or $0 --verify FILE [CA]" >&2
   exit 2
 }
 

@@ -1,6 +1,6 @@
 // Sends an alarm and sees to it that somebody has it: to the first number, and when its phone does not
 // confirm within a minute, to the next. Early bound through the vtable; NeltCtrl.h comes from the type
-// library (build/windows/generated).
+// library (include/ of the package, or build/windows/generated).
 #include "NeltCtrl.h"
 
 #include <cstdio>

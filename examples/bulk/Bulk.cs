@@ -63,7 +63,8 @@ static class Program
             smpp.Sleep(10);
         }
         double seconds = clock.Elapsed.TotalSeconds;
-        Console.WriteLine("Sent {0} in {1:N1} s: {2:N1} messages/s", sent.Count, seconds, sent.Count / seconds);
+        int timed = sent.Count > 1 ? sent.Count - 1 : sent.Count;  // the first goes at once
+        Console.WriteLine("Sent {0} in {1:N1} s: {2:N1} messages/s", sent.Count, seconds, timed / seconds);
         return sent;
     }
 

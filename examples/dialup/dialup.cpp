@@ -1,5 +1,5 @@
 // Sends one message through a dialled provider. Early bound through the vtable; NeltCtrl.h comes from the
-// type library (build/windows/generated).
+// type library (include/ of the package, or build/windows/generated).
 #include "NeltCtrl.h"
 
 #include <cstdio>

@@ -1,5 +1,6 @@
 // SMS through a GSM modem.
-// Early bound through the vtable; NeltCtrl.h comes from the type library (build/windows/generated).
+// Early bound through the vtable; NeltCtrl.h comes from the type library (include/ of the package, or
+// build/windows/generated).
 #include "NeltCtrl.h"
 
 #include <cstdio>

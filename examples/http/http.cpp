@@ -1,5 +1,5 @@
 // Sends one SMS through an HTTP gateway, whose requests two templates describe. Early bound through the
-// vtable; NeltCtrl.h comes from the type library (build/windows/generated).
+// vtable; NeltCtrl.h comes from the type library (include/ of the package, or build/windows/generated).
 #include "NeltCtrl.h"
 
 #include <cstdio>

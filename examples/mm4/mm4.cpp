@@ -1,5 +1,5 @@
 // Sends a text and pictures to a peer MMS server. Early bound through the vtable; NeltCtrl.h comes from the
-// type library (build/windows/generated).
+// type library (include/ of the package, or build/windows/generated).
 #include "NeltCtrl.h"
 
 #include <cstdio>

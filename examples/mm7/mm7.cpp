@@ -1,5 +1,6 @@
 // Submits a picture message to the MMS centre whose settings are in a file (docs/mm7.md).
-// Early bound through the vtable; NeltCtrl.h comes from the type library (build/windows/generated).
+// Early bound through the vtable; NeltCtrl.h comes from the type library (include/ of the package, or
+// build/windows/generated).
 #include "NeltCtrl.h"
 
 #include <cstdio>

@@ -1,5 +1,5 @@
 // Sends one page through a paging server. Early bound through the vtable; NeltCtrl.h comes from the type
-// library (build/windows/generated).
+// library (include/ of the package, or build/windows/generated).
 #include "NeltCtrl.h"
 
 #include <cstdio>

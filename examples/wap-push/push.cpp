@@ -1,5 +1,5 @@
 // Sends a text with a link that the phone offers to open. Early bound through the vtable; NeltCtrl.h comes
-// from the type library (build/windows/generated).
+// from the type library (include/ of the package, or build/windows/generated).
 #include "NeltCtrl.h"
 
 #include <algorithm>

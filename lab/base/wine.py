@@ -1,10 +1,12 @@
 """Runs Windows programs and scripts under Wine, in the project's own prefix."""
+import os
+import pathlib
 import subprocess
 
 from base.launch import LAB
 
 ROOT = LAB.parent
-PREFIX = ROOT / "build/wine"
+PREFIX = pathlib.Path(os.environ.get("NELTCTRL_PREFIX", ROOT / "build/wine"))
 IN_WINE = ROOT / "scripts/in-wine.sh"
 
 

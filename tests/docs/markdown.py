@@ -1,4 +1,4 @@
-"""What the checks of the documentation share: the files of the project, and the blocks and anchors of a Markdown text."""
+"""What the checks of the documentation share: the files of the project, and the blocks, anchors and links of a Markdown text."""
 import dataclasses
 import pathlib
 import re
@@ -91,3 +91,29 @@ def anchors(text):
                 count += 1
             found.add(slug if count == 0 else f"{slug}-{count}")
     return found
+
+
+LINK = re.compile(r"\[[^\]]*\]\(([^)\s]+)\)")
+
+
+def links(path):
+    """Line and target of each link to another file or heading of the documentation."""
+    for number, line in enumerate(without_code(path.read_text(encoding="utf-8")), 1):
+        for target in LINK.findall(line):
+            if not re.match(r"[a-z]+:", target):
+                yield number, target
+
+
+def broken_links(paths, root):
+    """What is wrong with links in documents that lie below a folder; they may not lead out of it."""
+    wrong = []
+    for path in paths:
+        for number, target in links(path):
+            name, _, anchor = target.partition("#")
+            file = (path.parent / name).resolve() if name else path
+            where = f"{path.relative_to(root)}:{number}: {target}"
+            if not file.exists() or not file.is_relative_to(root):
+                wrong.append(f"{where}: there is no such file")
+            elif anchor and anchor not in anchors(file.read_text(encoding="utf-8")):
+                wrong.append(f"{where}: there is no such heading")
+    return wrong

@@ -45,8 +45,10 @@ class Together(unittest.TestCase):
         for channel in CHANNELS:
             with self.subTest(channel.name):
                 self.assertRegex(self.table, rf"(?m)^{channel.name} +(COM{channel.peers[0].com or '-'}|127\.0\.0\.1:\d+).* +\w+: ")
-        names = re.findall(r"(?m)^([\w.]+) +echo '\[{.*}\]' >.*/\1\.json$", self.table)
+        rows = re.findall(r"(?m)^(([\w.]+)(?:, \w+)*) +echo '\[{.*}\]' >.*/\2\.json$", self.table)
+        names = [name for _, name in rows]
         self.assertEqual(len(names), len({peer for channel in CHANNELS for peer in channel.peers}))
+        self.assertEqual([title for title, name in rows if title != name], ["mm1, mm7"])
         port = int(re.search(r"(?m)^pager +127\.0\.0\.1:(\d+)", self.table)[1])
         with socket.create_connection(("127.0.0.1", port), 10) as pager, pager.makefile("rw", newline="\r\n") as line:
             def ask(text):

@@ -19,6 +19,9 @@ import wine  # noqa: E402
 sys.path.insert(0, str(wine.ROOT / "packaging"))
 import component  # noqa: E402
 
+sys.path.insert(0, str(wine.ROOT / "tests/docs"))
+import markdown  # noqa: E402
+
 BUILD = wine.ROOT / "build/windows"
 NAME = "NeltCtrl-5.3.10-x64"
 CLASSES = [row.name for row in component.classes()]
@@ -73,7 +76,7 @@ class Packages(unittest.TestCase):
         other = FOLDER / "other"
         for name in ("src", "packaging", "docs", "examples"):
             shutil.copytree(wine.ROOT / name, other / name)
-        for name in ("README.md", "scripts/sign.sh", "build/windows/NeltCtrlx64.dll"):
+        for name in ("README.md", "CHANGELOG.md", "scripts/sign.sh", "build/windows/NeltCtrlx64.dll"):
             (other / name).parent.mkdir(parents=True, exist_ok=True)
             shutil.copyfile(wine.ROOT / name, other / name)
         shutil.copytree(BUILD / "generated", other / "build/windows/generated")
@@ -107,6 +110,17 @@ class Packages(unittest.TestCase):
         self.assertLessEqual({"NeltCtrlx64.dll", "NeltCtrlx64.manifest", "NeltCtrl.tlb", "include/NeltCtrl.h", "README.md",
                               "docs/installing.md", "examples/gsm/send.vbs", "examples/regfree/program.manifest"}, set(names))
         self.assertFalse([name for name in names if re.search("CMake|pycache|~$", name)])
+
+    def test_the_documents_lead_to_what_is_in_the_package_alone(self):
+        with tempfile.TemporaryDirectory(dir=FOLDER) as path:
+            with zipfile.ZipFile(FOLDER / f"{NAME}.zip") as archive:
+                archive.extractall(path)
+            root = pathlib.Path(path).resolve() / NAME
+            documents = sorted(root.rglob("*.md"))
+            self.assertEqual(markdown.broken_links(documents, root), [])
+            of_sources = re.compile(r"\b(lab|scripts|tests|src|build)/|\w+\.sh\b|<!--")
+            self.assertEqual([(file.name, found[0]) for file in documents
+                              for found in of_sources.finditer(file.read_text(encoding="utf-8"))], [])
 
 
 class Installed(unittest.TestCase):
