@@ -3,6 +3,7 @@
 #include "NeltCtrl.h"
 
 #include <cstdio>
+#include <regex>
 #include <string>
 #include <windows.h>
 
@@ -94,11 +95,14 @@ void Send(wchar_t** argv, IMmsMessage* message) {
     peer->Release();
 }
 
+// Whether an argument is a whole number that an int holds.
+bool IsNumber(const std::wstring& text) { return std::regex_match(text, std::wregex(L"[0-9]{1,9}")); }
+
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
     constexpr int kFirstPicture = 8;
-    if (argc < kFirstPicture) {
+    if (argc < kFirstPicture || !IsNumber(argv[2])) {
         std::puts(
             "mm4_example 127.0.0.1 2525 account password 31612345678 example.net \"The text\" picture.jpg "
             "...");

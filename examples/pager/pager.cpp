@@ -3,6 +3,7 @@
 #include "NeltCtrl.h"
 
 #include <cstdio>
+#include <regex>
 #include <string>
 #include <windows.h>
 
@@ -58,10 +59,13 @@ bool Report(IPagerProtocolSnpp* pager) {
     return error == 0;
 }
 
+// Whether an argument is a whole number that an int holds.
+bool IsNumber(const std::wstring& text) { return std::regex_match(text, std::wregex(L"[0-9]{1,9}")); }
+
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
-    if (argc < 5) {
+    if (argc < 5 || !IsNumber(argv[2])) {
         std::puts(R"(pager_example 127.0.0.1 4444 5551212 "The text" [password])");
         return 2;
     }

@@ -48,7 +48,7 @@ bool Failed(ISmsProtocolSmpp* smpp) {
     return true;
 }
 
-void Send(ISmsProtocolSmpp* smpp, const wchar_t* recipient, const wchar_t* text) {
+bool Send(ISmsProtocolSmpp* smpp, const wchar_t* recipient, const wchar_t* text) {
     ISmsMessage* message = New<SmsMessage, ISmsMessage>();
     message->put_Recipient(Text(recipient));
     message->put_Data(Text(text));
@@ -62,7 +62,8 @@ void Send(ISmsProtocolSmpp* smpp, const wchar_t* recipient, const wchar_t* text)
     smpp->Send(&argument, &reference);
     message->Release();
     VARIANT item;
-    if (!Failed(smpp) && SUCCEEDED(smpp->QueryStatus(reference, 1, &item)) && !Failed(smpp)) {
+    const bool sent = !Failed(smpp) && SUCCEEDED(smpp->QueryStatus(reference, 1, &item)) && !Failed(smpp);
+    if (sent) {
         auto* status = static_cast<ISmsDeliveryStatus*>(item.pdispVal);
         BSTR description = nullptr;
         status->get_StatusDescription(&description);
@@ -71,6 +72,7 @@ void Send(ISmsProtocolSmpp* smpp, const wchar_t* recipient, const wchar_t* text)
         status->Release();
     }
     SysFreeString(reference);
+    return sent;
 }
 
 void Receive(ISmsProtocolSmpp* smpp, int seconds) {
@@ -93,6 +95,9 @@ void Receive(ISmsProtocolSmpp* smpp, int seconds) {
     }
 }
 
+// Whether an argument is a whole number that an int holds.
+bool IsNumber(const std::wstring& text) { return std::regex_match(text, std::wregex(L"[0-9]{1,9}")); }
+
 int Usage() {
     std::puts(R"(smpp_example send 127.0.0.1 2775 user password +31612345678 "The text" | )"
               R"(receive 127.0.0.1 2775 user password [seconds])");
@@ -105,7 +110,8 @@ int wmain(int argc, wchar_t** argv) {
     const std::wstring job = argc > 1 ? argv[1] : L"";
     const bool send = job == L"send" && argc > 7;
     const bool receive = job == L"receive" && argc > 5;
-    if (!send && !receive) return Usage();
+    const std::wstring seconds = receive && argc > 6 ? argv[6] : L"2";
+    if ((!send && !receive) || !IsNumber(argv[3]) || !IsNumber(seconds)) return Usage();
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     ISmsProtocolSmpp* smpp = New<SmsProtocolSmpp, ISmsProtocolSmpp>();
     smpp->put_Server(Text(argv[2]));
@@ -114,11 +120,11 @@ int wmain(int argc, wchar_t** argv) {
     smpp->put_SystemPassword(Text(argv[5]));
     smpp->put_SystemCharSet(asSMPPCHARSET_GSM);
     smpp->Connect();
-    const bool connected = !Failed(smpp);
-    if (connected && send) Send(smpp, argv[6], argv[7]);
-    if (connected && receive) Receive(smpp, argc > 6 ? std::stoi(argv[6]) : 2);
+    bool done = !Failed(smpp);
+    if (done && send) done = Send(smpp, argv[6], argv[7]);
+    if (done && receive) Receive(smpp, std::stoi(seconds));
     smpp->Disconnect();
     smpp->Release();
     CoUninitialize();
-    return connected ? 0 : 1;
+    return done ? 0 : 1;
 }
