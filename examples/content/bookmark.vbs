@@ -18,10 +18,6 @@ Set content = CreateObject("Quorvane.SmsDataWapBookmark")
 content.URL = WScript.Arguments(2)
 content.Description = WScript.Arguments(3)
 content.Encode
-If content.LastError <> 0 Then
-    WScript.Echo "Failed: " & content.LastError & " " & content.GetErrorDescription(content.LastError)
-    WScript.Quit 1
-End If
 WScript.Echo "Content: " & content.EncodedMessage
 
 Set message = CreateObject("Quorvane.SmsMessage")

@@ -22,10 +22,6 @@ content.Class = constants.asMMS_CLASS_INFORMATIONAL
 content.MessageSize = 20000
 content.Expiration = 48
 content.Encode
-If content.LastError <> 0 Then
-    WScript.Echo "Failed: " & content.LastError & " " & content.GetErrorDescription(content.LastError)
-    WScript.Quit 1
-End If
 WScript.Echo "Content: " & content.EncodedMessage
 
 Set message = CreateObject("Quorvane.SmsMessage")

@@ -14,10 +14,6 @@ if (/^[ -~]*$/.test(name)) {
     content.Mobile += "\r\nN;CHARSET=UTF-8;ENCODING=QUOTED-PRINTABLE:" + encodeURIComponent(name).replace(/%/g, "=");
 }
 content.Encode();
-if (content.LastError != 0) {
-    WScript.Echo("Failed: " + content.LastError + " " + content.GetErrorDescription(content.LastError));
-    WScript.Quit(1);
-}
 WScript.Echo("Content: " + content.EncodedMessage);
 
 var message = new ActiveXObject("Quorvane.SmsMessage");

@@ -96,7 +96,9 @@ void Receive(ISmsProtocolSmpp* smpp, int seconds) {
 }
 
 // Whether an argument is a whole number that an int holds.
-bool IsNumber(const std::wstring& text) { return std::regex_match(text, std::wregex(L"[0-9]{1,9}")); }
+bool IsNumber(const std::wstring& text) {
+    return !text.empty() && text.size() < 10 && text.find_first_not_of(L"0123456789") == text.npos;
+}
 
 int Usage() {
     std::puts(R"(smpp_example send 127.0.0.1 2775 user password +31612345678 "The text" | )"

@@ -60,7 +60,6 @@ NONSENSE = [
     (("mms/build.vbs",), ("m.mms", "+31612345678", "Hi", "none.jpg"), FAILED),
     (("mms/permission.vbs",), ("m.mms", "+31612345678", "none.jpg", "1"), FAILED),
     (("mms/list.js",), ("none.mms",), FAILED),
-    (("content/bookmark.vbs", "content/notification.vbs"), ("COM99", "+31612345678", "", ""), FAILED),
 ]
 
 
