@@ -53,7 +53,12 @@ def alarm(device, text, *recipients):
     sys.exit("Nobody has the alarm")
 
 
+def usage():
+    print(__doc__, file=sys.stderr)
+    sys.exit(2)
+
+
 if __name__ == "__main__":
     if len(sys.argv) < 4:
-        sys.exit(__doc__)
+        usage()
     alarm(*sys.argv[1:])

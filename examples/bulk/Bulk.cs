@@ -82,18 +82,25 @@ static class Program
     [STAThread]
     static int Main(string[] args)
     {
-        if (args.Length < 6)
+        ushort port = 0, rate = 10;
+        if (args.Length < 6 || !ushort.TryParse(args[1], out port) ||
+            args.Length > 6 && !ushort.TryParse(args[6], out rate))
         {
             Console.WriteLine(@"Bulk.exe 127.0.0.1 2775 user password numbers.txt ""The text"" [messages per second]");
             return 2;
         }
+        if (!File.Exists(args[4]))
+        {
+            Console.WriteLine(args[4] + " cannot be read");
+            return 1;
+        }
         string[] recipients = File.ReadLines(args[4]).Select(line => line.Trim()).Where(line => line != "").ToArray();
         smpp.Server = args[0];
-        smpp.ServerPort = int.Parse(args[1]);
+        smpp.ServerPort = port;
         smpp.SystemID = args[2];
         smpp.SystemPassword = args[3];
         smpp.SystemCharSet = (int)SmppCharset.asSMPPCHARSET_GSM;
-        smpp.SystemThroughput = args.Length > 6 ? int.Parse(args[6]) : 10;
+        smpp.SystemThroughput = rate;
         smpp.Connect();
         Check("Connect");
         List<string> sent = SendAll(recipients, args[5]);

@@ -137,10 +137,16 @@ std::map<std::wstring, std::size_t> StatesOf(const std::vector<std::wstring>& se
     }
 }
 
+// Whether an argument is a whole number that an int holds.
+bool IsNumber(const std::wstring& text) {
+    return !text.empty() && text.size() < 10 && text.find_first_not_of(L"0123456789") == text.npos;
+}
+
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
-    if (argc < 7) {
+    const std::wstring rate = argc > 7 ? argv[7] : L"10";
+    if (argc < 7 || !IsNumber(argv[2]) || !IsNumber(rate)) {
         std::puts(
             R"(bulk_example 127.0.0.1 2775 user password numbers.txt "The text" [messages per second])");
         return 2;
@@ -153,7 +159,7 @@ int wmain(int argc, wchar_t** argv) {
     smpp->put_SystemID(Text(argv[3]));
     smpp->put_SystemPassword(Text(argv[4]));
     smpp->put_SystemCharSet(asSMPPCHARSET_GSM);
-    smpp->put_SystemThroughput(argc > 7 ? std::stoi(argv[7]) : 10);
+    smpp->put_SystemThroughput(std::stoi(rate));
     smpp->Connect();
     if (Failed("Connect failed")) return 1;
     const std::vector<std::wstring> sent = SendAll(recipients, argv[6]);

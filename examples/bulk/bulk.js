@@ -1,7 +1,14 @@
 // Sends one text to all numbers of a file, a line each, at a steady rate, and tells at the end what became of it.
-if (WScript.Arguments.length < 6) {
+var rate = WScript.Arguments.length > 6 ? WScript.Arguments.Item(6) : 10;
+var whole = /^\d{1,9}$/;
+if (WScript.Arguments.length < 6 || !whole.test(WScript.Arguments.Item(1)) || !whole.test(rate)) {
     WScript.Echo('cscript bulk.js 127.0.0.1 2775 user password numbers.txt "The text" [messages per second]');
     WScript.Quit(2);
+}
+var files = new ActiveXObject("Scripting.FileSystemObject");
+if (!files.FileExists(WScript.Arguments.Item(4))) {
+    WScript.Echo(WScript.Arguments.Item(4) + " cannot be read");
+    WScript.Quit(1);
 }
 var beyondGsm = new RegExp(
     "[^\n\r -_a-~\xA1\xA3-\xA5\xA7\xBF\xC4-\xC7\xC9\xD1\xD6\xD8\xDC\xDF\xE0\xE4-\xE6\xE8\xE9\xEC\xF1\xF2" +
@@ -13,7 +20,7 @@ smpp.ServerPort = Number(WScript.Arguments.Item(1));
 smpp.SystemID = WScript.Arguments.Item(2);
 smpp.SystemPassword = WScript.Arguments.Item(3);
 smpp.SystemCharSet = constants.asSMPPCHARSET_GSM;
-smpp.SystemThroughput = WScript.Arguments.length > 6 ? Number(WScript.Arguments.Item(6)) : 10;
+smpp.SystemThroughput = Number(rate);
 var message = new ActiveXObject("Quorvane.SmsMessage");
 message.Data = WScript.Arguments.Item(5);
 message.Format = beyondGsm.test(message.Data) ? constants.asMESSAGEFORMAT_UNICODE_MULTIPART
@@ -35,7 +42,7 @@ function statusOf(reference) {
 smpp.Connect();
 check("Connect");
 var sent = [], refused = 0, started = new Date();
-var file = new ActiveXObject("Scripting.FileSystemObject").OpenTextFile(WScript.Arguments.Item(4));
+var file = files.OpenTextFile(WScript.Arguments.Item(4));
 while (!file.AtEndOfStream) {
     var recipient = file.ReadLine().replace(/\s/g, "");
     if (recipient == "") continue;

@@ -44,7 +44,7 @@ def send_all(smpp, constants, recipients, text):
     # Send only queues. The server has answered the last message when its status is no longer this one.
     while sent and status_of(smpp, sent[-1]).Status == constants.asDELIVERYSTATUS_SUBMITREQUESTED:
         smpp.Sleep(10)
-    seconds = time.monotonic() - started
+    seconds = max(time.monotonic() - started, 0.01)
     timed = len(sent) - 1 if len(sent) > 1 else len(sent)  # the first goes at once
     print(f"Sent {len(sent)} in {seconds:.1f} s: {timed / seconds:.1f} messages/s")
     return sent
@@ -61,8 +61,11 @@ def states_of(smpp, sent):
 
 
 def bulk(server, port, user, password, file, text, rate="10"):
-    with open(file, encoding="utf-8") as lines:
-        recipients = [line.strip() for line in lines if line.strip()]
+    try:
+        with open(file, encoding="utf-8") as lines:
+            recipients = [line.strip() for line in lines if line.strip()]
+    except (OSError, UnicodeError) as error:
+        sys.exit(f"{file} cannot be read: {error}")
     constants = win32com.client.Dispatch("Quorvane.SmsConstants")
     smpp = win32com.client.Dispatch("Quorvane.SmsProtocolSmpp")
     smpp.Server = server
@@ -85,7 +88,16 @@ def bulk(server, port, user, password, file, text, rate="10"):
     print(f"Done: all {states['Delivered']} delivered")
 
 
+def is_number(text):
+    return re.fullmatch("[0-9]{1,9}", text)
+
+
+def usage():
+    print(__doc__, file=sys.stderr)
+    sys.exit(2)
+
+
 if __name__ == "__main__":
-    if len(sys.argv) < 7:
-        sys.exit(__doc__)
-    bulk(*sys.argv[1:])
+    if len(sys.argv) < 7 or not all(map(is_number, sys.argv[2:3] + sys.argv[7:8])):
+        usage()
+    bulk(*sys.argv[1:8])

@@ -1,11 +1,24 @@
 ' Sends one text to all numbers of a file, a line each, at a steady rate, and tells at the end what became of it.
 Option Explicit
 Dim constants, smpp, message, beyondGsm, file, recipient, reference, sent, refused, started, seconds
-Dim rounds, pending, states, state, delivered
+Dim rounds, pending, states, state, delivered, rate, files, whole
 
-If WScript.Arguments.Count < 6 Then
+Sub Usage()
     WScript.Echo "cscript bulk.vbs 127.0.0.1 2775 user password numbers.txt ""The text"" [messages per second]"
     WScript.Quit 2
+End Sub
+
+Set whole = New RegExp
+whole.Pattern = "^\d{1,9}$"
+If WScript.Arguments.Count < 6 Then Usage
+If Not whole.Test(WScript.Arguments(1)) Then Usage
+rate = 10
+If WScript.Arguments.Count > 6 Then rate = WScript.Arguments(6)
+If Not whole.Test(rate) Then Usage
+Set files = CreateObject("Scripting.FileSystemObject")
+If Not files.FileExists(WScript.Arguments(4)) Then
+    WScript.Echo WScript.Arguments(4) & " cannot be read"
+    WScript.Quit 1
 End If
 
 Set constants = CreateObject("Quorvane.SmsConstants")
@@ -15,8 +28,7 @@ smpp.ServerPort = WScript.Arguments(1)
 smpp.SystemID = WScript.Arguments(2)
 smpp.SystemPassword = WScript.Arguments(3)
 smpp.SystemCharSet = constants.asSMPPCHARSET_GSM
-smpp.SystemThroughput = 10
-If WScript.Arguments.Count > 6 Then smpp.SystemThroughput = CLng(WScript.Arguments(6))
+smpp.SystemThroughput = rate
 
 Set message = CreateObject("Quorvane.SmsMessage")
 message.Data = WScript.Arguments(5)
@@ -47,7 +59,7 @@ Check "Connect"
 Set sent = CreateObject("Scripting.Dictionary")  ' the recipients by reference
 refused = 0
 started = Timer
-Set file = CreateObject("Scripting.FileSystemObject").OpenTextFile(WScript.Arguments(4))
+Set file = files.OpenTextFile(WScript.Arguments(4))
 Do Until file.AtEndOfStream
     recipient = Trim(file.ReadLine)
     If recipient <> "" Then

@@ -8,7 +8,8 @@ static class Program
     [STAThread]
     static void Main(string[] args)
     {
-        if (args.Length < 5)
+        string kind = args.Length < 5 ? "" : args[1].ToLowerInvariant();
+        if (kind != "ucp" && kind != "tap")
         {
             Console.WriteLine(@"Dialup.exe COM5 ucp|tap 0201234567 0612345678 ""The text"" [password]");
             Environment.Exit(2);
@@ -17,7 +18,7 @@ static class Program
         var dialup = new SmsProtocolDialup
         {
             Device = args[0],
-            ProviderType = args[1] == "tap" ? constants.asPROVIDERTYPE_TAP_DEFAULT : constants.asPROVIDERTYPE_UCP,
+            ProviderType = kind == "tap" ? constants.asPROVIDERTYPE_TAP_DEFAULT : constants.asPROVIDERTYPE_UCP,
             ProviderDialString = args[2],
         };
         if (args.Length > 5) dialup.ProviderPassword = args[5];

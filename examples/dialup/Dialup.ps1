@@ -1,7 +1,7 @@
 # Sends one message through a dialled provider.
 param([string]$Device, [string]$Type, [string]$DialString, [string]$Recipient, [string]$Text, [string]$Password)
 
-if (-not $Text) {
+if (-not $Text -or $Type -notin 'ucp', 'tap') {
     'Dialup.ps1 COM5 ucp|tap 0201234567 0612345678 "The text" [password]'
     exit 2
 }

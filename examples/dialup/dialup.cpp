@@ -61,14 +61,15 @@ bool Report(ISmsProtocolDialup* dialup) {
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
-    if (argc < 6) {
+    const bool tap = argc > 5 && _wcsicmp(argv[2], L"tap") == 0;
+    const bool ucp = argc > 5 && _wcsicmp(argv[2], L"ucp") == 0;
+    if (!tap && !ucp) {
         std::puts(R"(dialup_example COM5 ucp|tap 0201234567 0612345678 "The text" [password])");
         return 2;
     }
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     ISmsProtocolDialup* dialup = New<SmsProtocolDialup, ISmsProtocolDialup>();
     dialup->put_Device(Text(argv[1]));
-    const bool tap = argv[2] == std::wstring(L"tap");
     dialup->put_ProviderType(tap ? asPROVIDERTYPE_TAP_DEFAULT : asPROVIDERTYPE_UCP);
     dialup->put_ProviderDialString(Text(argv[3]));
     if (argc > 6) dialup->put_ProviderPassword(Text(argv[6]));

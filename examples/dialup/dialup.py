@@ -11,7 +11,7 @@ def send(device, kind, dial_string, recipient, text, password=""):
     constants = win32com.client.Dispatch("Quorvane.SmsConstants")
     dialup = win32com.client.Dispatch("Quorvane.SmsProtocolDialup")
     dialup.Device = device
-    dialup.ProviderType = constants.asPROVIDERTYPE_TAP_DEFAULT if kind == "tap" else constants.asPROVIDERTYPE_UCP
+    dialup.ProviderType = constants.asPROVIDERTYPE_TAP_DEFAULT if kind.lower() == "tap" else constants.asPROVIDERTYPE_UCP
     dialup.ProviderDialString = dial_string
     dialup.ProviderPassword = password
     message = win32com.client.Dispatch("Quorvane.SmsMessage")
@@ -23,7 +23,12 @@ def send(device, kind, dial_string, recipient, text, password=""):
     print("Answer:", dialup.ProviderResponse)
 
 
+def usage():
+    print(__doc__, file=sys.stderr)
+    sys.exit(2)
+
+
 if __name__ == "__main__":
-    if len(sys.argv) < 6:
-        sys.exit(__doc__)
+    if len(sys.argv) < 6 or sys.argv[2].lower() not in ("ucp", "tap"):
+        usage()
     send(*sys.argv[1:7])

@@ -1,13 +1,13 @@
 // Sends one message through a dialled provider.
-if (WScript.Arguments.length < 5) {
+var kind = WScript.Arguments.length > 4 ? WScript.Arguments.Item(1).toLowerCase() : "";
+if (kind != "ucp" && kind != "tap") {
     WScript.Echo('cscript send.js COM5 ucp|tap 0201234567 0612345678 "The text" [password]');
     WScript.Quit(2);
 }
 var constants = new ActiveXObject("Quorvane.SmsConstants");
 var dialup = new ActiveXObject("Quorvane.SmsProtocolDialup");
 dialup.Device = WScript.Arguments.Item(0);
-dialup.ProviderType = WScript.Arguments.Item(1).toLowerCase() == "tap"
-    ? constants.asPROVIDERTYPE_TAP_DEFAULT : constants.asPROVIDERTYPE_UCP;
+dialup.ProviderType = kind == "tap" ? constants.asPROVIDERTYPE_TAP_DEFAULT : constants.asPROVIDERTYPE_UCP;
 dialup.ProviderDialString = WScript.Arguments.Item(2);
 if (WScript.Arguments.length > 5) dialup.ProviderPassword = WScript.Arguments.Item(5);
 

@@ -1,8 +1,9 @@
 ' Sends one message through a dialled provider.
 Option Explicit
-Dim constants, dialup, message
+Dim constants, dialup, message, kind
 
-If WScript.Arguments.Count < 5 Then
+If WScript.Arguments.Count > 4 Then kind = LCase(WScript.Arguments(1))
+If kind <> "ucp" And kind <> "tap" Then
     WScript.Echo "cscript send.vbs COM5 ucp|tap 0201234567 0612345678 ""The text"" [password]"
     WScript.Quit 2
 End If
@@ -10,7 +11,7 @@ End If
 Set constants = CreateObject("Quorvane.SmsConstants")
 Set dialup = CreateObject("Quorvane.SmsProtocolDialup")
 dialup.Device = WScript.Arguments(0)
-If LCase(WScript.Arguments(1)) = "tap" Then
+If kind = "tap" Then
     dialup.ProviderType = constants.asPROVIDERTYPE_TAP_DEFAULT
 Else
     dialup.ProviderType = constants.asPROVIDERTYPE_UCP

@@ -1,6 +1,7 @@
 // SMS through a GSM modem.
 // Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll, then csc /r:NeltCtrl.Interop.dll /platform:x64 Gsm.cs
 using System;
+using System.Collections.Generic;
 using System.Text.RegularExpressions;
 using System.Threading;
 using NeltCtrl;
@@ -60,7 +61,9 @@ static class Program
     [STAThread]
     static void Main(string[] args)
     {
-        if (args.Length < 2)
+        var counts = new Dictionary<string, int> { { "send", 4 }, { "receive", 2 }, { "report", 4 }, { "pin", 3 } };
+        int count;
+        if (args.Length == 0 || !counts.TryGetValue(args[0], out count) || args.Length < count)
         {
             Console.WriteLine(@"Gsm.exe send COM5 +31612345678 ""The text"" | receive COM5 | " +
                               @"report COM5 +31612345678 ""The text"" | pin COM5 1234");

@@ -1,7 +1,8 @@
 # SMS through a GSM modem.
 param([string]$Job, [string]$Device, [string]$First, [string]$Text)
 
-if (-not $Device) {
+$last = @{ send = $Text; receive = $Device; report = $Text; pin = $First }  # the last argument that each needs
+if (-not $last[$Job]) {
     'Gsm.ps1 send COM5 +31612345678 "The text" | receive COM5 | ' +
     'report COM5 +31612345678 "The text" | pin COM5 1234'
     exit 2

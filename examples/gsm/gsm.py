@@ -56,9 +56,16 @@ def pin(gsm, code):
     print("PIN accepted")
 
 
+def usage():
+    print(__doc__, file=sys.stderr)
+    sys.exit(2)
+
+
 if __name__ == "__main__":
-    if len(sys.argv) < 3:
-        sys.exit(__doc__)
+    jobs = {"send": (send, 5), "receive": (receive, 3), "report": (report, 5), "pin": (pin, 4)}
+    job, count = jobs.get("".join(sys.argv[1:2]), (usage, 0))
+    if len(sys.argv) != count:
+        usage()
     protocol = win32com.client.Dispatch("Quorvane.SmsProtocolGsm")
     protocol.Device = sys.argv[2]
-    {"send": send, "receive": receive, "report": report, "pin": pin}[sys.argv[1]](protocol, *sys.argv[3:])
+    job(protocol, *sys.argv[3:])

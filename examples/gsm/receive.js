@@ -1,10 +1,11 @@
 // Reads and deletes the stored messages, several times.
-if (WScript.Arguments.length < 1) {
+var rounds = WScript.Arguments.length > 1 ? WScript.Arguments.Item(1) : 1;
+var pause = WScript.Arguments.length > 2 ? WScript.Arguments.Item(2) : 5000;
+var whole = /^\d{1,9}$/;
+if (WScript.Arguments.length < 1 || !whole.test(rounds) || !whole.test(pause)) {
     WScript.Echo("cscript receive.js COM5 [rounds] [pause in ms]");
     WScript.Quit(2);
 }
-var rounds = WScript.Arguments.length > 1 ? Number(WScript.Arguments.Item(1)) : 1;
-var pause = WScript.Arguments.length > 2 ? Number(WScript.Arguments.Item(2)) : 5000;
 var gsm = new ActiveXObject("Quorvane.SmsProtocolGsm");
 gsm.Device = WScript.Arguments.Item(0);
 var clock = new ActiveXObject("Quorvane.SmsProtocolSmpp");  // sleeps under Wine too, which WScript does not

@@ -1,16 +1,20 @@
 ' Reads and deletes the stored messages, several times.
 Option Explicit
-Dim gsm, clock, message, rounds, pause, i
+Dim gsm, clock, message, rounds, pause, i, whole
 
-If WScript.Arguments.Count < 1 Then
+Sub Usage()
     WScript.Echo "cscript receive.vbs COM5 [rounds] [pause in ms]"
     WScript.Quit 2
-End If
+End Sub
 
+Set whole = New RegExp
+whole.Pattern = "^\d{1,9}$"
+If WScript.Arguments.Count < 1 Then Usage
 rounds = 1
 pause = 5000
-If WScript.Arguments.Count > 1 Then rounds = CLng(WScript.Arguments(1))
-If WScript.Arguments.Count > 2 Then pause = CLng(WScript.Arguments(2))
+If WScript.Arguments.Count > 1 Then rounds = WScript.Arguments(1)
+If WScript.Arguments.Count > 2 Then pause = WScript.Arguments(2)
+If Not whole.Test(rounds) Or Not whole.Test(pause) Then Usage
 
 Set gsm = CreateObject("Quorvane.SmsProtocolGsm")
 gsm.Device = WScript.Arguments(0)
@@ -22,7 +26,7 @@ Sub Check(what)
     WScript.Quit 1
 End Sub
 
-For i = 1 To rounds
+For i = 1 To CLng(rounds)
     gsm.Receive
     Check "Receive"
     Set message = gsm.GetFirstMessage()
@@ -32,5 +36,5 @@ For i = 1 To rounds
     Wend
     gsm.DeleteAllMessages
     If gsm.LastError <> 33060 Then Check "DeleteAllMessages"  ' 33060: there was none
-    If i < rounds Then clock.Sleep pause
+    If i < CLng(rounds) Then clock.Sleep pause
 Next

@@ -1,15 +1,19 @@
 ' Sends an SMS and follows its delivery report.
 ' The reports are kept in a file, so that another run could go on where this one stopped.
 Option Explicit
-Dim constants, gsm, clock, message, beyondGsm, reference, status, tries, pause, file
+Dim constants, gsm, clock, message, beyondGsm, reference, status, tries, pause, file, whole
 
-If WScript.Arguments.Count < 3 Then
+Sub Usage()
     WScript.Echo "cscript report.vbs COM5 +31612345678 ""The text"" [pause in ms]"
     WScript.Quit 2
-End If
+End Sub
 
+Set whole = New RegExp
+whole.Pattern = "^\d{1,9}$"
+If WScript.Arguments.Count < 3 Then Usage
 pause = 11000
-If WScript.Arguments.Count > 3 Then pause = CLng(WScript.Arguments(3))
+If WScript.Arguments.Count > 3 Then pause = WScript.Arguments(3)
+If Not whole.Test(pause) Then Usage
 file = "reports.txt"
 
 Set constants = CreateObject("Quorvane.SmsConstants")

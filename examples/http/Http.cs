@@ -13,7 +13,8 @@ static class Program
     [STAThread]
     static void Main(string[] args)
     {
-        if (args.Length < 4)
+        ushort port = 0;
+        if (args.Length < 4 || !ushort.TryParse(args[1], out port))
         {
             Console.WriteLine(@"Http.exe 127.0.0.1 8080 +31612345678 ""The text"" [account password]");
             Environment.Exit(2);
@@ -21,7 +22,7 @@ static class Program
         var gateway = new SmsProtocolHttp
         {
             ProviderHost = args[0],
-            ProviderPort = int.Parse(args[1]),
+            ProviderPort = port,
             // The templates: a request as the provider describes it, from behind "host/", with a placeholder
             // where the number and where the text stand. What follows "?" is posted. These are for
             // lab/gateway.py; docs/http.md has all placeholders.

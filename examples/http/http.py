@@ -35,7 +35,12 @@ def send(server, port, recipient, text, account="", password=""):
     print("Answer:", gateway.ProviderResponse)
 
 
+def usage():
+    print(__doc__, file=sys.stderr)
+    sys.exit(2)
+
+
 if __name__ == "__main__":
-    if len(sys.argv) < 5:
-        sys.exit(__doc__)
+    if len(sys.argv) < 5 or not re.fullmatch("[0-9]{1,9}", sys.argv[2]):
+        usage()
     send(*sys.argv[1:7])

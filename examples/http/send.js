@@ -1,6 +1,7 @@
 // Sends one SMS through an HTTP gateway, whose requests two templates describe.
 // A character outside the GSM alphabet makes it a Unicode message.
-if (WScript.Arguments.length < 4) {
+var whole = /^\d{1,9}$/;
+if (WScript.Arguments.length < 4 || !whole.test(WScript.Arguments.Item(1))) {
     WScript.Echo('cscript send.js 127.0.0.1 8080 +31612345678 "The text" [account password]');
     WScript.Quit(2);
 }

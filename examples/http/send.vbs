@@ -1,12 +1,17 @@
 ' Sends one SMS through an HTTP gateway, whose requests two templates describe.
 ' A character outside the GSM alphabet makes it a Unicode message.
 Option Explicit
-Dim constants, gateway, message, beyondGsm
+Dim constants, gateway, message, beyondGsm, whole
 
-If WScript.Arguments.Count < 4 Then
+Sub Usage()
     WScript.Echo "cscript send.vbs 127.0.0.1 8080 +31612345678 ""The text"" [account password]"
     WScript.Quit 2
-End If
+End Sub
+
+Set whole = New RegExp
+whole.Pattern = "^\d{1,9}$"
+If WScript.Arguments.Count < 4 Then Usage
+If Not whole.Test(WScript.Arguments(1)) Then Usage
 
 Set constants = CreateObject("Quorvane.SmsConstants")
 Set gateway = CreateObject("Quorvane.SmsProtocolHttp")

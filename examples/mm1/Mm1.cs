@@ -84,7 +84,9 @@ static class Program
     [STAThread]
     static void Main(string[] args)
     {
-        if (args.Length < 4)
+        bool send = args.Length > 4 && args[0] == "send";
+        bool receive = args.Length > 3 && args[0] == "receive";
+        if (!send && !receive)
         {
             Console.WriteLine(@"Mm1.exe send provider.ini +31612345678 ""The text"" picture.jpg [modem] | " +
                               "receive provider.ini COM5 folder");
@@ -92,7 +94,7 @@ static class Program
         }
         mm1.ProviderLoadConfig(args[1]);
         Check(mm1.LastError);
-        if (args[0] == "send") Send(args[2], args[3], args[4], args.Length > 5 ? args[5] : "");
-        if (args[0] == "receive") Receive(args[2], args[3]);
+        if (send) Send(args[2], args[3], args[4], args.Length > 5 ? args[5] : "");
+        if (receive) Receive(args[2], args[3]);
     }
 }

@@ -2,7 +2,8 @@
 # A modem that is given by its name in Windows dials; without one, or with a port, the connection of the machine is used.
 param([string]$Job, [string]$Provider, [string]$First, [string]$Second, [string]$Picture, [string]$Modem)
 
-if (-not $Second) {
+$last = @{ send = $Picture; receive = $Second }  # the last argument that each needs
+if (-not $last[$Job]) {
     'Mm1.ps1 send provider.ini +31612345678 "The text" picture.jpg [modem] | receive provider.ini COM5 folder'
     exit 2
 }

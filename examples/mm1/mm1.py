@@ -73,10 +73,17 @@ def receive(mm1, device, folder):
         mm1.Disconnect()
 
 
+def usage():
+    print(__doc__, file=sys.stderr)
+    sys.exit(2)
+
+
 if __name__ == "__main__":
-    if len(sys.argv) < 5:
-        sys.exit(__doc__)
+    jobs = {"send": (send, [6, 7]), "receive": (receive, [5])}
+    job, counts = jobs.get("".join(sys.argv[1:2]), (usage, []))
+    if len(sys.argv) not in counts:
+        usage()
     protocol = win32com.client.Dispatch("Quorvane.MmsProtocolMm1")
     protocol.ProviderLoadConfig(sys.argv[2])
     check(protocol)
-    {"send": send, "receive": receive}[sys.argv[1]](protocol, *sys.argv[3:])
+    job(protocol, *sys.argv[3:])

@@ -34,7 +34,12 @@ for (var i = 0; i < locations.length; ++i) {
     var file = WScript.Arguments.Item(2) + "\\message" + (i + 1) + ".mms";
     message.SaveToFile(file, constants.asMMS_MM1FILE_MRETRIEVECONF);
     WScript.Echo("From " + message.From + ": " + message.Subject);
-    WScript.Echo(message.LastError == 0 ? "Saved: " + file : "Not saved: " + message.GetErrorDescription(message.LastError));
+    if (message.LastError == 0) {
+        WScript.Echo("Saved: " + file);
+    } else {
+        WScript.Echo("Not saved: " + message.GetErrorDescription(message.LastError));
+        ++failed;
+    }
 }
 mm1.Disconnect();
 WScript.Quit(failed == 0 ? 0 : 1);

@@ -14,7 +14,8 @@ static class Program
     [STAThread]
     static void Main(string[] args)
     {
-        if (args.Length < 7)
+        ushort port = 0;
+        if (args.Length < 7 || !ushort.TryParse(args[1], out port))
         {
             Console.WriteLine(@"Mm4.exe 127.0.0.1 2525 account password 31612345678 example.net ""The text"" picture.jpg ...");
             Environment.Exit(2);
@@ -22,7 +23,7 @@ static class Program
         var peer = new MmsProtocolMm4
         {
             ProviderHost = args[0],
-            ProviderPort = int.Parse(args[1]),
+            ProviderPort = port,
             ProviderAccount = args[2],
             ProviderPassword = args[3],
             ProviderDomain = args[5]

@@ -94,11 +94,16 @@ void Send(wchar_t** argv, IMmsMessage* message) {
     peer->Release();
 }
 
+// Whether an argument is a whole number that an int holds.
+bool IsNumber(const std::wstring& text) {
+    return !text.empty() && text.size() < 10 && text.find_first_not_of(L"0123456789") == text.npos;
+}
+
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
     constexpr int kFirstPicture = 8;
-    if (argc < kFirstPicture) {
+    if (argc < kFirstPicture || !IsNumber(argv[2])) {
         std::puts(
             "mm4_example 127.0.0.1 2525 account password 31612345678 example.net \"The text\" picture.jpg "
             "...");

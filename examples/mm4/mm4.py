@@ -2,6 +2,7 @@
 
 Needs pywin32. Sends a text and pictures to a peer MMS server.
 """
+import re
 import sys
 
 import win32com.client
@@ -39,7 +40,12 @@ def send(server, port, account, password, recipient, domain, text, *pictures):
     print("Answer:", peer.ProviderResponse)
 
 
+def usage():
+    print(__doc__, file=sys.stderr)
+    sys.exit(2)
+
+
 if __name__ == "__main__":
-    if len(sys.argv) < 8:
-        sys.exit(__doc__)
+    if len(sys.argv) < 8 or not re.fullmatch("[0-9]{1,9}", sys.argv[2]):
+        usage()
     send(*sys.argv[1:])

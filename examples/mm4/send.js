@@ -1,5 +1,6 @@
 // Sends a text and pictures to a peer MMS server.
-if (WScript.Arguments.length < 7) {
+var whole = /^\d{1,9}$/;
+if (WScript.Arguments.length < 7 || !whole.test(WScript.Arguments.Item(1))) {
     WScript.Echo('cscript send.js 127.0.0.1 2525 account password 31612345678 example.net "The text" picture.jpg ...');
     WScript.Quit(2);
 }

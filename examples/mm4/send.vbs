@@ -1,11 +1,16 @@
 ' Sends a text and pictures to a peer MMS server.
 Option Explicit
-Dim peer, message, slide, i
+Dim peer, message, slide, i, whole
 
-If WScript.Arguments.Count < 7 Then
+Sub Usage()
     WScript.Echo "cscript send.vbs 127.0.0.1 2525 account password 31612345678 example.net ""The text"" picture.jpg ..."
     WScript.Quit 2
-End If
+End Sub
+
+Set whole = New RegExp
+whole.Pattern = "^\d{1,9}$"
+If WScript.Arguments.Count < 7 Then Usage
+If Not whole.Test(WScript.Arguments(1)) Then Usage
 
 Set peer = CreateObject("Quorvane.MmsProtocolMm4")
 peer.ProviderHost = WScript.Arguments(0)

@@ -33,7 +33,12 @@ def send(provider, recipient, text, picture):
     print("Sent, message id", mm7.MessageId)
 
 
+def usage():
+    print(__doc__, file=sys.stderr)
+    sys.exit(2)
+
+
 if __name__ == "__main__":
     if len(sys.argv) < 5:
-        sys.exit(__doc__)
+        usage()
     send(*sys.argv[1:5])

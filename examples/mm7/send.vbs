@@ -30,6 +30,8 @@ Sub Check(object, what)
     code = object.LastError
     If code = 0 Then Exit Sub
     WScript.Echo what & ": " & code & " " & object.GetErrorDescription(code)
-    If what = "Sending" And mm7.ProviderResponse <> "" Then WScript.Echo "The centre said: " & mm7.ProviderResponse
+    If what = "Sending" Then  ' before, there may be no mm7
+        If mm7.ProviderResponse <> "" Then WScript.Echo "The centre said: " & mm7.ProviderResponse
+    End If
     WScript.Quit 1
 End Sub

@@ -26,6 +26,7 @@ function fromUtf8(octets) {
     return decodeURIComponent(escape(octets.replace(/\0$/, "")));
 }
 
+var failed = 0;
 for (var slide = message.GetFirstSlide(); message.LastError == 0; slide = message.GetNextSlide()) {
     for (var i = 0; i < slide.GetTextCount(); ++i) WScript.Echo("Text: " + fromUtf8(slide.GetText(i)));
     for (i = 0; i < slide.CountAttachments(); ++i) {
@@ -36,6 +37,12 @@ for (var slide = message.GetFirstSlide(); message.LastError == 0; slide = messag
         var extension = /\.[A-Za-z0-9]{1,8}$/.exec(name);
         var file = WScript.Arguments.Item(1) + "\\attachment" + (i + 1) + (extension ? extension[0] : "");
         slide.SaveAttachment(i, file);
-        WScript.Echo(slide.LastError == 0 ? "Saved: " + file : "Not saved: " + slide.GetErrorDescription(slide.LastError));
+        if (slide.LastError == 0) {
+            WScript.Echo("Saved: " + file);
+        } else {
+            WScript.Echo("Not saved: " + slide.GetErrorDescription(slide.LastError));
+            ++failed;
+        }
     }
 }
+WScript.Quit(failed == 0 ? 0 : 1);

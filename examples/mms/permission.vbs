@@ -1,11 +1,16 @@
 ' Builds a message whose picture may be shown a few times only.
 Option Explicit
-Dim constants, message, permission, slide
+Dim constants, message, permission, slide, whole
 
-If WScript.Arguments.Count < 4 Then
+Sub Usage()
     WScript.Echo "cscript permission.vbs message.mms +31612345678 picture.jpg times"
     WScript.Quit 2
-End If
+End Sub
+
+Set whole = New RegExp
+whole.Pattern = "^\d{1,9}$"
+If WScript.Arguments.Count < 4 Then Usage
+If Not whole.Test(WScript.Arguments(3)) Then Usage
 
 Set constants = CreateObject("Quorvane.MmsConstants")
 Set permission = CreateObject("Quorvane.MmsPermission")

@@ -58,10 +58,15 @@ bool Report(IPagerProtocolSnpp* pager) {
     return error == 0;
 }
 
+// Whether an argument is a whole number that an int holds.
+bool IsNumber(const std::wstring& text) {
+    return !text.empty() && text.size() < 10 && text.find_first_not_of(L"0123456789") == text.npos;
+}
+
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
-    if (argc < 5) {
+    if (argc < 5 || !IsNumber(argv[2])) {
         std::puts(R"(pager_example 127.0.0.1 4444 5551212 "The text" [password])");
         return 2;
     }

@@ -2,6 +2,7 @@
 
 Needs pywin32. Sends one page through a paging server.
 """
+import re
 import sys
 
 import win32com.client
@@ -21,7 +22,12 @@ def send(server, port, recipient, text, password=""):
     print("Answer:", pager.ProviderResponse)
 
 
+def usage():
+    print(__doc__, file=sys.stderr)
+    sys.exit(2)
+
+
 if __name__ == "__main__":
-    if len(sys.argv) < 5:
-        sys.exit(__doc__)
+    if len(sys.argv) < 5 or not re.fullmatch("[0-9]{1,9}", sys.argv[2]):
+        usage()
     send(*sys.argv[1:6])

@@ -1,5 +1,6 @@
 // Sends one page through a paging server.
-if (WScript.Arguments.length < 4) {
+var whole = /^\d{1,9}$/;
+if (WScript.Arguments.length < 4 || !whole.test(WScript.Arguments.Item(1))) {
     WScript.Echo('cscript send.js 127.0.0.1 4444 5551212 "The text" [password]');
     WScript.Quit(2);
 }

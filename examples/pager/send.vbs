@@ -1,11 +1,16 @@
 ' Sends one page through a paging server.
 Option Explicit
-Dim pager, message
+Dim pager, message, whole
 
-If WScript.Arguments.Count < 4 Then
+Sub Usage()
     WScript.Echo "cscript send.vbs 127.0.0.1 4444 5551212 ""The text"" [password]"
     WScript.Quit 2
-End If
+End Sub
+
+Set whole = New RegExp
+whole.Pattern = "^\d{1,9}$"
+If WScript.Arguments.Count < 4 Then Usage
+If Not whole.Test(WScript.Arguments(1)) Then Usage
 
 Set pager = CreateObject("Quorvane.PagerProtocolSnpp")
 pager.Server = WScript.Arguments(0)

@@ -49,21 +49,25 @@ static class Program
     [STAThread]
     static void Main(string[] args)
     {
-        if (args.Length < 5)
+        ushort port = 0, seconds = 2;
+        bool send = args.Length > 6 && args[0] == "send";
+        bool receive = args.Length > 4 && args[0] == "receive" &&
+                       (args.Length == 5 || ushort.TryParse(args[5], out seconds));
+        if (!send && !receive || !ushort.TryParse(args[2], out port))
         {
             Console.WriteLine(@"Smpp.exe send 127.0.0.1 2775 user password +31612345678 ""The text"" | " +
                               @"receive 127.0.0.1 2775 user password [seconds]");
             Environment.Exit(2);
         }
         smpp.Server = args[1];
-        smpp.ServerPort = int.Parse(args[2]);
+        smpp.ServerPort = port;
         smpp.SystemID = args[3];
         smpp.SystemPassword = args[4];
         smpp.SystemCharSet = (int)SmppCharset.asSMPPCHARSET_GSM;
         smpp.Connect();
         Check();
-        if (args[0] == "send") Send(args[5], args[6]);
-        else Receive(args.Length > 5 ? int.Parse(args[5]) : 2);
+        if (send) Send(args[5], args[6]);
+        else Receive(seconds);
         smpp.Disconnect();
     }
 }

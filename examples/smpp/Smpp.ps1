@@ -1,7 +1,11 @@
 # SMS through an SMPP server.
 param([string]$Job, [string]$Server, [int]$Port, [string]$User, [string]$Password, [string]$First = '2', [string]$Text)
 
-if (-not $Server) {
+$usable = switch ($Job) {
+    'send' { $Text }
+    'receive' { $Password -and $First -match '^[0-9]{1,9}$' }
+}
+if (-not $usable) {
     'Smpp.ps1 send 127.0.0.1 2775 user password +31612345678 "The text" | ' +
     'receive 127.0.0.1 2775 user password [seconds]'
     exit 2

@@ -1,10 +1,11 @@
 // Receives messages for some seconds.
-if (WScript.Arguments.length < 4) {
+var seconds = WScript.Arguments.length > 4 ? WScript.Arguments.Item(4) : 2;
+var whole = /^\d{1,9}$/;
+if (WScript.Arguments.length < 4 || !whole.test(WScript.Arguments.Item(1)) || !whole.test(seconds)) {
     WScript.Echo("cscript receive.js 127.0.0.1 2775 user password [seconds]");
     WScript.Quit(2);
 }
 var smpp = new ActiveXObject("Quorvane.SmsProtocolSmpp");
-var seconds = WScript.Arguments.Count() > 4 ? Number(WScript.Arguments.Item(4)) : 2;
 smpp.Server = WScript.Arguments.Item(0);
 smpp.ServerPort = Number(WScript.Arguments.Item(1));
 smpp.SystemID = WScript.Arguments.Item(2);

@@ -1,14 +1,20 @@
 ' Receives messages for some seconds.
 Option Explicit
-Dim smpp, message, seconds, i
+Dim smpp, message, seconds, i, whole
 
-If WScript.Arguments.Count < 4 Then
+Sub Usage()
     WScript.Echo "cscript receive.vbs 127.0.0.1 2775 user password [seconds]"
     WScript.Quit 2
-End If
+End Sub
 
+Set whole = New RegExp
+whole.Pattern = "^\d{1,9}$"
+If WScript.Arguments.Count < 4 Then Usage
+If Not whole.Test(WScript.Arguments(1)) Then Usage
 seconds = 2
-If WScript.Arguments.Count > 4 Then seconds = CLng(WScript.Arguments(4))
+If WScript.Arguments.Count > 4 Then seconds = WScript.Arguments(4)
+If Not whole.Test(seconds) Then Usage
+
 Set smpp = CreateObject("Quorvane.SmsProtocolSmpp")
 smpp.Server = WScript.Arguments(0)
 smpp.ServerPort = WScript.Arguments(1)

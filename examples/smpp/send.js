@@ -1,6 +1,7 @@
 // Connects, sends one SMS and follows its receipt.
 // A character outside the GSM alphabet makes it a Unicode message.
-if (WScript.Arguments.length < 6) {
+var whole = /^\d{1,9}$/;
+if (WScript.Arguments.length < 6 || !whole.test(WScript.Arguments.Item(1))) {
     WScript.Echo('cscript send.js 127.0.0.1 2775 user password +31612345678 "The text"');
     WScript.Quit(2);
 }

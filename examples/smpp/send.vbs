@@ -1,12 +1,17 @@
 ' Connects, sends one SMS and follows its receipt.
 ' A character outside the GSM alphabet makes it a Unicode message.
 Option Explicit
-Dim constants, smpp, message, beyondGsm, reference, status
+Dim constants, smpp, message, beyondGsm, reference, status, whole
 
-If WScript.Arguments.Count < 6 Then
+Sub Usage()
     WScript.Echo "cscript send.vbs 127.0.0.1 2775 user password +31612345678 ""The text"""
     WScript.Quit 2
-End If
+End Sub
+
+Set whole = New RegExp
+whole.Pattern = "^\d{1,9}$"
+If WScript.Arguments.Count < 6 Then Usage
+If Not whole.Test(WScript.Arguments(1)) Then Usage
 
 Set constants = CreateObject("Quorvane.SmsConstants")
 Set smpp = CreateObject("Quorvane.SmsProtocolSmpp")

@@ -49,7 +49,7 @@ bool Failed(ISmsProtocolSmpp* smpp) {
     return true;
 }
 
-void Send(ISmsProtocolSmpp* smpp, const wchar_t* recipient, const wchar_t* text) {
+bool Send(ISmsProtocolSmpp* smpp, const wchar_t* recipient, const wchar_t* text) {
     ISmsMessage* message = New<SmsMessage, ISmsMessage>();
     message->put_Recipient(Text(recipient));
     message->put_Data(Text(text));
@@ -63,7 +63,8 @@ void Send(ISmsProtocolSmpp* smpp, const wchar_t* recipient, const wchar_t* text)
     smpp->Send(&argument, &reference);
     message->Release();
     VARIANT item;
-    if (!Failed(smpp) && SUCCEEDED(smpp->QueryStatus(reference, 1, &item)) && !Failed(smpp)) {
+    const bool sent = !Failed(smpp) && SUCCEEDED(smpp->QueryStatus(reference, 1, &item)) && !Failed(smpp);
+    if (sent) {
         auto* status = static_cast<ISmsDeliveryStatus*>(item.pdispVal);
         BSTR description = nullptr;
         status->get_StatusDescription(&description);
@@ -72,6 +73,7 @@ void Send(ISmsProtocolSmpp* smpp, const wchar_t* recipient, const wchar_t* text)
         status->Release();
     }
     SysFreeString(reference);
+    return sent;
 }
 
 void Receive(ISmsProtocolSmpp* smpp, int seconds) {
@@ -94,6 +96,11 @@ void Receive(ISmsProtocolSmpp* smpp, int seconds) {
     }
 }
 
+// Whether an argument is a whole number that an int holds.
+bool IsNumber(const std::wstring& text) {
+    return !text.empty() && text.size() < 10 && text.find_first_not_of(L"0123456789") == text.npos;
+}
+
 int Usage() {
     std::puts(R"(smpp_example send 127.0.0.1 2775 user password +31612345678 "The text" | )"
               R"(receive 127.0.0.1 2775 user password [seconds])");
@@ -106,7 +113,8 @@ int wmain(int argc, wchar_t** argv) {
     const std::wstring job = argc > 1 ? argv[1] : L"";
     const bool send = job == L"send" && argc > 7;
     const bool receive = job == L"receive" && argc > 5;
-    if (!send && !receive) return Usage();
+    const std::wstring seconds = receive && argc > 6 ? argv[6] : L"2";
+    if ((!send && !receive) || !IsNumber(argv[3]) || !IsNumber(seconds)) return Usage();
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     ISmsProtocolSmpp* smpp = New<SmsProtocolSmpp, ISmsProtocolSmpp>();
     smpp->put_Server(Text(argv[2]));
@@ -115,11 +123,11 @@ int wmain(int argc, wchar_t** argv) {
     smpp->put_SystemPassword(Text(argv[5]));
     smpp->put_SystemCharSet(asSMPPCHARSET_GSM);
     smpp->Connect();
-    const bool connected = !Failed(smpp);
-    if (connected && send) Send(smpp, argv[6], argv[7]);
-    if (connected && receive) Receive(smpp, argc > 6 ? std::stoi(argv[6]) : 2);
+    bool done = !Failed(smpp);
+    if (done && send) done = Send(smpp, argv[6], argv[7]);
+    if (done && receive) Receive(smpp, std::stoi(seconds));
     smpp->Disconnect();
     smpp->Release();
     CoUninitialize();
-    return connected ? 0 : 1;
+    return done ? 0 : 1;
 }

@@ -39,9 +39,22 @@ def receive(smpp, seconds="2"):
             message = smpp.GetNextMessage()
 
 
+def is_number(text):
+    return re.fullmatch("[0-9]{1,9}", text)
+
+
+def usage():
+    print(__doc__, file=sys.stderr)
+    sys.exit(2)
+
+
 if __name__ == "__main__":
-    if len(sys.argv) < 6:
-        sys.exit(__doc__)
+    jobs = {"send": (send, [8]), "receive": (receive, [6, 7])}
+    job, counts = jobs.get("".join(sys.argv[1:2]), (usage, []))
+    if len(sys.argv) not in counts or not is_number(sys.argv[3]):
+        usage()
+    if job == receive and not all(map(is_number, sys.argv[6:])):
+        usage()
     protocol = win32com.client.Dispatch("Quorvane.SmsProtocolSmpp")
     protocol.Server = sys.argv[2]
     protocol.ServerPort = int(sys.argv[3])
@@ -50,5 +63,5 @@ if __name__ == "__main__":
     protocol.SystemCharSet = 1  # asSMPPCHARSET_GSM
     protocol.Connect()
     check(protocol)
-    {"send": send, "receive": receive}[sys.argv[1]](protocol, *sys.argv[6:])
+    job(protocol, *sys.argv[6:])
     protocol.Disconnect()

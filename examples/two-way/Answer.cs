@@ -62,13 +62,13 @@ static class Program
     [STAThread]
     static int Main(string[] args)
     {
-        if (args.Length < 2)
+        int wanted = 0, pause = 5000;
+        if (args.Length < 2 || args.Length > 2 && !int.TryParse(args[2], out wanted) ||
+            args.Length > 3 && !int.TryParse(args[3], out pause) || wanted < 0 || pause < 0)
         {
             Console.WriteLine(@"Answer.exe COM5 ""The answer"" [number of messages] [pause in ms]");
             return 2;
         }
-        int wanted = args.Length > 2 ? int.Parse(args[2]) : 0;
-        int pause = args.Length > 3 ? int.Parse(args[3]) : 5000;
         gsm.Device = args[0];
         answer.Data = args[1];
         answer.Format = (int)(beyondGsm.IsMatch(args[1]) ? SmsMessageFormat.asMESSAGEFORMAT_UNICODE_MULTIPART

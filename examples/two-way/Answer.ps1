@@ -1,6 +1,6 @@
 # Answers every text that comes from a number, until Ctrl-C or until so many are answered. What was answered is deleted;
 # what could not be answered is tried again. All else (data, MMS notifications, texts from names) stays on the device.
-param([string]$Device, [string]$Text, [int]$Wanted = 0, [int]$Pause = 5000)
+param([string]$Device, [string]$Text, [uint32]$Wanted = 0, [uint32]$Pause = 5000)
 
 if (-not $Text) {
     'Answer.ps1 COM5 "The answer" [number of messages] [pause in ms]'

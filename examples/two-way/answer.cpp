@@ -109,15 +109,22 @@ int AnswerWaiting(ISmsMessage* answer, int most) {
     return answered;
 }
 
+// Whether an argument is a whole number that an int holds.
+bool IsNumber(const std::wstring& text) {
+    return !text.empty() && text.size() < 10 && text.find_first_not_of(L"0123456789") == text.npos;
+}
+
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
-    if (argc < 3) {
+    const std::wstring count = argc > 3 ? argv[3] : L"0";
+    const std::wstring milliseconds = argc > 4 ? argv[4] : L"5000";
+    if (argc < 3 || !IsNumber(count) || !IsNumber(milliseconds)) {
         std::puts(R"(answer_example COM5 "The answer" [number of messages] [pause in ms])");
         return 2;
     }
-    const int wanted = argc > 3 ? std::stoi(argv[3]) : 0;
-    const DWORD pause = argc > 4 ? std::stoul(argv[4]) : 5000;
+    const int wanted = std::stoi(count);
+    const DWORD pause = std::stoul(milliseconds);
     SetConsoleOutputCP(CP_UTF8);
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     gsm = New<SmsProtocolGsm, ISmsProtocolGsm>();

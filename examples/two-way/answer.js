@@ -1,11 +1,12 @@
 // Answers every text that comes from a number, until Ctrl-C or until so many are answered. What was answered is deleted;
 // what could not be answered is tried again. All else (data, MMS notifications, texts from names) stays on the device.
-if (WScript.Arguments.length < 2) {
+var wanted = WScript.Arguments.length > 2 ? WScript.Arguments.Item(2) : 0;
+var pause = WScript.Arguments.length > 3 ? WScript.Arguments.Item(3) : 5000;
+var whole = /^\d{1,9}$/;
+if (WScript.Arguments.length < 2 || !whole.test(wanted) || !whole.test(pause)) {
     WScript.Echo('cscript answer.js COM5 "The answer" [number of messages] [pause in ms]');
     WScript.Quit(2);
 }
-var wanted = WScript.Arguments.length > 2 ? Number(WScript.Arguments.Item(2)) : 0;
-var pause = WScript.Arguments.length > 3 ? Number(WScript.Arguments.Item(3)) : 5000;
 var beyondGsm = new RegExp(
     "[^\n\r -_a-~\xA1\xA3-\xA5\xA7\xBF\xC4-\xC7\xC9\xD1\xD6\xD8\xDC\xDF\xE0\xE4-\xE6\xE8\xE9\xEC\xF1\xF2" +
     "\xF6\xF8\xF9\xFC\u0393\u0394\u0398\u039B\u039E\u03A0\u03A3\u03A6\u03A8\u03A9\u20AC]");

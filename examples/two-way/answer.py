@@ -67,10 +67,19 @@ def run(device, text, wanted="0", pause="5000"):
     print(f"Done: {answered} answered")
 
 
+def is_number(text):
+    return re.fullmatch("[0-9]{1,9}", text)
+
+
+def usage():
+    print(__doc__, file=sys.stderr)
+    sys.exit(2)
+
+
 if __name__ == "__main__":
-    if len(sys.argv) < 3:
-        sys.exit(__doc__)
+    if len(sys.argv) < 3 or not all(map(is_number, sys.argv[3:5])):
+        usage()
     constants = win32com.client.Dispatch("Quorvane.SmsConstants")
     gsm = win32com.client.Dispatch("Quorvane.SmsProtocolGsm")
     answer = win32com.client.Dispatch("Quorvane.SmsMessage")
-    run(*sys.argv[1:])
+    run(*sys.argv[1:5])

@@ -1,16 +1,22 @@
 ' Answers every text that comes from a number, until Ctrl-C or until so many are answered. What was answered is deleted;
 ' what could not be answered is tried again. All else (data, MMS notifications, texts from names) stays on the device.
 Option Explicit
-Dim constants, gsm, clock, answer, message, number, beyondGsm, wanted, pause, answered, index
+Dim constants, gsm, clock, answer, message, number, beyondGsm, wanted, pause, answered, index, whole
 
-If WScript.Arguments.Count < 2 Then
+Sub Usage()
     WScript.Echo "cscript answer.vbs COM5 ""The answer"" [number of messages] [pause in ms]"
     WScript.Quit 2
-End If
+End Sub
+
+Set whole = New RegExp
+whole.Pattern = "^\d{1,9}$"
+If WScript.Arguments.Count < 2 Then Usage
 wanted = 0
 pause = 5000
-If WScript.Arguments.Count > 2 Then wanted = CLng(WScript.Arguments(2))
-If WScript.Arguments.Count > 3 Then pause = CLng(WScript.Arguments(3))
+If WScript.Arguments.Count > 2 Then wanted = WScript.Arguments(2)
+If WScript.Arguments.Count > 3 Then pause = WScript.Arguments(3)
+If Not whole.Test(wanted) Or Not whole.Test(pause) Then Usage
+wanted = CLng(wanted)
 
 Set constants = CreateObject("Quorvane.SmsConstants")
 Set gsm = CreateObject("Quorvane.SmsProtocolGsm")

@@ -37,7 +37,12 @@ def send(device, recipient, url, text):
     print("Sent, reference", reference)
 
 
+def usage():
+    print(__doc__, file=sys.stderr)
+    sys.exit(2)
+
+
 if __name__ == "__main__":
     if len(sys.argv) < 5:
-        sys.exit(__doc__)
+        usage()
     send(*sys.argv[1:5])

@@ -249,6 +249,10 @@ class Examples(unittest.TestCase):
                 self.assertEqual(code, 0, output)
                 self.assertIn("Our holiday", output)
             self.assertTrue(list(path.glob("*.mms")))
+            for code, output in (wine.script(EXAMPLES / "receive.js", provider, "COM122", there + "none"),
+                                 wine.run("mm1_example.exe", "receive", provider, "COM122", there + "none")):
+                self.assertEqual(code, 1, output)
+                self.assertRegex(output, r"(Not saved: \w|Failed: \d)[^\n]*\n$")
 
 
 if __name__ == "__main__":

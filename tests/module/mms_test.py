@@ -1,5 +1,6 @@
 """The MMS classes of the registered module: members and codes from scripts, and the examples."""
 import pathlib
+import re
 import sys
 import unittest
 
@@ -247,6 +248,8 @@ class Examples(unittest.TestCase):
                 f"Saved: {folder}\\attachment1.jpg", "Attachment: b.gif", f"Saved: {folder}\\attachment2.gif"]))
             self.assertEqual((path / "attachment1.jpg").read_bytes(), JPEG)
             self.assertEqual((path / "attachment2.gif").read_bytes(), b"GIF89a")
+            code, output = wine.script(EXAMPLES / "list.js", files[0], folder + "\\none")
+            self.assertEqual((code, len(re.findall(r"^Not saved: \w", output, re.MULTILINE))), (1, 2))
             code, output = wine.script(EXAMPLES / "list.js", files[1])
             self.assertEqual((code, output), (1, "Failed: 33763 MMSC response: corrupt message format\n"))
 
