@@ -304,15 +304,23 @@ TEST(HttpProtocol, NoPasswordStandsInAMaskedLog) {
 // --- the rest of the object
 
 TEST(HttpProtocol, ClearPutsEverythingBack) {
-    Channel channel;
+    LoggedChannel channel;
     channel.engine.settings.proxyServer = "px";
     channel.engine.SetAdvancedSettings("HttpTimeout=1");
+    channel.Log();
+    const auto settings = channel.engine.settings;
     EXPECT_EQ(channel.Send(), 0);
+    const std::string both = channel.Read("log.txt") + channel.Read("activity.ini");
     channel.engine.Clear();
     EXPECT_EQ(channel.engine.settings.host, "");
     EXPECT_EQ(channel.engine.settings.proxyServer, "");
     EXPECT_EQ(channel.engine.ProviderResponse(), "");
     EXPECT_EQ(channel.engine.AdvancedSettings(), "");
+    // What is sent next is logged nowhere, and goes over a connection of its own.
+    channel.engine.settings = settings;
+    EXPECT_EQ(channel.Send(), 0);
+    EXPECT_EQ(channel.Read("log.txt") + channel.Read("activity.ini"), both);
+    EXPECT_EQ(channel.script.sessions.size(), 2U);
 }
 
 TEST(HttpProtocol, ProviderFilesHoldTheSettings) {

@@ -69,6 +69,8 @@ TEST(MimeHeader, EncodesOnlyTheNameOfAnAddress) {
              Row{"J\xf6rg <j@host>", "From: =?utf-8?B?SsO2cmc=?=\r\n <j@host>\r\n"},
              Row{"\"J\xf6rg \" <j@host>", "From: =?utf-8?B?SsO2cmcg?=\r\n <j@host>\r\n"},
              Row{"J\xf6rg\r\n <j@host>", "From: =?utf-8?B?SsO2cmc=?=\r\n <j@host>\r\n"},
+             Row{"J\xf6\r\nrg <j@host>", "From: =?utf-8?B?SsO2ICByZw==?=\r\n <j@host>\r\n"},
+             Row{"\r\n<j@host>", "From:   <j@host>\r\n"},
              Row{"<j\xf6@host>", "From: =?utf-8?B?PGrDtkBob3N0Pg==?=\r\n"},
              Row{"\xf6 <j\n@host>", "From: =?utf-8?B?w7YgPGogQGhvc3Q+?=\r\n"},
              Row{"\xf6 <j@host", "From: =?utf-8?B?w7YgPGpAaG9zdA==?=\r\n"},
@@ -76,6 +78,13 @@ TEST(MimeHeader, EncodesOnlyTheNameOfAnAddress) {
         std::string out;
         mime::AppendAddressHeader(out, "From", row.address);
         EXPECT_EQ(out, row.field);
+    }
+    // An address that no line can hold is encoded with its name.
+    for (const std::size_t size : {997U, 998U}) {
+        const std::string route = '<' + std::string(size - 2, 'u') + '>';
+        std::string out;
+        mime::AppendAddressHeader(out, "From", "\xf6 " + route);
+        EXPECT_EQ(out.find("\r\n " + route + "\r\n") != std::string::npos, size == 997);
     }
 }
 

@@ -102,6 +102,7 @@ TEST_F(Mm1, ConnectsOverTheModem) {
         EXPECT_TRUE(HasLogged(line)) << line;
     }
     EXPECT_TRUE(HasEntry("activity", "Open Device (COM3), Result = Success"));
+    EXPECT_TRUE(HasEntry("activity", "Creating DUN entry 'MMS on COM3'"));
 }
 
 TEST_F(Mm1, SettingsAreCheckedBeforeAnythingIsOpened) {
@@ -190,6 +191,20 @@ TEST_F(Mm1, ASilentModemEndsInTime) {
     EXPECT_EQ(clock.Slept(), 5500U);
 }
 
+TEST_F(Mm1, AModemThatFallsSilentIsAskedNoMore) {
+    modem.On("AT+CMEE=1", {kOk, ""});
+    EXPECT_EQ(engine.Connect(), 30350);
+    EXPECT_EQ(clock.Slept(), 2500U);
+    EXPECT_EQ(modem.commands, (std::vector<std::string>{"AT+CMEE=1", "AT+CPMS=?", "AT+CMEE=1"}));
+}
+
+TEST_F(Mm1, ADeviceHasTimeToFindItsNetwork) {
+    modem.OnInPieces("AT+CGATT=1", {{19'999, "\r\n+CME ERROR: 11\r\n"}});
+    EXPECT_EQ(engine.Connect(), 33141);
+    modem.OnInPieces("AT+CGATT=1", {{20'001, "\r\n+CME ERROR: 11\r\n"}});
+    EXPECT_EQ(engine.Connect(), 0);
+}
+
 TEST_F(Mm1, FailuresOfTheDiallingHaveTheirCodes) {
     struct Row {
         std::uint32_t properties, get, dial;
@@ -222,6 +237,7 @@ TEST_F(Mm1, FailuresOfTheDiallingHaveTheirCodes) {
 TEST_F(Mm1, ALinkThatNeverComesUpIsNoAnswer) {
     ras.states = {{0x1000, 0}};
     EXPECT_EQ(engine.Connect(), 31678);
+    EXPECT_EQ(clock.Slept(), 20'500U);  // the port settles first
     EXPECT_EQ(ras.hungUp.size(), 1U);
     EXPECT_EQ(Send(), 33710);
 }
@@ -236,6 +252,7 @@ TEST_F(Mm1, WithoutRemoteAccessNothingCanBeDialled) {
     EXPECT_EQ(Connected(), 0);
     EXPECT_EQ(Send(), 0);
     EXPECT_EQ(engine.Disconnect(), 0);
+    EXPECT_EQ(engine.Disconnect(), 0);
 }
 
 TEST_F(Mm1, ARouteThatFailsIsNoFailure) {
@@ -248,9 +265,14 @@ TEST_F(Mm1, ASecondConnectUsesALinkThatStandsOnly) {
     EXPECT_EQ(engine.Connect(), 0);
     EXPECT_EQ(engine.Connect(), 0);
     EXPECT_EQ(ras.dialled.size(), 1U);
-    ras.states = {{0, 6}, {ras::kConnected, 0}};
-    EXPECT_EQ(engine.Connect(), 0);
+    // What is left of one that fell is hung up before the modem is opened, which it keeps.
+    ras.states = {{0, 6}};
+    modem.openResult = result::PortOpenFailed;
+    EXPECT_EQ(engine.Connect(), 30104);
     EXPECT_EQ(ras.hungUp.size(), 1U);
+    ras.states = {{ras::kConnected, 0}};
+    modem.openResult = result::Success;
+    EXPECT_EQ(engine.Connect(), 0);
     EXPECT_EQ(ras.dialled.size(), 2U);
 }
 
@@ -266,12 +288,30 @@ TEST_F(Mm1, DisconnectEndsEitherConnection) {
     EXPECT_TRUE(HasLogged("MM1 Disconnecting...\n") && HasLogged("MM1 Disconnected.\n"));
 }
 
+TEST_F(Mm1, NothingOutlivesItsConnection) {
+    EXPECT_EQ(Connected(), 0);
+    EXPECT_EQ(Send(), 0);
+    EXPECT_EQ(Send(), 0);
+    EXPECT_EQ(web.sessions.size(), 1U);
+    EXPECT_EQ(engine.Disconnect(), 0);
+    EXPECT_EQ(Connected(), 0);
+    EXPECT_EQ(Send(), 0);
+    EXPECT_EQ(web.sessions.size(), 2U);
+    engine.settings.gateway = "none";
+    EXPECT_EQ(engine.Connect(), 33723);
+    engine.settings.gateway = "";
+    EXPECT_EQ(Send(), 33710);
+    EXPECT_EQ(engine.ProviderResponse(), u"");
+    EXPECT_EQ(engine.MessageId(), "");
+}
+
 TEST_F(Mm1, AnExistingConnectionNeedsNeitherModemNorDialling) {
     EXPECT_EQ(Connected(), 0);
     EXPECT_EQ(Send(), 0);
     Answers({Answer(kMessage), {.body = ""}});
     EXPECT_EQ(Retrieve("http://mmsc.example.org/1"), 0);
     EXPECT_EQ(engine.Disconnect(), 0);
+    EXPECT_TRUE(HasLogged("MM1 Using the connection that this machine has...\n"));
     EXPECT_EQ(modem.openings, 0);
     EXPECT_EQ(ras.calls, std::vector<std::string>());
     EXPECT_EQ(web.sessions.front(), std::string(CKorHttp::kUserAgent) + " 10.10.10.10:8080");
@@ -280,8 +320,12 @@ TEST_F(Mm1, AnExistingConnectionNeedsNeitherModemNorDialling) {
 TEST_F(Mm1, OnlyAnExistingConnectionGoesWithoutAProxy) {
     engine.settings.gateway = "";
     EXPECT_EQ(Connected(), 0);
-    EXPECT_EQ(Send(), 0);
-    EXPECT_EQ(web.sessions.back(), std::string(CKorHttp::kUserAgent) + " ");
+    for (const char* gateway : {"", "http://10.10.10.10:8080", ""}) {
+        engine.settings.gateway = gateway;
+        EXPECT_EQ(Send(), 0);
+        EXPECT_EQ(web.sessions.back(),
+                  std::string(CKorHttp::kUserAgent) + (*gateway == '\0' ? " " : " 10.10.10.10:8080"));
+    }
     web.asked.clear();
     engine.SetAdvancedSettings("UseExistingConnection=0");
     engine.settings.gateway = "http://10.10.10.10:8080";
@@ -310,10 +354,11 @@ TEST_F(Mm1, PostsTheUnitThroughTheGateway) {
     EXPECT_EQ(engine.MessageId(), "MSG-1");
     EXPECT_EQ(engine.ProviderResponse(), u"Ok");
     for (const char* line :
-         {"Maximum MMS size is set to 307200 bytes\n", "Packet HEX Dump:\n\n0000  8C 80 98 ",
-          "Sending [m-send-req]...\n", "Packet HEX Dump:\n\n0000  8C 81 98 54 31 00 8D 90 92 80 ",
-          "Receiving [m-send-conf]...\n", "MMSC response code : [80]\n", "MMSC response text : [Ok]\n",
-          "MMSC messageid     : [MSG-1]\n", "MM1 Message successfully submitted.\n"}) {
+         {"Sender address: \n", "Maximum MMS size is set to 307200 bytes\n",
+          "Packet HEX Dump:\n\n0000  8C 80 98 ", "Sending [m-send-req]...\n",
+          "Packet HEX Dump:\n\n0000  8C 81 98 54 31 00 8D 90 92 80 ", "Receiving [m-send-conf]...\n",
+          "MMSC response code : [80]\n", "MMSC response text : [Ok]\n", "MMSC messageid     : [MSG-1]\n",
+          "MM1 Message successfully submitted.\n"}) {
         EXPECT_TRUE(HasLogged(line)) << line;
     }
     EXPECT_TRUE(HasEntry("activity", "Http Connect Result = [Success]"));
@@ -552,6 +597,31 @@ TEST_F(Mm1, OnlyWebAddressesAreAskedFor) {
     EXPECT_EQ(web.asked[2].line, "GET https://m:443/a%20b%0D%0AX:%201");
 }
 
+// The bound of what a centre answers to a unit is none of messages.
+TEST_F(Mm1, LargeMessagesAreFetchedWhole) {
+    EXPECT_EQ(Connected(), 0);
+    EXPECT_EQ(Send(), 0);
+    const std::string unit = OctetText("8C84 8D90 84 83") + std::string(12 << 20, 'x');
+    Answers({{.body = unit}});
+    EXPECT_EQ(Retrieve("http://m/1"), 0);
+    EXPECT_EQ(fetched.EncodedMessage, unit);
+    Answers({{.body = OctetText(kTaken) + std::string(5000, 'x')}});
+    EXPECT_EQ(Send(), 0);
+    const std::string log = TemporaryFolder::Read(folder.File("log"));
+    EXPECT_TRUE(HasLogged("HTTP CONTENT-LENGTH : " + std::to_string(unit.size()) + "\n"));
+    EXPECT_LT(log.size(), 100'000U);
+}
+
+TEST_F(Mm1, KeepsItsConnectionUnlessToldOtherwise) {
+    for (const auto& [setting, kept] :
+         {std::pair{"", true}, {"HttpKeepAlive=1", true}, {"HttpKeepAlive=0", false}}) {
+        engine.SetAdvancedSettings("UseExistingConnection=1\n" + std::string(setting));
+        EXPECT_EQ(engine.Connect(), 0);
+        EXPECT_EQ(Send(), 0);
+        EXPECT_EQ(web.keptAlive, kept) << setting;
+    }
+}
+
 // --- notifications
 
 // A listing with PDUs that carry data to a port, each part of `count` if that is not 1.
@@ -604,6 +674,7 @@ TEST_F(Mm1, ReadsTheNotificationsAndNothingElse) {
                                   "AT+CMGL=0", "AT+CMGF=0", "AT+CPMS=\"ME\"", "AT+CMGL=1", "AT+CMGL=0"}));
     EXPECT_EQ(modem.openings, modem.closings);
     EXPECT_TRUE(HasLogged("RETRIEVE MESSAGES FROM STORAGE : [AUTO]\n"));
+    EXPECT_TRUE(HasLogged("Receiving message at memory location [7]...\n"));
     EXPECT_TRUE(HasLogged("New MMS waiting: [http://mmsc/n1] at [1700000000]\n"));
 }
 
@@ -627,8 +698,11 @@ TEST_F(Mm1, AFailedReadingIsToldWhenThereIsNothingToGive) {
     CSmsMessageX first;
     std::size_t count = 7;
     EXPECT_EQ(engine.FirstNotification(first), 33060);
-    modem.On("AT+CPMS=\"ME\"", {"\r\nERROR\r\n"});
-    EXPECT_EQ(engine.FirstNotification(first), 33150);
+    for (const auto& [sim, device] : {std::pair{"\r\nERROR\r\n", kOk}, {kOk, "\r\nERROR\r\n"}}) {
+        modem.On("AT+CPMS=\"SM\"", {sim});
+        modem.On("AT+CPMS=\"ME\"", {device});
+        EXPECT_EQ(engine.FirstNotification(first), 33150);
+    }
     EXPECT_EQ(engine.CountNotifications(count), 33150);
     EXPECT_EQ(count, 0U);
     modem.On("AT+CMGL=1", {Deliver(1, kNotification) + kOk});
@@ -688,6 +762,36 @@ TEST_F(Mm1, AKnownNotificationIsAnswered) {
     EXPECT_TRUE(HasLogged("Sending [m-notifyresp-ind]...\n"));
 }
 
+// A message is known by its latest notification; one that is on the device no more is forgotten.
+TEST_F(Mm1, WhatIsReadAgainTakesThePlaceOfWhatWasRead) {
+    std::string again = kNotification;
+    again.replace(again.find("'n1'"), 4, "'n9'");
+    EXPECT_EQ(Connected(), 0);
+    for (const auto& [listing, answer] :
+         {std::pair{Deliver(1, kNotification) + Deliver(2, again), "8C83 98 'n9' 00 8D90 9581"},
+          {std::string(), ""}}) {
+        modem.On("AT+CMGL=1", {listing + kOk});
+        std::size_t count = 0;
+        EXPECT_EQ(engine.CountNotifications(count), 0);
+        web.asked.clear();
+        Answers({Answer("8C84 8D90 84 83 'Text'"), {.body = ""}});
+        EXPECT_EQ(Retrieve("http://mmsc/n1"), 0);
+        EXPECT_EQ(HexOf(web.asked.back().body), HexOf(OctetText(answer)));
+    }
+}
+
+// Reports come as pushes too; no message waits behind them.
+TEST_F(Mm1, AReportIsNoMessageThatWaits) {
+    modem.On("AT+CMGL=1", {Deliver(1, std::string(kPush) +
+                                          "8C86 8D90 8B 'mid' 00 97 '+31612345678' 00 85 04 6553F100 9581") +
+                               kOk,
+                           kOk});
+    std::size_t count = 0;
+    EXPECT_EQ(engine.CountNotifications(count), 0);
+    EXPECT_EQ(count, 0U);
+    EXPECT_FALSE(HasLogged("New MMS waiting"));
+}
+
 // --- the rest of the object
 
 TEST_F(Mm1, TheModemCanBeTalkedTo) {
@@ -706,7 +810,10 @@ TEST_F(Mm1, NoPasswordStandsInAMaskedLog) {
         engine.SetAdvancedSettings(advanced);
         std::string response;
         (void)engine.SendCommand("AT+CGAUTH=1,1,\"user\",\"s3cret\"", 100, response);
+        engine.settings.mmsc = "http://m/mms?p=s3cret";
         EXPECT_EQ(engine.Connect(), 0);
+        EXPECT_EQ(Send(), 0);
+        EXPECT_EQ(engine.SendCommand("AT+CGAUTH=1,1,\"s3cret\"", 1000, response), 0);
         EXPECT_EQ(engine.Disconnect(), 0);
         const std::string log = TemporaryFolder::Read(folder.File(std::string("log") + advanced));
         EXPECT_EQ(log.find("s3cret") == std::string::npos, *advanced != '\0');
@@ -726,6 +833,31 @@ TEST_F(Mm1, ClearPutsEverythingBack) {
     EXPECT_EQ(engine.MessageId(), "");
     EXPECT_EQ(engine.ProviderResponse(), u"");
     EXPECT_EQ(Send(), 33710);
+}
+
+TEST_F(Mm1, ClearForgetsWhatWasReadAndSaid) {
+    modem.On("AT+CMGL=1", {Deliver(1, kNotification) + kOk});
+    CSmsMessageX first;
+    EXPECT_EQ(engine.FirstNotification(first), 0);
+    EXPECT_EQ(Connected(), 0);
+    EXPECT_EQ(Send(), 0);
+    const Mm1Settings settings = engine.settings;
+    engine.Clear();
+    EXPECT_EQ(engine.AdvancedSettings(), "");
+    EXPECT_EQ(engine.Received().Count(), 0U);
+    const std::string log = TemporaryFolder::Read(folder.File("log"));
+    const std::string activity = TemporaryFolder::Read(folder.File("activity"));
+    engine.settings = settings;
+    OverExisting();
+    EXPECT_EQ(Send(), 33710);
+    EXPECT_EQ(engine.Connect(), 0);
+    web.asked.clear();
+    Answers({Answer("8C84 8D90 84 83 'Text'")});
+    EXPECT_EQ(Retrieve("http://mmsc/n1"), 0);
+    EXPECT_EQ(web.asked.size(), 1U);
+    EXPECT_EQ(web.sessions.size(), 2U);
+    EXPECT_EQ(TemporaryFolder::Read(folder.File("log")), log);
+    EXPECT_EQ(TemporaryFolder::Read(folder.File("activity")), activity);
 }
 
 TEST_F(Mm1, ProviderFilesHoldTheSettings) {

@@ -217,6 +217,10 @@ TEST_F(Mm4, SendsAMessage) {
     EXPECT_EQ(message.Protocol, mms::asMMS_PROTOCOL_MM4);
     // The mail as it stands, its dot, and nothing between that and QUIT.
     EXPECT_TRUE(peer->heard.ends_with("DATA\r\n" + message.EncodedMessage + "\r\n.\r\nQUIT\r\n"));
+    // What a server said is of its message only.
+    channel->settings.host.clear();
+    EXPECT_EQ(channel->Send(&message), 131);
+    EXPECT_EQ(channel->ProviderResponse(), "");
 }
 
 TEST_F(Mm4, EveryStepAndEveryFault) {
@@ -287,6 +291,18 @@ TEST_F(Mm4, RepliesInPiecesAndWhatNobodyAskedFor) {
     EXPECT_EQ(channel->ProviderResponse(), "250-first\r\n250 last");
 }
 
+// Replies are taken far beyond what a standard allows.
+TEST_F(Mm4, LongRepliesAreTaken) {
+    constexpr std::size_t kSender = 5;
+    std::string lines;
+    while (lines.size() < 64'000) lines += "250-and more of this\r\n";
+    for (const std::string& reply : {"250 " + std::string(8186, 'x') + "\r\n", lines + "250 last\r\n"}) {
+        std::vector<Peer::Row> rows = All();
+        rows[kSender].acts = {Peer::Says(reply)};
+        EXPECT_EQ(Channel(rows).Send(&message), result::Success) << reply.size();
+    }
+}
+
 TEST_F(Mm4, ProvesItsAccount) {
     struct Row {
         const char* name;
@@ -345,6 +361,8 @@ TEST_F(Mm4, SendsWithoutProof) {
     EXPECT_EQ(channel->Send(&message), result::Success);
     Channel(All()).SetAdvancedSettings("SmtpAuthentication=1");
     EXPECT_EQ(channel->Send(&message), result::Success);
+    channel->Clear();
+    EXPECT_EQ(channel->ProviderResponse(), "");
 }
 
 // Which addresses reach the server of those that the lists name.
@@ -391,6 +409,7 @@ TEST_F(Mm4, AddressesOfEveryKind) {
              Row{"+31600000001", "+31600000001@example.net", "10.0.0.1", "10.0.0.1@example.net"},
              Row{"me@host", "me@host", "eve@example.org", "eve@example.org"},
              Row{"J\xf6rg <j@host>", "j@host", "eve@example.org", "eve@example.org"},
+             Row{"A <b@c> <d@host>", "d@host", "eve@example.org", "eve@example.org"},
              Row{"a\r\nDATA@b", "a  DATA@b", "eve@example.org", "eve@example.org"},
          }) {
         message.SetFrom(row.from);
@@ -427,6 +446,10 @@ TEST_F(Mm4, RefusesWhatCannotBeSent) {
     for (const auto& [port, code] : {std::pair{465, 138}, {0, 22019}, {-1, 22019}, {65'536, 22019}}) {
         Channel({}).settings.port = port;
         EXPECT_EQ(channel->Send(&message), code) << port;
+    }
+    for (const std::int32_t port : {1, 65'535}) {
+        Channel(All()).settings.port = port;
+        EXPECT_EQ(channel->Send(&message), result::Success) << port;
     }
     Channel({}).settings.host.clear();
     channel->settings.port = 465;
@@ -475,6 +498,30 @@ TEST(SmtpSession, NoLineOfAMailIsTheLast) {
         ASSERT_EQ(peer.Connect("host", 25, 1000), tcp::kSuccess);
         EXPECT_EQ(SmtpSession(peer, log).Data(row.mail), result::Success);
         EXPECT_EQ(peer.heard, "DATA\r\n" + row.said);
+    }
+}
+
+TEST(SmtpSession, LogsWhatIsShorterThan1024) {
+    const TemporaryFolder folder;
+    VirtualClock clock;
+    CKorBase log("Test", clock);
+    log.SetLogFile(folder.File("log.txt"));
+    for (const std::size_t size : {1023U, 1024U}) {
+        const std::string sender(size - std::string_view("MAIL FROM: <>").size(), 'a');
+        const std::string mail(size - std::string_view("\r\n.\r\n").size(), 'b');
+        Peer peer(clock, {{"", {}},
+                          {"MAIL FROM: <" + sender + ">", {Peer::Says("250 ok\r\n")}},
+                          {"DATA", {Peer::Says("354 go\r\n")}},
+                          {Peer::kUpToDot, {Peer::Says("250 ok\r\n")}}});
+        ASSERT_EQ(peer.Connect("host", 25, 1000), tcp::kSuccess);
+        SmtpSession session(peer, log);
+        EXPECT_EQ(session.From(sender), result::Success);
+        EXPECT_EQ(session.Data(mail), result::Success);
+        const std::string text = TemporaryFolder::Read(folder.File("log.txt"));
+        const std::string instead = "COMMAND : <MESSAGE DATA>\n";
+        EXPECT_EQ(text.find(sender) != std::string::npos, size == 1023);
+        EXPECT_EQ(text.find(mail) != std::string::npos, size == 1023);
+        EXPECT_EQ(text.find(instead) != text.rfind(instead), size == 1024);
     }
 }
 
@@ -543,7 +590,9 @@ TEST_F(Mm4, KeepsItsSettingsInAProviderFile) {
               "ProviderPassword=secret!\nProviderDomain=example.net\nProviderMM4Format="
               "3\nProviderMM4Version=18\n");
     channel->SetMessageSizeLimit(1);
+    channel->SetAdvancedSettings("SmtpAuthentication=0");
     channel->Clear();
+    EXPECT_EQ(channel->AdvancedSettings(), "");
     EXPECT_EQ(channel->settings.host + channel->settings.account + channel->settings.domain, "");
     EXPECT_EQ(channel->MessageSizeLimit(), 350'000);
     EXPECT_EQ(channel->settings.version, 0);

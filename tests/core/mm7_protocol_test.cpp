@@ -144,6 +144,18 @@ TEST(Mm7Protocol, GivesItsAccountsWhenAsked) {
     EXPECT_EQ(channel.script.credentials, expected);
 }
 
+// Whoever asks where no proxy is set is not told the account of one that was.
+TEST(Mm7Protocol, AProxysAccountGoesWithItsProxy) {
+    Channel channel({{.body = Reply("1000")}, {.status = 407}});
+    channel.engine.settings.proxyServer = "px";
+    channel.engine.settings.proxyAccount = "proxy";
+    channel.engine.settings.proxyPassword = "p1";
+    EXPECT_EQ(channel.Send(), 0);
+    channel.engine.settings.proxyServer = "";
+    EXPECT_EQ(channel.Send(), 22405);
+    EXPECT_THAT(channel.script.credentials, testing::Not(testing::Contains(testing::HasSubstr("p1"))));
+}
+
 TEST(Mm7Protocol, ResultsAndWhatIsLeftOfTheReply) {
     struct Row {
         const char* name;
@@ -215,6 +227,24 @@ TEST(Mm7Protocol, TheTimeIsInMilliseconds) {
     }
 }
 
+TEST(Mm7Protocol, KeepsItsConnectionUnlessToldOtherwise) {
+    for (const auto& [setting, kept] : {std::pair("", true), std::pair("HttpKeepAlive=0", false)}) {
+        Channel channel;
+        channel.engine.SetAdvancedSettings(setting);
+        EXPECT_EQ(channel.Send(), 0);
+        EXPECT_EQ(channel.script.keptAlive, kept);
+    }
+}
+
+// A reply is read up to its first MiB.
+TEST(Mm7Protocol, LongReplies) {
+    const std::string reply = Reply("1000", "Success", "m1");
+    for (const auto& [size, code] : {std::pair(1U << 20, 0), std::pair((1U << 20) + 200, 33830)}) {
+        Channel channel({{.body = std::string(size - reply.size(), ' ') + reply}});
+        EXPECT_EQ(channel.Send(), code) << size;
+    }
+}
+
 TEST(Mm7Protocol, LogLines) {
     const TemporaryFolder folder;
     Channel channel;
@@ -222,7 +252,8 @@ TEST(Mm7Protocol, LogLines) {
     channel.engine.SetAdvancedSettings("MaskPasswords=1");
     channel.engine.settings.webAccount = "web";
     channel.engine.settings.webPassword = "secret word";
-    channel.engine.settings.path = "mm7?password=secret%20word";
+    channel.engine.settings.proxyPassword = "secretly";
+    channel.engine.settings.path = "mm7?password=secret%20word&proxy=secretly";
     EXPECT_EQ(channel.Send(), 0);
     channel.engine.settings.sizeLimit = 10;
     EXPECT_EQ(channel.Send(), 34133);
@@ -233,7 +264,8 @@ TEST(Mm7Protocol, LogLines) {
              std::string("Velqar Build 5.3.10.1123 (x64), Server=[mmsc.example.org]\n"),
              std::string("Maximum MMS size is set to 307200 bytes\n"),
              std::string("MM7 Submitting message...\n"),
-             std::string("MM7 Post data to server [http://mmsc.example.org/mm7?password=****]...\n"),
+             std::string(
+                 "MM7 Post data to server [http://mmsc.example.org/mm7?password=****&proxy=****]...\n"),
              std::string("MM7 Waiting for response...\n"),
              std::string("MM7 STATUSCODE      : 1000\n"),
              std::string("MM7 STATUSTEXT      : Success\n"),

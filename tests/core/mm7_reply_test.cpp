@@ -52,7 +52,10 @@ TEST(Mm7Reply, WhatItSays) {
              Row{"elements inside",
                  Submitted("<StatusCode>20<b>1000</b>02</StatusCode><StatusText/><StatusText>x</StatusText>"),
                  "2002||"},
-             Row{"several lines", Submitted("<StatusText>a\r\n b&#9;c</StatusText>"), "|a  b c|"},
+             Row{"several lines",
+                 Submitted("<StatusText>a\r\n b&#9;c\x7F"
+                           "d</StatusText>"),
+                 "|a  b c d|"},
              Row{"refused",
                  InBody(
                      "<RSErrorRsp><Status><StatusCode>4001</StatusCode><StatusText>Who?</StatusText></Status>"
@@ -65,6 +68,7 @@ TEST(Mm7Reply, WhatItSays) {
                  "F|4004|Invalid|"},
              Row{"fault without a status", InBody("<env:Fault><faultstring>Busy</faultstring></env:Fault>"),
                  "F||Busy|"},
+             Row{"a fault's text alone", InBody("<faultstring>Busy</faultstring>"), "F||Busy|"},
              Row{"fault in other spelling, under the envelope",
                  kHead + std::string("<env:Fault><FaultString>Busy</FaultString></env:Fault>") + kTail,
                  "F||Busy|"},
@@ -88,13 +92,26 @@ TEST(Mm7Reply, WhatItSays) {
                  "content-id: <x>\r\nCONTENT-TYPE: text/xml;\r\n charset=utf-8\r\n\r\n" +
                      Submitted(success) + "\r\n--b1--\r\nepilogue",
                  "1000|Success|041502073667"},
+             Row{"dashes that are no delimiters",
+                 "-- \r\nThe server\r\n\r\n--b\r\nContent-Type: text/xml\r\n\r\n"
+                 "<a><StatusCode>1000</StatusCode><StatusText>x--b\r\n--bc\r\n</StatusText></a>\r\n--b--",
+                 "1000|x--b --bc|"},
+             Row{"a type that goes on in the next line",
+                 "--b\r\nContent-Type: text/plain\r\n\r\n<a/>\r\n--b\r\nContent-Type:\r\n text/xml\r\n\r\n" +
+                     Submitted(success) + "\r\n--b--",
+                 "1000|Success|041502073667"},
+             Row{"UTF-16",
+                 std::string("\xFF\xFE<\0a\0>\0<\0M\0e\0s\0s\0a\0g\0e\0I\0D\0>\0"
+                             "7\0<\0/\0M\0e\0s\0s\0a\0g\0e\0I\0D\0>\0",
+                             56),
+                 "||7"},
              Row{"multipart without types, and cut", "--b\n\n" + Submitted(success),
                  "1000|Success|041502073667"},
              Row{"multipart without XML", "--b\r\nContent-Type: text/plain\r\n\r\n1000\r\n--b--", "||"},
              Row{"a delimiter alone", "--b", "||"},
              Row{"transfer encodings",
                  "--b\r\nContent-Type: text/xml\r\nContent-Transfer-Encoding: Base64\r\n\r\n"
-                 "PGE+PFN0YXR1c0NvZGU+MTAw\r\nMDwvU3RhdHVzQ29kZT48L2E+\r\n--b--",
+                 "PGE+PFN0YXR1 \tc0NvZGU+MTAw\r\nMDwvU3RhdHVzQ29kZT48L2E+\r\n--b--",
                  "1000||"},
              Row{"quoted-printable",
                  "--b\r\nContent-Type: text/xml\r\nContent-Transfer-Encoding: quoted-printable\r\n\r\n"

@@ -123,9 +123,10 @@ TEST(Ras, KeepsFieldsToTheirLengthAndToOneLine) {
     EXPECT_EQ(link.script.dialled.at(0).user.size(), 256u);
     EXPECT_EQ(link.script.dialled.at(0).password.size(), 256u);
 
-    EXPECT_EQ(link.ras.CreateEntry({"a\r\nb", "c\n[d]", "", "", 0}), 0);
+    EXPECT_EQ(link.ras.CreateEntry({"a\r\nb", "c\n[d]", std::string("e\0f", 3), "", 0}), 0);
     EXPECT_EQ(link.script.entryNames.at(1), "a  b");
     EXPECT_EQ(link.script.properties.at(1).device, "c [d]");
+    EXPECT_EQ(link.script.written.at(1).user, "e f");
 }
 
 TEST(Ras, DialsWithThePhonebooksParametersAndItsOwnCredentials) {
