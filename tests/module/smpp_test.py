@@ -62,6 +62,8 @@ class Examples(unittest.TestCase):
             self.assertEqual(wine.run(*arguments, "wrong", "+31612345678", "Hi"),
                              (1, "Failed: 33204 Invalid Password specified\n"))
             self.assertEqual(wine.run(*arguments, "secret", "+31612345678", "Hi"), (0, "Status: Delivered\n"))
+            self.assertEqual(wine.run(*arguments, "secret", "nobody", "Hi"),
+                             (1, "Failed: 34031 Invalid recipient address\n"))
 
 
     def test_no_letter_is_lost(self):
