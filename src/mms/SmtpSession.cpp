@@ -15,13 +15,18 @@ constexpr std::int32_t kUnknownScheme = 504;
 constexpr std::size_t kLongestShown = 1023;  // characters of a command in the log
 constexpr std::string_view kInsteadOfText = "<MESSAGE DATA>";
 
+// The fourth character tells whether more lines follow; a number alone is the last.
+bool IsLastLine(std::string_view line) {
+    if (line.size() > kCodeSize) return line[kCodeSize] == ' ';
+    return line.size() == kCodeSize && std::ranges::all_of(line, IsDigit);
+}
+
 constexpr DialogueManner kManner{
     .saidFormat = "COMMAND : %s",
     .heardFormat = "RESPONSE: %s",
     .logMask = logmask::kLog | logmask::kActivity,
     .unit = DialogueManner::Unit::kLine,
-    // The fourth character tells whether more lines follow; a number alone is the last.
-    .isEnd = [](std::string_view line) { return line.size() <= kCodeSize || line[kCodeSize] == ' '; },
+    .isEnd = IsLastLine,
     .sendTime = 3000,
     .restOfLine = 0,
     .longestLine = 8192,
@@ -30,6 +35,8 @@ constexpr DialogueManner kManner{
 constexpr std::uint32_t kLineTime = 3000, kWholeTime = 60'000;
 constexpr ReplyTimes kUsualTimes{.piece = kLineTime, .begin = 100, .whole = kWholeTime};
 constexpr ReplyTimes kLoginTimes{.piece = kLineTime, .begin = 20'000, .whole = kWholeTime};
+// What is said to QUIT matters to nobody.
+constexpr ReplyTimes kFarewellTimes{.piece = kLineTime, .begin = 100, .whole = 3100};
 
 // 0 for a line without a code.
 std::int32_t CodeOf(std::string_view line) {
@@ -127,5 +134,5 @@ ResultCode SmtpSession::Data(std::string_view mail) {
 }
 
 void SmtpSession::Quit() {
-    if (stream_->IsConnected()) (void)dialogue_.Ask("QUIT", kUsualTimes);
+    if (stream_->IsConnected()) (void)dialogue_.Ask("QUIT", kFarewellTimes);
 }
