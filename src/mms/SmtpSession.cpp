@@ -55,6 +55,13 @@ std::string_view LastLineOf(std::string_view lines) {
     return end == std::string_view::npos ? lines : lines.substr(end + 1);
 }
 
+// An address stays within its brackets: what stands behind them is parameters of the command.
+std::string Path(std::string address) {
+    std::ranges::replace_if(
+        address, [](char c) { return c == '<' || c == '>'; }, ' ');
+    return '<' + address + '>';
+}
+
 std::string Stuffed(std::string_view mail) {
     std::string text(mail.starts_with('.') ? "." : "");
     text += mail;
@@ -118,11 +125,11 @@ ResultCode SmtpSession::Login(const std::string& account, const std::string& pas
 }
 
 ResultCode SmtpSession::From(const std::string& address) {
-    return Wanting(Exchange("MAIL FROM: <" + address + '>'), kDone);
+    return Wanting(Exchange("MAIL FROM: " + Path(address)), kDone);
 }
 
 ResultCode SmtpSession::To(const std::string& address) {
-    return Wanting(Exchange("RCPT TO: <" + address + '>'), kDone);
+    return Wanting(Exchange("RCPT TO: " + Path(address)), kDone);
 }
 
 ResultCode SmtpSession::Data(std::string_view mail) {

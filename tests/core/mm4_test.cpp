@@ -395,11 +395,17 @@ TEST_F(Mm4, AddressesOfEveryKind) {
              Row{"+31600000001", "+31600000001@example.net", "10.0.0.1", "10.0.0.1@example.net"},
              Row{"me@host", "me@host", "eve@example.org", "eve@example.org"},
              Row{"J\xf6rg <j@host>", "j@host", "eve@example.org", "eve@example.org"},
+             Row{"a@b> X=1", "a@b  X=1", "c@d> NOTIFY=NEVER", "c@d  NOTIFY=NEVER"},
+             Row{"A <a@b> X=<1>", "1@example.net", "c<d@e", "c d@e"},
+             Row{"A <a@b> X=1>", "a@b  X=1", "eve@example.org", "eve@example.org"},
              Row{"a\r\nDATA@b", "a  DATA@b", "eve@example.org", "eve@example.org"},
          }) {
         message.SetFrom(row.from);
         message.ClearRecipients();
-        ASSERT_EQ(message.AddRecipient(row.recipient, 0), result::Success);
+        // A decoded message may hold what is refused here.
+        if (message.AddRecipient(row.recipient, 0) != result::Success) {
+            message.Recipients[0].Add(row.recipient);
+        }
         std::vector<Peer::Row> rows = All();
         rows[5].expects = "MAIL FROM: <" + row.mailbox + ">";
         rows[6].expects = "RCPT TO: <" + row.rcpt + ">";
