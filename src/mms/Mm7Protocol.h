@@ -4,6 +4,7 @@
 #include "foundation/ProviderFile.h"
 #include "foundation/ResultCode.h"
 #include "frame/VrmHttp.h"
+#include "mms/Mm7Reply.h"
 #include "mms/Mm7Settings.h"
 #include "mms/MmsMessage.h"
 
@@ -40,6 +41,7 @@ class CMm7Protocol : public CVrmHttp {
     void Configure(const CMmsMessage& message);
     ResultCode Submit(CMmsMessage& message);
     ResultCode Judge(ResultCode requested, const HttpReply& http);
+    void LogReply(const Mm7Reply& reply);
 
     std::u16string providerResponse_, messageId_;
 };

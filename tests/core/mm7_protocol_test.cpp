@@ -78,6 +78,8 @@ TEST(Mm7Protocol, SettingsOfTheConnection) {
                      s.port = 8080;
                  },
                  "http://mmsc.example.org:8080/mm7", ""},
+             Row{"blanks around a path", [](Mm7Settings& s) { s.path = " /a b\t"; },
+                 "http://mmsc.example.org:80/a%20b", ""},
              Row{"SSL", [](Mm7Settings& s) { s.useSsl = true; }, "https://mmsc.example.org:443/", ""},
              Row{"https in the host", [](Mm7Settings& s) { s.host = "https://m:8443"; }, "https://m:8443/",
                  ""},
@@ -250,6 +252,23 @@ TEST(Mm7Protocol, LogLines) {
         if (found != std::string::npos) at = found + line.size();
     }
     EXPECT_THAT(log, testing::Not(testing::HasSubstr("secret")));
+}
+
+TEST(Mm7Protocol, LogsAStatusOfRepliesAlone) {
+    const TemporaryFolder folder;
+    for (const auto& [round, isLogged] :
+         {std::pair(HttpScript::Round{.sendError = http::kCannotConnect}, false),
+          std::pair(HttpScript::Round{.receiveError = 12030}, false),
+          std::pair(HttpScript::Round{.status = 404}, true)}) {
+        const std::string file = folder.File("log" + std::to_string(round.status + round.receiveError));
+        Channel channel({round});
+        channel.engine.SetLogFile(file);
+        EXPECT_NE(channel.Send(), 0);
+        const std::string log = TemporaryFolder::Read(file);
+        EXPECT_THAT(log, testing::HasSubstr("SEND RESULT: ERROR"));
+        EXPECT_EQ(log.find("MM7 STATUSCODE      : \n") != std::string::npos, isLogged);
+        EXPECT_EQ(log.find("MM7 MESSAGEID") != std::string::npos, isLogged);
+    }
 }
 
 TEST(Mm7Protocol, ProviderFiles) {
