@@ -28,12 +28,12 @@ void CMm7Protocol::Clear() {
     messageId_.clear();
 }
 
-ResultCode CMm7Protocol::Send(CMmsMessage& message) {
+ResultCode CMm7Protocol::Send(CMmsMessage* message) {
     providerResponse_.clear();
     messageId_.clear();
     GuardPasswords({settings.webPassword, settings.proxyPassword});
     Log(kEvent, "Velqar Build %s, Server=[%s]\n", product::kBuild, settings.host.c_str());
-    const ResultCode code = Submit(message);
+    const ResultCode code = message != nullptr ? Submit(*message) : result::InvalidMessageObject;
     const std::string text(DescribeError(code));
     if (code == result::Success) {
         Log(kEvent, "MM7 Message successfully submitted.\n");

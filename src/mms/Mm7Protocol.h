@@ -21,10 +21,11 @@ class CMm7Protocol : public CVrmHttp {
 
     void Clear();
 
-    // Encodes the message and posts it from where it is encoded. The codes of CMmsMessage::Encode, 34133,
-    // those of CKorHttp::Request, and of the reply (Mm7Reply.h). A 500 with a SOAP fault counts by what the
-    // fault says; 22405 for a proxy that asks for an account when there is none.
-    ResultCode Send(CMmsMessage& message);
+    // Encodes the message and posts it from where it is encoded. 34141 for none, the codes of
+    // CMmsMessage::Encode, 34133, those of CKorHttp::Request, and of the reply (Mm7Reply.h). A 500 with a
+    // SOAP fault counts by what the fault says; 22405 for a proxy that asks for an account when there is
+    // none.
+    ResultCode Send(CMmsMessage* message);
 
     // What the centre said to the last message: the text of the status or fault; of a reply without either
     // all of it. And the message's id, when it was taken.

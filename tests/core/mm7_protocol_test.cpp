@@ -27,7 +27,7 @@ struct Channel {
         (void)message.AddRecipient("+31612345678", 0);
         message.AddSlide({0, 5, {{"image/jpeg", "<a.jpg>", "a.jpg", "", "JPEG"}}});
     }
-    std::int32_t Send() { return engine.Send(message).Number(); }
+    std::int32_t Send() { return engine.Send(&message).Number(); }
 
     VirtualClock clock;
     HttpScript script;
@@ -192,6 +192,15 @@ TEST(Mm7Protocol, AFailureLeavesNothingOfTheMessageBefore) {
     EXPECT_EQ(channel.engine.ProviderResponse(), u"");
     EXPECT_EQ(channel.engine.MessageId(), u"");
     EXPECT_EQ(channel.script.asked.size(), 1U);
+
+    const TemporaryFolder folder;
+    Channel without;
+    EXPECT_EQ(without.Send(), 0);
+    without.engine.SetLogFile(folder.File("log"));
+    EXPECT_EQ(without.engine.Send(nullptr), 34141);
+    EXPECT_EQ(without.engine.ProviderResponse(), u"");
+    EXPECT_EQ(without.engine.MessageId(), u"");
+    EXPECT_THAT(TemporaryFolder::Read(folder.File("log")), testing::HasSubstr("SEND RESULT: ERROR 34141 ("));
 }
 
 TEST(Mm7Protocol, TheSizeLimitCountsTheWholeMessage) {
