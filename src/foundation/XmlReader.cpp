@@ -168,13 +168,13 @@ void Reader::TakeCharacters(std::string_view document) {
         document.starts_with(kByteOrderMark) || (!document.empty() && kByteOrderMark.starts_with(document));
     if (hasMark) document.remove_prefix(std::min(document.size(), kByteOrderMark.size()));
     document_ = document;
+    if (IsAscii(document)) return;  // the same in every set that is written in octets
     const std::string declared = Upper(DeclaredEncoding(document));
     const auto* const set = std::ranges::find(kDeclaredSets, declared, &DeclaredSet::name);
     if (set == kDeclaredSets.end() && !hasMark) {
         Fail(Fault::kEncoding);
         return;
     }
-    if (IsAscii(document)) return;
     const auto convert = hasMark ? FromWhatIsUtf8 : set->toUtf8;
     if (convert == FromWhatIsUtf8 && IsUtf8(document)) return;
     converted_ = convert(document);

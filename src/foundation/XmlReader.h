@@ -25,7 +25,7 @@ class Reader {
         kCut,       // the document ends too early
         kSyntax,    // no XML, or not well-formed
         kEntity,    // one that is not among the five of XML, or a number that is no character
-        kEncoding,  // a character set that is unknown
+        kEncoding,  // a character set that is unknown, of a document beyond ASCII
         kTooDeep,
         kTooLarge,
         kTooMany,  // attributes

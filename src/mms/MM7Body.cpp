@@ -29,7 +29,7 @@ constexpr std::string_view kRawMark = "NOTAG:";
 // In one line, and of characters that XML can hold.
 std::string Utf8Line(std::u16string text) {
     std::ranges::replace_if(
-        text, [](char16_t c) { return c == '\r' || c == '\n'; }, u' ');
+        text, [](char16_t c) { return c < ' ' && c != '\t'; }, u' ');
     std::ranges::replace_if(
         text, [](char16_t c) { return c >= 0xFFFE; }, u'\xFFFD');
     return ToUtf8(text);
@@ -131,7 +131,8 @@ void CMM7Body::WriteSender(std::string& out) const {
         } else if (const std::string_view number = NumberIn(from); !number.empty()) {
             AddElement(out, "Number", Escaped(number));
         } else {
-            AddElement(out, address::IsMail(from) ? "RFC2822Address" : "ShortCode", Escaped(from));
+            const bool isMail = address::IsMail(from);
+            AddElement(out, isMail ? "RFC2822Address" : "ShortCode", Escaped(mms::BareAddress(from)));
         }
         out += "</SenderAddress>";
     }

@@ -2,9 +2,9 @@
 
 #include "foundation/ErrorTexts.h"
 #include "foundation/Product.h"
+#include "foundation/Text.h"
 #include "foundation/Utf8.h"
 #include "foundation/http/HttpUrl.h"
-#include "mms/Mm7Reply.h"
 
 #include <utility>
 
@@ -28,12 +28,12 @@ void CMm7Protocol::Clear() {
     messageId_.clear();
 }
 
-ResultCode CMm7Protocol::Send(CMmsMessage& message) {
+ResultCode CMm7Protocol::Send(CMmsMessage* message) {
     providerResponse_.clear();
     messageId_.clear();
     GuardPasswords({settings.webPassword, settings.proxyPassword});
     Log(kEvent, "Velqar Build %s, Server=[%s]\n", product::kBuild, settings.host.c_str());
-    const ResultCode code = Submit(message);
+    const ResultCode code = message != nullptr ? Submit(*message) : result::InvalidMessageObject;
     const std::string text(DescribeError(code));
     if (code == result::Success) {
         Log(kEvent, "MM7 Message successfully submitted.\n");
@@ -68,12 +68,7 @@ ResultCode CMm7Protocol::Judge(ResultCode requested, const HttpReply& http) {
     // What a proxy says that let nothing through is no answer to the message.
     if (http.status == kProxyLogonWanted) requested = result::HttpProxyLogonFailed;
     Mm7Reply reply = ReadMm7Reply(http.body, settings.submission.variation);
-    LogSized(logmask::kVerbatim, reply.statusCode.size() + kLogSlack, "MM7 STATUSCODE      : %s\n",
-             reply.statusCode.c_str());
-    LogSized(logmask::kVerbatim, reply.statusText.size() + kLogSlack, "MM7 STATUSTEXT      : %s\n",
-             reply.statusText.c_str());
-    LogSized(logmask::kVerbatim, reply.messageId.size() + kLogSlack, "MM7 MESSAGEID       : %s\n",
-             reply.messageId.c_str());
+    if (http.status != 0) LogReply(reply);
     const bool saysNothing = reply.statusCode.empty() && reply.statusText.empty();
     providerResponse_ = FromUtf8(saysNothing ? http.body : reply.statusText);
     // SOAP 1.1 sends its faults with this status.
@@ -81,6 +76,15 @@ ResultCode CMm7Protocol::Judge(ResultCode requested, const HttpReply& http) {
     const ResultCode code = requested == result::Success || isFault ? ResultOf(reply) : requested;
     if (code == result::Success) messageId_ = FromUtf8(reply.messageId);
     return code;
+}
+
+void CMm7Protocol::LogReply(const Mm7Reply& reply) {
+    const auto tell = [this](const char* format, const std::string& text) {
+        LogSized(logmask::kVerbatim, text.size() + kLogSlack, format, text.c_str());
+    };
+    tell("MM7 STATUSCODE      : %s\n", reply.statusCode);
+    tell("MM7 STATUSTEXT      : %s\n", reply.statusText);
+    tell("MM7 MESSAGEID       : %s\n", reply.messageId);
 }
 
 // --- the connection
@@ -93,7 +97,9 @@ std::string CMm7Protocol::Url() const {
     const std::int32_t port = host.port != 0 ? host.port : settings.port;
     if (port != 0) url += ':' + std::to_string(port);
     if (host.path != "/") return url + host.path;
-    return url + (settings.path.starts_with('/') ? "" : "/") + settings.path;
+    const std::string_view path = Trim(settings.path);
+    if (!path.starts_with('/')) url += '/';
+    return url.append(path);
 }
 
 void CMm7Protocol::Configure(const CMmsMessage& message) {

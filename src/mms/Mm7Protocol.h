@@ -4,6 +4,7 @@
 #include "foundation/ProviderFile.h"
 #include "foundation/ResultCode.h"
 #include "frame/VrmHttp.h"
+#include "mms/Mm7Reply.h"
 #include "mms/Mm7Settings.h"
 #include "mms/MmsMessage.h"
 
@@ -20,10 +21,11 @@ class CMm7Protocol : public CVrmHttp {
 
     void Clear();
 
-    // Encodes the message and posts it from where it is encoded. The codes of CMmsMessage::Encode, 34133,
-    // those of CKorHttp::Request, and of the reply (Mm7Reply.h). A 500 with a SOAP fault counts by what the
-    // fault says; 22405 for a proxy that asks for an account when there is none.
-    ResultCode Send(CMmsMessage& message);
+    // Encodes the message and posts it from where it is encoded. 34141 for none, the codes of
+    // CMmsMessage::Encode, 34133, those of CKorHttp::Request, and of the reply (Mm7Reply.h). A 500 with a
+    // SOAP fault counts by what the fault says; 22405 for a proxy that asks for an account when there is
+    // none.
+    ResultCode Send(CMmsMessage* message);
 
     // What the centre said to the last message: the text of the status or fault; of a reply without either
     // all of it. And the message's id, when it was taken.
@@ -40,6 +42,7 @@ class CMm7Protocol : public CVrmHttp {
     void Configure(const CMmsMessage& message);
     ResultCode Submit(CMmsMessage& message);
     ResultCode Judge(ResultCode requested, const HttpReply& http);
+    void LogReply(const Mm7Reply& reply);
 
     std::u16string providerResponse_, messageId_;
 };

@@ -87,6 +87,12 @@ const CMmsMessageSlide* CMmsMessage::NextSlide() {
     return SlideCursor < Slides.size() ? &Slides[SlideCursor++] : nullptr;
 }
 
+ResultCode CMmsMessage::Encode() {
+    const ResultCode code = EncodeAs(Protocol);
+    EncodeResult = code;
+    return code;
+}
+
 // Class and priority are not checked: the checks that 34135 and 34136 stand for have never refused anything.
 ResultCode CMmsMessage::EncodeAs(std::int32_t protocol) {
     if (std::ranges::all_of(Recipients, &CMmsRecipients::IsEmpty)) return result::NoRecipient;

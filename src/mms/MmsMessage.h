@@ -9,6 +9,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -77,7 +78,9 @@ class CMmsMessage : public CVrmBase, public MmsMessageFields {
 
     // In the form that `Protocol` says. 0, 34130 without recipient, 34140 without slide; in MM1 and MM7 form
     // 34134 for a subject that is too long. A code leaves the encoded message as it was.
-    ResultCode Encode() { return EncodeAs(Protocol); }
+    ResultCode Encode();
+    // What Encode gave last, until somebody empties it.
+    std::optional<ResultCode> EncodeResult;
     // Takes what the encoded message says; of a damaged one what is whole, with 33763.
     ResultCode Decode();
 

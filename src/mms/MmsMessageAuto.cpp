@@ -18,7 +18,12 @@ class MmsMessageAuto final : public EngineAuto<IMmsMessage, CMmsMessage> {
         static_cast<MmsMessageFields&>(engine_) = std::move(fields);
     }
 
-    CMmsMessage& Message() { return engine_; }
+    ResultCode SendBy(const std::function<ResultCode(CMmsMessage*)>& send) {
+        engine_.EncodeResult.reset();
+        const ResultCode code = send(&engine_);
+        if (engine_.EncodeResult) SetLastError(*engine_.EncodeResult);
+        return code;
+    }
 
     AUTO_TEXT_READ(From, engine_.From)
     STDMETHODIMP put_From(BSTR newVal) noexcept override {
@@ -40,7 +45,7 @@ class MmsMessageAuto final : public EngineAuto<IMmsMessage, CMmsMessage> {
     AUTO_TEXT(TransactionId, engine_.TransactionId)
     AUTO_NUMBER(ValidityPeriod, engine_.ValidityPeriod)
     AUTO_TEXT_READ(sysBoundary, engine_.Boundary)
-    // Protocol objects reach a message by WithMmsMessage: a number of 32 bits cannot hold where settings are.
+    // Protocol objects reach a message by SendMmsMessage: a number of 32 bits cannot hold where settings are.
     STDMETHODIMP put_sysSettings(LONG /*newVal*/) noexcept override { return S_OK; }
 
     STDMETHODIMP SaveToFile(BSTR bstrFolder, LONG lFormat) noexcept override {
@@ -103,9 +108,9 @@ class MmsMessageAuto final : public EngineAuto<IMmsMessage, CMmsMessage> {
 
 IUnknown* CreateMmsMessage() { return new MmsMessageAuto; }
 
-ResultCode WithMmsMessage(const VARIANT* value, const std::function<ResultCode(CMmsMessage&)>& use) {
+ResultCode SendMmsMessage(const VARIANT* value, const std::function<ResultCode(CMmsMessage*)>& send) {
     const auto message = OwnObject<MmsMessageAuto>(ObjectIn(value));
-    return message ? use(message->Message()) : result::InvalidMessageObject;
+    return message ? message->SendBy(send) : send(nullptr);
 }
 
 ComPointer<IDispatch> NewMmsMessage(MmsMessageFields&& fields) {

@@ -6,9 +6,9 @@
 
 #include <functional>
 
-// Calls `use` with the message in a VARIANT, which takes settings and gives what is encoded; 34141 when there
-// is no MmsMessage of this apartment.
-ResultCode WithMmsMessage(const VARIANT* value, const std::function<ResultCode(CMmsMessage&)>& use);
+// Hands the message in a VARIANT to a protocol's `send`, or null when there is no MmsMessage of this
+// apartment. A message that is encoded thereby has the code of that as its LastError, as after EncodeMessage.
+ResultCode SendMmsMessage(const VARIANT* value, const std::function<ResultCode(CMmsMessage*)>& send);
 
 // A new MmsMessage that takes over what a message holds.
 ComPointer<IDispatch> NewMmsMessage(MmsMessageFields&& fields);

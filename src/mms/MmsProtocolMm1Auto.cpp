@@ -35,12 +35,7 @@ class MmsProtocolMm1Auto final
     }
     STDMETHODIMP Send(VARIANT* pVal) noexcept override {
         return Method([&] {
-            bool isMessage = false;
-            const ResultCode code = WithMmsMessage(pVal, [&](CMmsMessage& message) {
-                isMessage = true;
-                return engine_.Send(&message);
-            });
-            return isMessage ? code : engine_.Send(nullptr);
+            return SendMmsMessage(pVal, [this](CMmsMessage* message) { return engine_.Send(message); });
         });
     }
     STDMETHODIMP Retrieve(BSTR bstrContentLocation, VARIANT* pVal) noexcept override {

@@ -23,12 +23,7 @@ class MmsProtocolMm4Auto final : public ProviderAuto<ProtocolAuto<IMmsProtocolMm
 
     STDMETHODIMP Send(VARIANT* pVal) noexcept override {
         return Method([&] {
-            bool isMessage = false;
-            const ResultCode code = WithMmsMessage(pVal, [&](CMmsMessage& message) {
-                isMessage = true;
-                return engine_.Send(&message);
-            });
-            return isMessage ? code : engine_.Send(nullptr);
+            return SendMmsMessage(pVal, [this](CMmsMessage* message) { return engine_.Send(message); });
         });
     }
 };

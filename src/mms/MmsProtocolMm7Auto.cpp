@@ -31,7 +31,7 @@ class MmsProtocolMm7Auto final : public ProviderAuto<ProtocolAuto<IMmsProtocolMm
 
     STDMETHODIMP Send(VARIANT* pVal) noexcept override {
         return Method([&] {
-            return WithMmsMessage(pVal, [this](CMmsMessage& message) { return engine_.Send(message); });
+            return SendMmsMessage(pVal, [this](CMmsMessage* message) { return engine_.Send(message); });
         });
     }
 };

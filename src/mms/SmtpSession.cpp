@@ -15,13 +15,18 @@ constexpr std::int32_t kUnknownScheme = 504;
 constexpr std::size_t kLongestShown = 1023;  // characters of a command in the log
 constexpr std::string_view kInsteadOfText = "<MESSAGE DATA>";
 
+// The fourth character tells whether more lines follow; a number alone is the last.
+bool IsLastLine(std::string_view line) {
+    if (line.size() > kCodeSize) return line[kCodeSize] == ' ';
+    return line.size() == kCodeSize && std::ranges::all_of(line, IsDigit);
+}
+
 constexpr DialogueManner kManner{
     .saidFormat = "COMMAND : %s",
     .heardFormat = "RESPONSE: %s",
     .logMask = logmask::kLog | logmask::kActivity,
     .unit = DialogueManner::Unit::kLine,
-    // The fourth character tells whether more lines follow; a number alone is the last.
-    .isEnd = [](std::string_view line) { return line.size() <= kCodeSize || line[kCodeSize] == ' '; },
+    .isEnd = IsLastLine,
     .sendTime = 3000,
     .restOfLine = 0,
     .longestLine = 8192,
@@ -30,6 +35,8 @@ constexpr DialogueManner kManner{
 constexpr std::uint32_t kLineTime = 3000, kWholeTime = 60'000;
 constexpr ReplyTimes kUsualTimes{.piece = kLineTime, .begin = 100, .whole = kWholeTime};
 constexpr ReplyTimes kLoginTimes{.piece = kLineTime, .begin = 20'000, .whole = kWholeTime};
+// What is said to QUIT matters to nobody.
+constexpr ReplyTimes kFarewellTimes{.piece = kLineTime, .begin = 100, .whole = 3100};
 
 // 0 for a line without a code.
 std::int32_t CodeOf(std::string_view line) {
@@ -46,6 +53,13 @@ ResultCode Wanting(std::int32_t code, std::int32_t wanted) {
 std::string_view LastLineOf(std::string_view lines) {
     const std::size_t end = lines.rfind('\n');
     return end == std::string_view::npos ? lines : lines.substr(end + 1);
+}
+
+// An address stays within its brackets: what stands behind them is parameters of the command.
+std::string Path(std::string address) {
+    std::ranges::replace_if(
+        address, [](char c) { return c == '<' || c == '>'; }, ' ');
+    return '<' + address + '>';
 }
 
 std::string Stuffed(std::string_view mail) {
@@ -111,11 +125,11 @@ ResultCode SmtpSession::Login(const std::string& account, const std::string& pas
 }
 
 ResultCode SmtpSession::From(const std::string& address) {
-    return Wanting(Exchange("MAIL FROM: <" + address + '>'), kDone);
+    return Wanting(Exchange("MAIL FROM: " + Path(address)), kDone);
 }
 
 ResultCode SmtpSession::To(const std::string& address) {
-    return Wanting(Exchange("RCPT TO: <" + address + '>'), kDone);
+    return Wanting(Exchange("RCPT TO: " + Path(address)), kDone);
 }
 
 ResultCode SmtpSession::Data(std::string_view mail) {
@@ -127,5 +141,5 @@ ResultCode SmtpSession::Data(std::string_view mail) {
 }
 
 void SmtpSession::Quit() {
-    if (stream_->IsConnected()) (void)dialogue_.Ask("QUIT", kUsualTimes);
+    if (stream_->IsConnected()) (void)dialogue_.Ask("QUIT", kFarewellTimes);
 }

@@ -27,7 +27,7 @@ struct Channel {
         (void)message.AddRecipient("+31612345678", 0);
         message.AddSlide({0, 5, {{"image/jpeg", "<a.jpg>", "a.jpg", "", "JPEG"}}});
     }
-    std::int32_t Send() { return engine.Send(message).Number(); }
+    std::int32_t Send() { return engine.Send(&message).Number(); }
 
     VirtualClock clock;
     HttpScript script;
@@ -78,6 +78,8 @@ TEST(Mm7Protocol, SettingsOfTheConnection) {
                      s.port = 8080;
                  },
                  "http://mmsc.example.org:8080/mm7", ""},
+             Row{"blanks around a path", [](Mm7Settings& s) { s.path = " /a b\t"; },
+                 "http://mmsc.example.org:80/a%20b", ""},
              Row{"SSL", [](Mm7Settings& s) { s.useSsl = true; }, "https://mmsc.example.org:443/", ""},
              Row{"https in the host", [](Mm7Settings& s) { s.host = "https://m:8443"; }, "https://m:8443/",
                  ""},
@@ -202,6 +204,15 @@ TEST(Mm7Protocol, AFailureLeavesNothingOfTheMessageBefore) {
     EXPECT_EQ(channel.engine.ProviderResponse(), u"");
     EXPECT_EQ(channel.engine.MessageId(), u"");
     EXPECT_EQ(channel.script.asked.size(), 1U);
+
+    const TemporaryFolder folder;
+    Channel without;
+    EXPECT_EQ(without.Send(), 0);
+    without.engine.SetLogFile(folder.File("log"));
+    EXPECT_EQ(without.engine.Send(nullptr), 34141);
+    EXPECT_EQ(without.engine.ProviderResponse(), u"");
+    EXPECT_EQ(without.engine.MessageId(), u"");
+    EXPECT_THAT(TemporaryFolder::Read(folder.File("log")), testing::HasSubstr("SEND RESULT: ERROR 34141 ("));
 }
 
 TEST(Mm7Protocol, TheSizeLimitCountsTheWholeMessage) {
@@ -282,6 +293,23 @@ TEST(Mm7Protocol, LogLines) {
         if (found != std::string::npos) at = found + line.size();
     }
     EXPECT_THAT(log, testing::Not(testing::HasSubstr("secret")));
+}
+
+TEST(Mm7Protocol, LogsAStatusOfRepliesAlone) {
+    const TemporaryFolder folder;
+    for (const auto& [round, isLogged] :
+         {std::pair(HttpScript::Round{.sendError = http::kCannotConnect}, false),
+          std::pair(HttpScript::Round{.receiveError = 12030}, false),
+          std::pair(HttpScript::Round{.status = 404}, true)}) {
+        const std::string file = folder.File("log" + std::to_string(round.status + round.receiveError));
+        Channel channel({round});
+        channel.engine.SetLogFile(file);
+        EXPECT_NE(channel.Send(), 0);
+        const std::string log = TemporaryFolder::Read(file);
+        EXPECT_THAT(log, testing::HasSubstr("SEND RESULT: ERROR"));
+        EXPECT_EQ(log.find("MM7 STATUSCODE      : \n") != std::string::npos, isLogged);
+        EXPECT_EQ(log.find("MM7 MESSAGEID") != std::string::npos, isLogged);
+    }
 }
 
 TEST(Mm7Protocol, ProviderFiles) {

@@ -83,7 +83,8 @@ const std::vector<Row>& Documents() {
         {"\xEF\xBB\xBF<?xml encoding='ebcdic'?><a>\xC3\xA9</a>", "+a [\xC3\xA9] -a "},
         {"<?xml encoding='latin1'?><a>\xE9</a>", "+a [\xC3\xA9] -a "},
         {"<a>\xE9</a>", "+a [\xEF\xBF\xBD] -a "},
-        {"<?xml version='1.0' encoding='EBCDIC-CP-US'?><a/>", "", Fault::kEncoding},
+        {"<?xml version='1.0' encoding='ISO-8859-15'?><a>\xA4</a>", "", Fault::kEncoding},
+        {"<?xml version='1.0' encoding='ISO-8859-15'?><a>e&#8364;</a>", "+a [e\xE2\x82\xAC] -a "},
         {Octets("\xFE\xFF\0<\0a\0>\x20\xAC\0<\0/\0a\0>"), "+a [\xE2\x82\xAC] -a "},
         {Octets("\xFF\xFE<\0a\0/\0>\0"), "+a -a "},
         // What is no XML

@@ -124,8 +124,8 @@ mm1.Connect();
 Send("text"); Send(mm1); Send(null); Send(New("MmsMessage"));
 var long = Message("long");
 long.Subject = new Array(42).join("x");
-Send(long);
-mm1.ProviderMessageSizeLimit = 100; Send(Message("large"));
+Send(long); Say(long.LastError);
+long.Subject = ""; mm1.ProviderMessageSizeLimit = 100; Send(long); Say(long.LastError);
 Say(mm1.Retrieve("file:///c:/windows/win.ini") == null, mm1.LastError);
 Say(mm1.GetMessage(0) == null, mm1.LastError, mm1.GetNextMessage() == null, mm1.LastError);
 mm1.ProviderWAPGateway = "10.0.0.1"; mm1.Connect(); Say(mm1.LastError);
@@ -135,7 +135,7 @@ mm1.ProviderMMSC = ""; mm1.Connect(); Say(mm1.LastError);
 mm1.Clear();
 Say(mm1.Device, mm1.ProviderMMSC, mm1.ProviderMessageSizeLimit, mm1.ProviderTimeout, mm1.MessageStorage, mm1.LastError);
 Say(mm1.Version, mm1.Module, mm1.GetDeviceCount() >= 0, mm1.LastError);
-"""), ["33710||", "34141||", "34141||", "34141||", "34130||", "34134||", "34133||", "true|22021",
+"""), ["33710||", "34141||", "34141||", "34141||", "34130||", "34134||", "34134", "34133||", "0", "true|22021",
                 "true|34050|true|33060", "33723", "33722", "33721", "33720",
                 "Siemens AG WM USB Modem||307200|60000|0|0", "5.3 (x64)|NeltCtrlx64.dll|true|0"])
             self.assertEqual(server.messages(), [])

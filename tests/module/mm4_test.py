@@ -115,11 +115,14 @@ peer.ProviderMessageSizeLimit = 10; Send(message);
 peer.ProviderPort = 465; peer.ProviderMessageSizeLimit = 9999; Send(message);
 peer.ProviderPort = 0; Send(message);
 peer.ProviderHost = ""; Send(message);
-message.ClearRecipients(); Send(message);
-peer.Clear();
+message.ClearRecipients(); Send(message); WScript.Echo(message.LastError);
+peer.Clear(); message.Clear(); Send(message);
+message.AddRecipient("1234"); Send(message); WScript.Echo(message.LastError);
+message.AddSlide(slide); Send(message); WScript.Echo(message.LastError); peer.Clear();
 WScript.Echo([peer.ProviderHost, peer.ProviderPort, peer.ProviderAccount, peer.ProviderMessageSizeLimit, peer.LastError].join());
 """, "js", server.port)
             self.assertEqual(lines, ["0|250 OK", "0|250 OK", *["34141|"] * 4, "34133|", "138|", "22019|", "131|", "34130|",
+                                     "34130", "34130|", "34140|", "34140", "131|", "0",
                                      ",25,,350000,0"])
             self.assertEqual([(entry["from"], entry["to"]) for entry in server.mails()],
                              [("me@example.org", ["31612345678@example.net", "to@example.org", "cc3@example.org"])] * 2)

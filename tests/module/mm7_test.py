@@ -128,17 +128,24 @@ mm7.ProviderHost = ""; Send();
     def test_what_is_no_message(self):
         with mmsc() as server:
             self.assertEqual(run_script(server, """
-function Try(value) { mm7.Send(value); WScript.Echo(mm7.LastError + " " + mm7.GetErrorDescription(mm7.LastError)); }
+function Try(value) {
+    mm7.Send(value);
+    WScript.Echo(mm7.LastError + " " + mm7.GetErrorDescription(mm7.LastError) + mm7.ProviderResponse + mm7.MessageId);
+}
+function ShowItsCode() { WScript.Echo(message.LastError); }
+Send(); ShowItsCode();
 Try(null); Try(5); Try(slide); Try(New("SmsMessage")); Try(new ActiveXObject("Scripting.Dictionary"));
 Try(New("MmsMessage"));
-message.ClearRecipients(); Try(message);
-message.AddRecipient("+31612345678"); mm7.ProviderMessageSizeLimit = 100; Try(message);
+message.ClearRecipients(); Try(message); ShowItsCode();
+message.AddRecipient("+31612345678"); mm7.ProviderMessageSizeLimit = 100; Try(message); ShowItsCode();
 mm7.ProviderMessageSizeLimit = 307200;
-message.Subject = "12345678901234567890123456789012345678901"; Try(message);
-"""), ["34141 Invalid MmsMessage object passed to send function"] * 5
+message.Subject = "12345678901234567890123456789012345678901"; Try(message); ShowItsCode();
+message.Subject = ""; mm7.ProviderHost = ""; Send(); ShowItsCode();
+"""), ["0|Success|1@mmsc.lab", "0"] + ["34141 Invalid MmsMessage object passed to send function"] * 5
                 + ["34130 No recipient address(es) specified"] * 2
-                + ["34133 Size of MMS message exceeds the maximum message size", "34134 MMS Subject is too long"])
-            self.assertEqual(server.messages(), [])
+                + ["34130", "34133 Size of MMS message exceeds the maximum message size", "0", "34134 MMS Subject is too long",
+                   "34134", "22404||", "0"])
+            self.assertEqual(len(server.messages()), 1)
 
     def test_accounts_of_the_server_and_of_a_proxy(self):
         with mmsc("--account", "me:web secret", "--proxy-account", "px:proxy secret") as server, wine.folder() as path:
