@@ -303,6 +303,16 @@ TEST(HttpProtocol, NoPasswordStandsInAMaskedLog) {
 
 // --- the rest of the object
 
+TEST(HttpProtocol, AMissingLibraryIsToldInBothFiles) {
+    LoggedChannel channel;
+    channel.Log();
+    channel.script.loadError = 126;
+    EXPECT_EQ(channel.Send(), 22390);
+    for (const char* file : {"log.txt", "activity.ini"}) {
+        EXPECT_NE(channel.Read(file).find("LoadLibrary [winhttp.dll]"), std::string::npos) << file;
+    }
+}
+
 TEST(HttpProtocol, ClearPutsEverythingBack) {
     LoggedChannel channel;
     channel.engine.settings.proxyServer = "px";

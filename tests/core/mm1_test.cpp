@@ -577,6 +577,8 @@ TEST_F(Mm1, AnAnswerThatFailsChangesNothing) {
 TEST_F(Mm1, OnlyWebAddressesAreAskedFor) {
     EXPECT_EQ(engine.Retrieve("http://m/1", fetched), 33710);
     EXPECT_EQ(Connected(), 0);
+    EXPECT_EQ(Send(), 0);
+    web.asked.clear();
     const std::string longest = "http://m/" + std::string(2048 - 9, 'x');
     for (const std::string& location :
          {std::string(), std::string("file:///C:/secret.txt"), std::string("file:c:\\secret.txt"),
@@ -586,6 +588,8 @@ TEST_F(Mm1, OnlyWebAddressesAreAskedFor) {
           std::string("http://m\r\nHost: x/1"), longest + "x", "http://m/" + std::string(65536, 'x')}) {
         SCOPED_TRACE(location.substr(0, 60));
         EXPECT_EQ(engine.Retrieve(location, fetched), 22021);
+        EXPECT_EQ(engine.MessageId(), "");
+        EXPECT_EQ(engine.ProviderResponse(), u"");
         EXPECT_TRUE(HasLogged("Content location is no HTTP URL, it is not asked for: [" +
                               OneLine(location.substr(0, 256)) + "]\n"));
     }

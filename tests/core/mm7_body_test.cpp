@@ -144,10 +144,10 @@ TEST(Mm7Body, TheEnvelopeByTheMessage) {
              Row{"what XML cannot hold",
                  [](CMmsMessage& m) {
                      m.Subject =
-                         u"a\r\nb\1c\xFFFF\xD800"
+                         u"a\r\nb\1c\xFFFE\xFFFF\xD800"
                          "d";
                  },
-                 "<Subject>a  b c\xEF\xBF\xBD\xEF\xBF\xBD"
+                 "<Subject>a  b c\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD"
                  "d</Subject>",
                  "\1"},
              Row{"texts of the settings",

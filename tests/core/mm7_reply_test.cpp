@@ -49,6 +49,8 @@ TEST(Mm7Reply, WhatItSays) {
              Row{"the first of a name",
                  Submitted("<StatusCode>2002</StatusCode><Details><StatusCode>1000</StatusCode></Details>"),
                  "2002||"},
+             Row{"a header that is not the envelope's", Submitted("<Header/><StatusCode>1000</StatusCode>"),
+                 "1000||"},
              Row{"elements inside",
                  Submitted("<StatusCode>20<b>1000</b>02</StatusCode><StatusText/><StatusText>x</StatusText>"),
                  "2002||"},
