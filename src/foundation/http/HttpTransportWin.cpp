@@ -46,16 +46,23 @@ class WinHttp {
     static constexpr const char* kName = "winhttp.dll";
     DWORD error = ERROR_SUCCESS;  // why the library cannot be used
 
-#define WINHTTP_FUNCTIONS(X)                                                                          \
-    X(WinHttpOpen)                                                                                    \
-    X(WinHttpConnect)                                                                                 \
-    X(WinHttpOpenRequest)                                                                             \
-    X(WinHttpSetCredentials)                                                                          \
-    X(WinHttpSendRequest)                                                                             \
-    X(WinHttpWriteData)                                                                               \
-    X(WinHttpReceiveResponse)                                                                         \
-    X(WinHttpQueryHeaders) X(WinHttpQueryDataAvailable) X(WinHttpReadData) X(WinHttpQueryAuthSchemes) \
-        X(WinHttpSetOption) X(WinHttpSetTimeouts) X(WinHttpCloseHandle)
+// clang-format off
+#define WINHTTP_FUNCTIONS(X)     \
+    X(WinHttpOpen)               \
+    X(WinHttpConnect)            \
+    X(WinHttpOpenRequest)        \
+    X(WinHttpSetCredentials)     \
+    X(WinHttpSendRequest)        \
+    X(WinHttpWriteData)          \
+    X(WinHttpReceiveResponse)    \
+    X(WinHttpQueryHeaders)       \
+    X(WinHttpQueryDataAvailable) \
+    X(WinHttpReadData)           \
+    X(WinHttpQueryAuthSchemes)   \
+    X(WinHttpSetOption)          \
+    X(WinHttpSetTimeouts)        \
+    X(WinHttpCloseHandle)
+// clang-format on
 #define WINHTTP_POINTER(name) decltype(&::name) name = nullptr;
     WINHTTP_FUNCTIONS(WINHTTP_POINTER)
     WINHTTP_POINTER(WinHttpSetStatusCallback)  // may be missing: tells what is wrong with a certificate
