@@ -2,6 +2,7 @@
 // time.
 #include "foundation/ComputerName.h"
 #include "foundation/ErrorTexts.h"
+#include "foundation/Text.h"
 #include "mms/MM4Body.h"
 #include "mms/MmsProtocolMm4.h"
 #include "mms/MmsSlide.h"
@@ -488,6 +489,21 @@ TEST_F(Mm4, AServerThatStopsReadingEndsTheText) {
     EXPECT_EQ(clock.Ticks(), 6000U);  // the text's 3 s, and those of QUIT
     EXPECT_TRUE(peer->heard.ends_with("DATA\r\n"));
     EXPECT_FALSE(peer->IsConnected());
+}
+
+// The format goes with the message, whose mail is the same in each.
+TEST_F(Mm4, TheFormatGoesWithTheMessage) {
+    std::string mail;
+    for (const std::int32_t format : {0, 1, 2, -1}) {
+        Channel(All()).settings.format = format;
+        ASSERT_EQ(channel->Send(&message), result::Success);
+        EXPECT_EQ(message.Settings.variation, format);
+        std::string heard = peer->heard;
+        ReplaceAll(heard, message.TransactionId, "ID");
+        ReplaceAll(heard, message.Boundary, "BOUNDARY");
+        if (format == 0) mail = heard;
+        EXPECT_EQ(heard, mail) << format;
+    }
 }
 
 TEST(SmtpSession, NoLineOfAMailIsTheLast) {
