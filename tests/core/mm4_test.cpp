@@ -527,6 +527,39 @@ TEST(SmtpSession, NoLineOfAMailIsTheLast) {
     }
 }
 
+// What counts is that octets go out. A mail of the largest message has about 29 times 16 KiB.
+TEST(SmtpSession, AServerThatReadsSlowlyGetsTheText) {
+    constexpr std::uint32_t kEvery = 2900;  // ms
+    constexpr std::size_t kRound = 16'384;
+    const std::string firstLine(102, 'x');
+    const std::string_view ends = "\r\n\r\n.\r\n";
+    const std::string mail =
+        firstLine + "\r\n" + std::string(29 * kRound - firstLine.size() - ends.size(), 'x');
+    struct Row {
+        const char* name;
+        std::size_t mostTaken;  // octets at a time
+        std::string taken;
+        std::int32_t code;
+        std::uint32_t rounds;
+    };
+    for (const Row& row : {
+             Row{"16 KiB at a time", kRound, Peer::kUpToDot, 0, 1 + 29},
+             // "DATA", and then 5 minutes.
+             Row{"one octet at a time", 1, firstLine, 591, 6 + 104},
+         }) {
+        SCOPED_TRACE(row.name);
+        VirtualClock clock;
+        CKorBase log("Test", clock);
+        Peer peer(clock,
+                  {{"", {}}, {"DATA", {Peer::Says("354 go\r\n")}}, {row.taken, {Peer::Says("250 ok\r\n")}}});
+        ASSERT_EQ(peer.Connect("host", 25, 1000), tcp::kSuccess);
+        peer.writeTime = kEvery;
+        peer.mostTaken = row.mostTaken;
+        EXPECT_EQ(SmtpSession(peer, log).Data(mail), row.code);
+        EXPECT_EQ(clock.Ticks(), row.rounds * kEvery);
+    }
+}
+
 TEST(SmtpSession, LogsWhatIsShorterThan1024) {
     const TemporaryFolder folder;
     VirtualClock clock;
