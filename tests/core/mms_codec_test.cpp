@@ -1,4 +1,5 @@
 // The decoder of MMS units, over units as others send them.
+#include "Common/Wsp/WspValues.h"
 #include "foundation/ErrorTexts.h"
 #include "mms/MMSECodec.h"
 #include "mms/MmsMessage.h"
@@ -108,6 +109,52 @@ TEST(MmsDecoder, ReadsValuesInEveryForm) {
         const std::string octets = OctetText(std::string("8C85 ") + row.field);
         EXPECT_EQ(unit.Decode(octets), result::Success) << row.field;
         EXPECT_EQ(unit.Dump(), std::string("X-Mms-Message-Type: 85\n") + row.dump) << row.field;
+    }
+}
+
+// The same parameters by number, by that of version 1.4, and spelled out.
+TEST(WspContentType, ReadsItsParametersInEveryForm) {
+    struct Row {
+        const char* parameters;
+        const char* name;
+        const char* start;
+        const char* boundary;
+        std::uint64_t charset;
+    };
+    for (const Row& row : {
+             Row{"81 EA 85 'n' 00 8A '<s>' 00", "n", "<s>", "", 106},
+             Row{"81 'UTF-8' 00 97 'n' 00 99 '<s>' 00", "n", "<s>", "", 106},
+             Row{"'charset' 00 EA 'name' 00 'n' 00 'start' 00 '<s>' 00", "n", "<s>", "", 106},
+             Row{"'Charset' 00 'utf-8' 00 'NAME' 00 22 'n' 22 00 'Start' 00 22 '<s>' 00", "n", "<s>", "",
+                 106},
+             Row{"'charset' 00 02 03E8", "", "", "", 1000},
+             Row{"'charset' 00 'iso-8859-2' 00", "", "", "", 5},
+             Row{"'charset' 00 'klingon' 00", "", "", "", 0},
+             Row{"81 'shift_jis' 00", "", "", "", 17},
+             Row{"86 'f' 00", "f", "", "", 0},
+             Row{"98 'f' 00 'boundary' 00 'B' 00", "f", "", "B", 0},
+             Row{"'filename' 00 'f' 00", "f", "", "", 0},
+             Row{"'filename' 00 'f' 00 'name' 00 'n' 00", "n", "", "", 0},
+             Row{"'name' 00 'n' 00 'filename' 00 'f' 00", "n", "", "", 0},
+             // What is not known, or has no value that fits, takes nothing of those behind it.
+             Row{"'type' 00 'text/x' 00 89 'text/x' 00 'x' 00 00 'name' 00 81 'start' 00 '<s>' 00", "", "<s>",
+                 "", 0},
+             Row{"80 81 05 'q' 00 85 'name' 00 'n' 00", "n", "", "", 0},
+             Row{"FF 01 AA 'name' 00 'n' 00", "n", "", "", 0},
+             Row{"02 AABB 'v' 00 'name' 00 'n' 00", "n", "", "", 0},
+             Row{"'nam' 00 'x' 00 'names' 00 'y' 00", "", "", "", 0},
+             Row{"'name' 00", "", "", "", 0},
+             Row{"'name'", "", "", "", 0},
+         }) {
+        SCOPED_TRACE(row.parameters);
+        const std::string value = OctetText(std::string("83 ") + row.parameters);
+        const std::string octets = "\x1F" + std::string(1, static_cast<char>(value.size())) + value;
+        OctetReader in(octets);
+        const wsp::ContentType type = wsp::ReadContentType(in);
+        EXPECT_EQ(std::tuple(type.type, type.name, type.start, type.boundary, type.charset),
+                  std::tuple("text/plain", row.name, row.start, row.boundary, row.charset));
+        EXPECT_TRUE(in.AtEnd());
+        EXPECT_FALSE(in.Overrun());
     }
 }
 
