@@ -235,6 +235,30 @@ TEST(MmsMessage, TakesWhatAUnitSays) {
     EXPECT_EQ(message.Slides[0].parts[0].contentLocation, "t.txt");
 }
 
+// With its brackets, as those of a message that is built here, whether the unit has them or not.
+TEST(MmsMessage, TakesTheIdsOfParts) {
+    struct Row {
+        const char* header;
+        const char* id;
+    };
+    for (const Row& row : {
+             Row{"C0 22 '<a@b>' 00", "<a@b>"},
+             Row{"C0 22 'photo.jpg' 00", "<photo.jpg>"},
+             Row{"C0 22 'id' 22 00", "<id>"},
+             Row{"C0 '<open' 00", "<open>"},
+             Row{"C0 'shut>' 00", "<shut>"},
+             Row{"C0 22 00", ""},
+             Row{"8E 'x' 00", ""},
+         }) {
+        const std::string headers = OctetText(std::string("9E ") + row.header);
+        CMmsMessage message;
+        message.EncodedMessage =
+            OctetText("8C84 84A3 01") + static_cast<char>(headers.size()) + '\x01' + headers + 'd';
+        EXPECT_EQ(message.Decode(), result::Success) << row.header;
+        EXPECT_EQ(message.Slides.at(0).parts.at(0).contentId, row.id) << row.header;
+    }
+}
+
 TEST(MmsMessage, ReadsTextsInTheirCharacterSets) {
     for (const auto& [field, subject] : {
              std::pair{"96 04 84 80 E9 00", u"\u20AC\u00E9"},  // ISO 8859-1 goes by the Windows code page
