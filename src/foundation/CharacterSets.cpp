@@ -30,6 +30,6 @@ constexpr auto kSets = std::to_array<CharacterSet>({
 
 const CharacterSet* FindCharacterSet(std::string_view name) {
     const auto* const set =
-        std::ranges::find_if(kSets, [&](const CharacterSet& s) { return Upper(s.name) == Upper(name); });
+        std::ranges::find_if(kSets, [&](const CharacterSet& s) { return EqualNoCase(s.name, name); });
     return set != kSets.end() ? set : nullptr;
 }

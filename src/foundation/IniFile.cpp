@@ -10,14 +10,10 @@ namespace {
 
 constexpr std::size_t kMaximumSize = std::size_t{64} << 20;
 
-bool SameName(std::string_view a, std::string_view b) {
-    return std::ranges::equal(a, b, {}, UpperChar, UpperChar);
-}
-
 // The value part when the line is `key=value`.
 std::optional<std::string_view> ValueOf(std::string_view line, std::string_view key) {
     const std::size_t sign = line.find('=');
-    if (sign == std::string_view::npos || !SameName(Trim(line.substr(0, sign)), key)) return std::nullopt;
+    if (sign == std::string_view::npos || !EqualNoCase(Trim(line.substr(0, sign)), key)) return std::nullopt;
     return Trim(line.substr(sign + 1));
 }
 
@@ -62,14 +58,14 @@ bool IniFile::Replace(const std::string& name) const {
 
 IniFile::Section& IniFile::Find(std::string_view name) {
     const auto hit =
-        std::ranges::find_if(sections_, [&](const Section& s) { return SameName(s.name, name); });
+        std::ranges::find_if(sections_, [&](const Section& s) { return EqualNoCase(s.name, name); });
     return hit != sections_.end() ? *hit : sections_.emplace_back(Section{std::string(name), {}});
 }
 
 const std::vector<std::string>& IniFile::Lines(std::string_view section) const {
     static const std::vector<std::string> kNone;
     const auto hit =
-        std::ranges::find_if(sections_, [&](const Section& s) { return SameName(s.name, section); });
+        std::ranges::find_if(sections_, [&](const Section& s) { return EqualNoCase(s.name, section); });
     return hit != sections_.end() ? hit->lines : kNone;
 }
 

@@ -4,21 +4,25 @@
 #include "foundation/Text.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace {
 
 using Access = ProviderRow::Access;
 
-// Writes a text from the file into a field.
+std::optional<bool> FlagIn(std::string_view text) {
+    if (const auto number = FindInt(text)) return *number != 0;
+    if (EqualNoCase(text, "true") || EqualNoCase(text, "yes")) return true;
+    if (EqualNoCase(text, "false") || EqualNoCase(text, "no")) return false;
+    return std::nullopt;
+}
+
+// Writes a text from the file into a field; a number or flag that it does not hold leaves the field.
 struct Take {
     const std::string& text;
     void operator()(std::string* field) const { *field = text; }
-    void operator()(std::int32_t* field) const {
-        if (!text.empty()) *field = ToInt(text);
-    }
-    void operator()(bool* field) const {
-        if (!text.empty()) *field = ToInt(text) != 0 || Upper(text) == "TRUE" || Upper(text) == "YES";
-    }
+    void operator()(std::int32_t* field) const { *field = FindInt(text).value_or(*field); }
+    void operator()(bool* field) const { *field = FlagIn(text).value_or(*field); }
     void operator()(const Access& access) const { access.set(text); }
 };
 

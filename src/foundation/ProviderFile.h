@@ -21,8 +21,7 @@ struct ProviderRow {
     std::variant<std::string*, std::int32_t*, bool*, Access> field;  // a flag is 0 or 1
 };
 
-// A setting whose key the file lacks stays as it is, and so does a number or flag with nothing
-// behind its "=".
+// A setting whose key the file lacks stays as it is, and so does a number or flag whose value is none.
 // 0; 33050 when there is no such file, 33051 when it holds nothing in any of the sections: no setting is
 // changed then.
 ResultCode LoadProviderFile(const std::string& file, std::span<const ProviderRow> rows);

@@ -60,6 +60,8 @@ std::size_t FindNoCase(std::string_view text, std::string_view wanted, std::size
     return from + static_cast<std::size_t>(hit - rest.begin());
 }
 
+bool EqualNoCase(std::string_view a, std::string_view b) { return std::ranges::equal(a, b, SameNoCase); }
+
 bool ContainsNoCase(std::string_view text, std::string_view wanted) {
     return FindNoCase(text, wanted) != std::string_view::npos;
 }
@@ -85,11 +87,12 @@ std::vector<std::string_view> Split(std::string_view text, std::string_view sepa
     return pieces;
 }
 
-std::int32_t ToInt(std::string_view text) {
+std::optional<std::int32_t> FindInt(std::string_view text) {
     std::size_t at = text.find_first_not_of(kBlanks);
-    if (at == std::string_view::npos) return 0;
+    if (at == std::string_view::npos) return std::nullopt;
     const bool negative = text[at] == '-';
     if (negative || text[at] == '+') ++at;
+    if (at == text.size() || !IsDigit(text[at])) return std::nullopt;
     constexpr std::int64_t kLimit = std::int64_t{std::numeric_limits<std::int32_t>::max()} + 1;
     std::int64_t value = 0;
     for (; at < text.size() && IsDigit(text[at]); ++at)
@@ -97,3 +100,5 @@ std::int32_t ToInt(std::string_view text) {
     if (negative) value = -value;
     return static_cast<std::int32_t>(std::min(value, kLimit - 1));
 }
+
+std::int32_t ToInt(std::string_view text) { return FindInt(text).value_or(0); }

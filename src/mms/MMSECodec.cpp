@@ -36,16 +36,12 @@ constexpr auto kNamedHeaders = std::to_array<NamedHeader>({
     {"Content-ID", wsp::kContentId},
 });
 
-bool SameName(std::string_view a, std::string_view b) {
-    return a.size() == b.size() && FindNoCase(a, b) == 0;
-}
-
 // The number of the next header, or what is read of its name: a DRM message has its boundary as a header.
 std::uint8_t HeaderNumber(OctetReader& in, MmsPart& part) {
     if (in.Peek() >= wsp::kShort) return in.Octet();
     const std::string_view name = wsp::ReadText(in);
     for (const NamedHeader& header : kNamedHeaders) {
-        if (SameName(name, header.name)) return header.number;
+        if (EqualNoCase(name, header.name)) return header.number;
     }
     const wsp::Value value = wsp::ReadValue(in);
     if (name == "boundary") part.boundary = value.octets;

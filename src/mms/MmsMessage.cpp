@@ -19,6 +19,19 @@
 #include <algorithm>
 #include <utility>
 
+namespace {
+
+// The id of a part as mails have it; units come with and without the brackets.
+std::string Bracketed(std::string_view id) {
+    if (id.empty()) return {};
+    std::string text(id.starts_with('<') ? "" : "<");
+    text += id;
+    if (!id.ends_with('>')) text += '>';
+    return text;
+}
+
+}  // namespace
+
 void CMmsMessage::SetFrom(std::string from) {
     From = std::move(from);
     if (address::IsSenderNumber(From)) {
@@ -160,7 +173,7 @@ void CMmsMessage::TakeParts(const CMMSECodec& unit) {
             CustomSmil = part.data;
             continue;
         }
-        slide.parts.push_back({std::string(part.type.type), std::string(part.contentId),
+        slide.parts.push_back({std::string(part.type.type), Bracketed(part.contentId),
                                std::string(part.location), std::string(part.boundary), std::string(part.data),
                                wsp::CodePageOf(part.type.charset).value_or(0)});
     }

@@ -27,7 +27,9 @@ constexpr DialogueManner kManner{
     .logMask = logmask::kLog | logmask::kActivity,
     .unit = DialogueManner::Unit::kLine,
     .isEnd = IsLastLine,
-    .sendTime = 3000,
+    // A mail of the largest size takes its time on a slow line; what stands still does not go on.
+    .sendTime = 300'000,
+    .stillTime = 3000,
     .restOfLine = 0,
     .longestLine = 8192,
     .largestReply = 65'536,

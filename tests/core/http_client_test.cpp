@@ -208,6 +208,20 @@ TEST(HttpClient, FollowsRedirects) {
     }
 }
 
+// A caller's "Host:" is of the host that it asked for, and of no other; the platform names those.
+TEST(HttpClient, AHostLineGoesToItsHostAlone) {
+    Client http({RedirectTo("https://GATE.example:81/b"), RedirectTo("http://other/c"), RedirectTo("/d"),
+                 RedirectTo("http://gate.example/e"), Status(200)});
+    http.client.settings.postText = "x=y";
+    http.client.settings.postHeaders = "A: 1\r\nHOST: gate.example\r\nHosts: 2\r\n";
+    EXPECT_EQ(http.client.Request(kUrl).Number(), 0);
+    const std::string all = http.client.settings.postHeaders;
+    const std::string others = "A: 1\r\nHosts: 2\r\n";
+    Lines headers;
+    for (const HttpScript::Asked& one : http.script.asked) headers.push_back(one.headers);
+    EXPECT_EQ(headers, (Lines{all, all, others, others, all}));
+}
+
 TEST(HttpClient, ARedirectInACircleEndsWithTheTime) {
     Client http({RedirectTo("/b")});
     EXPECT_EQ(http.client.Request(kUrl).Number(), 22410);

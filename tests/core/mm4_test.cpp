@@ -2,6 +2,7 @@
 // time.
 #include "foundation/ComputerName.h"
 #include "foundation/ErrorTexts.h"
+#include "foundation/Text.h"
 #include "mms/MM4Body.h"
 #include "mms/MmsProtocolMm4.h"
 #include "mms/MmsSlide.h"
@@ -490,6 +491,21 @@ TEST_F(Mm4, AServerThatStopsReadingEndsTheText) {
     EXPECT_FALSE(peer->IsConnected());
 }
 
+// The format goes with the message, whose mail is the same in each.
+TEST_F(Mm4, TheFormatGoesWithTheMessage) {
+    std::string mail;
+    for (const std::int32_t format : {0, 1, 2, -1}) {
+        Channel(All()).settings.format = format;
+        ASSERT_EQ(channel->Send(&message), result::Success);
+        EXPECT_EQ(message.Settings.variation, format);
+        std::string heard = peer->heard;
+        ReplaceAll(heard, message.TransactionId, "ID");
+        ReplaceAll(heard, message.Boundary, "BOUNDARY");
+        if (format == 0) mail = heard;
+        EXPECT_EQ(heard, mail) << format;
+    }
+}
+
 TEST(SmtpSession, NoLineOfAMailIsTheLast) {
     VirtualClock clock;
     CKorBase log("Test", clock);
@@ -508,6 +524,39 @@ TEST(SmtpSession, NoLineOfAMailIsTheLast) {
         ASSERT_EQ(peer.Connect("host", 25, 1000), tcp::kSuccess);
         EXPECT_EQ(SmtpSession(peer, log).Data(row.mail), result::Success);
         EXPECT_EQ(peer.heard, "DATA\r\n" + row.said);
+    }
+}
+
+// What counts is that octets go out. A mail of the largest message has about 29 times 16 KiB.
+TEST(SmtpSession, AServerThatReadsSlowlyGetsTheText) {
+    constexpr std::uint32_t kEvery = 2900;  // ms
+    constexpr std::size_t kRound = 16'384;
+    const std::string firstLine(102, 'x');
+    const std::string_view ends = "\r\n\r\n.\r\n";
+    const std::string mail =
+        firstLine + "\r\n" + std::string(29 * kRound - firstLine.size() - ends.size(), 'x');
+    struct Row {
+        const char* name;
+        std::size_t mostTaken;  // octets at a time
+        std::string taken;
+        std::int32_t code;
+        std::uint32_t rounds;
+    };
+    for (const Row& row : {
+             Row{"16 KiB at a time", kRound, Peer::kUpToDot, 0, 1 + 29},
+             // "DATA", and then 5 minutes.
+             Row{"one octet at a time", 1, firstLine, 591, 6 + 104},
+         }) {
+        SCOPED_TRACE(row.name);
+        VirtualClock clock;
+        CKorBase log("Test", clock);
+        Peer peer(clock,
+                  {{"", {}}, {"DATA", {Peer::Says("354 go\r\n")}}, {row.taken, {Peer::Says("250 ok\r\n")}}});
+        ASSERT_EQ(peer.Connect("host", 25, 1000), tcp::kSuccess);
+        peer.writeTime = kEvery;
+        peer.mostTaken = row.mostTaken;
+        EXPECT_EQ(SmtpSession(peer, log).Data(mail), row.code);
+        EXPECT_EQ(clock.Ticks(), row.rounds * kEvery);
     }
 }
 

@@ -1,4 +1,5 @@
 // The decoder of MMS units, over units as others send them.
+#include "Common/Wsp/WspValues.h"
 #include "foundation/ErrorTexts.h"
 #include "mms/MMSECodec.h"
 #include "mms/MmsMessage.h"
@@ -111,6 +112,52 @@ TEST(MmsDecoder, ReadsValuesInEveryForm) {
     }
 }
 
+// The same parameters by number, by that of version 1.4, and spelled out.
+TEST(WspContentType, ReadsItsParametersInEveryForm) {
+    struct Row {
+        const char* parameters;
+        const char* name;
+        const char* start;
+        const char* boundary;
+        std::uint64_t charset;
+    };
+    for (const Row& row : {
+             Row{"81 EA 85 'n' 00 8A '<s>' 00", "n", "<s>", "", 106},
+             Row{"81 'UTF-8' 00 97 'n' 00 99 '<s>' 00", "n", "<s>", "", 106},
+             Row{"'charset' 00 EA 'name' 00 'n' 00 'start' 00 '<s>' 00", "n", "<s>", "", 106},
+             Row{"'Charset' 00 'utf-8' 00 'NAME' 00 22 'n' 22 00 'Start' 00 22 '<s>' 00", "n", "<s>", "",
+                 106},
+             Row{"'charset' 00 02 03E8", "", "", "", 1000},
+             Row{"'charset' 00 'iso-8859-2' 00", "", "", "", 5},
+             Row{"'charset' 00 'klingon' 00", "", "", "", 0},
+             Row{"81 'shift_jis' 00", "", "", "", 17},
+             Row{"86 'f' 00", "f", "", "", 0},
+             Row{"98 'f' 00 'boundary' 00 'B' 00", "f", "", "B", 0},
+             Row{"'filename' 00 'f' 00", "f", "", "", 0},
+             Row{"'filename' 00 'f' 00 'name' 00 'n' 00", "n", "", "", 0},
+             Row{"'name' 00 'n' 00 'filename' 00 'f' 00", "n", "", "", 0},
+             // What is not known, or has no value that fits, takes nothing of those behind it.
+             Row{"'type' 00 'text/x' 00 89 'text/x' 00 'x' 00 00 'name' 00 81 'start' 00 '<s>' 00", "", "<s>",
+                 "", 0},
+             Row{"80 81 05 'q' 00 85 'name' 00 'n' 00", "n", "", "", 0},
+             Row{"FF 01 AA 'name' 00 'n' 00", "n", "", "", 0},
+             Row{"02 AABB 'v' 00 'name' 00 'n' 00", "n", "", "", 0},
+             Row{"'nam' 00 'x' 00 'names' 00 'y' 00", "", "", "", 0},
+             Row{"'name' 00", "", "", "", 0},
+             Row{"'name'", "", "", "", 0},
+         }) {
+        SCOPED_TRACE(row.parameters);
+        const std::string value = OctetText(std::string("83 ") + row.parameters);
+        const std::string octets = "\x1F" + std::string(1, static_cast<char>(value.size())) + value;
+        OctetReader in(octets);
+        const wsp::ContentType type = wsp::ReadContentType(in);
+        EXPECT_EQ(std::tuple(type.type, type.name, type.start, type.boundary, type.charset),
+                  std::tuple("text/plain", row.name, row.start, row.boundary, row.charset));
+        EXPECT_TRUE(in.AtEnd());
+        EXPECT_FALSE(in.Overrun());
+    }
+}
+
 TEST(MmsDecoder, TellsDamageAndReadsOn) {
     struct Row {
         const char* unit;
@@ -186,6 +233,30 @@ TEST(MmsMessage, TakesWhatAUnitSays) {
     ASSERT_EQ(message.Slides.size(), 1U);  // the presentation is no part of it
     ASSERT_EQ(message.Slides[0].parts.size(), 1U);
     EXPECT_EQ(message.Slides[0].parts[0].contentLocation, "t.txt");
+}
+
+// With its brackets, as those of a message that is built here, whether the unit has them or not.
+TEST(MmsMessage, TakesTheIdsOfParts) {
+    struct Row {
+        const char* header;
+        const char* id;
+    };
+    for (const Row& row : {
+             Row{"C0 22 '<a@b>' 00", "<a@b>"},
+             Row{"C0 22 'photo.jpg' 00", "<photo.jpg>"},
+             Row{"C0 22 'id' 22 00", "<id>"},
+             Row{"C0 '<open' 00", "<open>"},
+             Row{"C0 'shut>' 00", "<shut>"},
+             Row{"C0 22 00", ""},
+             Row{"8E 'x' 00", ""},
+         }) {
+        const std::string headers = OctetText(std::string("9E ") + row.header);
+        CMmsMessage message;
+        message.EncodedMessage =
+            OctetText("8C84 84A3 01") + static_cast<char>(headers.size()) + '\x01' + headers + 'd';
+        EXPECT_EQ(message.Decode(), result::Success) << row.header;
+        EXPECT_EQ(message.Slides.at(0).parts.at(0).contentId, row.id) << row.header;
+    }
 }
 
 TEST(MmsMessage, ReadsTextsInTheirCharacterSets) {

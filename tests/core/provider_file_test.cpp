@@ -91,7 +91,7 @@ TEST(ProviderFile, LoadsWhatIsThereAndLeavesTheRest) {
                  {.host = "gw", .port = -5, .proxy = {"px", 3128}, .secure = true, .list = "x"}},
              Row{"[Provider]\nHost=\nPort=\nSecure=\n", 0, {.host = ""}},
              Row{"[Provider]\nHost=\"q\"\nSecure=True\n", 0, {.host = "q", .secure = true}},
-             Row{"[proxy]\nport=x\n", 0, {.proxy = {"", 0}}},
+             Row{"[proxy]\nport=x\n", 0, {}},
              Row{"[Provider]\n[Other]\nHost=x\n", 33051, {}},
              Row{"Host=x\n", 33051, {}},
              Row{"", 33051, {}},
@@ -109,6 +109,48 @@ TEST(ProviderFile, LoadsWhatIsThereAndLeavesTheRest) {
     }
     Settings settings;
     EXPECT_EQ(LoadProviderFile(folder.File("none.ini"), RowsOf(settings)), 33050);
+}
+
+TEST(ProviderFile, WhatIsNoNumberOrFlagIsAsGoodAsMissing) {
+    const TemporaryFolder folder;
+    const std::string file = folder.File("p.ini");
+    constexpr std::int32_t kKept = 80;
+    struct Row {
+        const char* value;
+        std::int32_t number;
+        bool ofTrue, ofFalse;  // what a flag is that was true, or false, before
+    };
+    for (const Row& row : std::vector<Row>{
+             {"", kKept, true, false},
+             {"abc", kKept, true, false},
+             {"-", kKept, true, false},
+             {"x1", kKept, true, false},
+             {"\"\"", kKept, true, false},
+             {"0", 0, false, false},
+             {"-0", 0, false, false},
+             {"+7", 7, true, true},
+             {"'12'", 12, true, true},
+             {"3128x", 3128, true, true},
+             {"2147483648", 2147483647, true, true},
+             {"-99999999999999999999", -2147483647 - 1, true, true},
+             {"yes", kKept, true, true},
+             {"TRUE", kKept, true, true},
+             {"No", kKept, false, false},
+             {"false", kKept, false, false},
+             {"nothing", kKept, true, false},
+         }) {
+        SCOPED_TRACE(row.value);
+        TemporaryFolder::Write(
+            file, std::string("[P]\nN=") + row.value + "\nT=" + row.value + "\nF=" + row.value + "\n");
+        std::int32_t number = kKept;
+        bool wasTrue = true;
+        bool wasFalse = false;
+        const std::vector<ProviderRow> rows{{"P", "N", &number}, {"P", "T", &wasTrue}, {"P", "F", &wasFalse}};
+        EXPECT_EQ(LoadProviderFile(file, rows), 0);
+        EXPECT_EQ(number, row.number);
+        EXPECT_EQ(wasTrue, row.ofTrue);
+        EXPECT_EQ(wasFalse, row.ofFalse);
+    }
 }
 
 }  // namespace

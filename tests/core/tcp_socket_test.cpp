@@ -6,6 +6,7 @@
 #include "support/VirtualClock.h"
 
 #include <array>
+#include <chrono>
 #include <deque>
 #include <functional>
 #include <future>
@@ -174,6 +175,23 @@ TEST_F(TcpSocket, ANameCostsNoMoreThanTheTimeOfTheConnect) {
     late.set_value({0, 0x0100007F, "127.0.0.1"});
     EXPECT_EQ(stalled.Connect("stalled.example", peer.Port(), kNever), tcp::kSuccess);
     EXPECT_EQ(stalled.PeerAddress(), "127.0.0.1:" + std::to_string(peer.Port()));
+}
+
+// The answer is given once somebody is about to wait for it, so that nearly every round has to be woken. A
+// wait that nothing wakes lasts its whole time.
+TEST(NameLookup, AnAnswerEndsTheWaitForIt) {
+    constexpr std::chrono::seconds kLongest{60};
+    const auto start = std::chrono::steady_clock::now();
+    for (int round = 0; round < 20; ++round) {
+        std::promise<HostAddress> answer;
+        const NameLookup lookup("a.example", [given = answer.get_future().share()](
+                                                 const std::string& /*host*/) { return given.get(); });
+        EXPECT_FALSE(lookup.EndsWithin(std::chrono::milliseconds(0)));
+        answer.set_value({0, 0x0100007F, "127.0.0.1"});
+        ASSERT_TRUE(lookup.EndsWithin(kLongest));
+        ASSERT_LT(std::chrono::steady_clock::now() - start, kLongest);
+        EXPECT_EQ(lookup.Found().text, "127.0.0.1");
+    }
 }
 
 TEST_F(TcpSocket, SendsNothingAsSuccess) {

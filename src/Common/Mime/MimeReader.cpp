@@ -97,7 +97,7 @@ std::string mime::ReadPart::Header(std::string_view name) const {
         if (isFound) value.append(" ").append(Trim(line));
         const std::size_t colon = line.find(':');
         if (isFound || isFolded || colon == kNone) continue;
-        isFound = Upper(Trim(line.substr(0, colon))) == Upper(name);
+        isFound = EqualNoCase(Trim(line.substr(0, colon)), name);
         if (isFound) value = Trim(line.substr(colon + 1));
     }
     return value;

@@ -1,6 +1,7 @@
 #include "Common/Wsp/WspCharsets.h"
 
 #include "foundation/CodePage.h"
+#include "foundation/Text.h"
 #include "foundation/Utf8.h"
 
 #include <algorithm>
@@ -9,16 +10,26 @@
 namespace {
 
 struct Row {
-    std::uint8_t charset;
-    std::uint32_t codePage;
+    std::uint16_t charset;
+    std::string_view name;
+    std::optional<std::uint32_t> codePage;  // of those whose number stands with contents
 };
 constexpr auto kRows = std::to_array<Row>({
-    {4, 1252},  // ISO 8859-1
-    {5, 28592},
-    {6, 28593},
-    {7, 28594},
-    {8, 28595},
-    {9, 28596},
+    {3, "us-ascii", {}},
+    {4, "iso-8859-1", 1252},
+    {5, "iso-8859-2", 28592},
+    {6, "iso-8859-3", 28593},
+    {7, "iso-8859-4", 28594},
+    {8, "iso-8859-5", 28595},
+    {9, "iso-8859-6", 28596},
+    {10, "iso-8859-7", {}},
+    {11, "iso-8859-8", {}},
+    {12, "iso-8859-9", {}},
+    {17, "shift_jis", {}},
+    {wsp::kUtf8, "utf-8", {}},
+    {1000, "iso-10646-ucs-2", {}},
+    {1015, "utf-16", {}},
+    {2026, "big5", {}},
 });
 
 // Two octets a character, the high one first unless a byte order mark says otherwise.
@@ -38,14 +49,19 @@ std::u16string FromUcs2(std::string_view text) {
 
 std::optional<std::uint32_t> wsp::CodePageOf(std::uint64_t charset) {
     const auto* const row = std::ranges::find(kRows, charset, &Row::charset);
-    if (row == kRows.end()) return std::nullopt;
-    return row->codePage;
+    return row != kRows.end() ? row->codePage : std::nullopt;
 }
 
 std::optional<std::uint8_t> wsp::CharsetOf(std::uint32_t codePage) {
     const auto* const row = std::ranges::find(kRows, codePage, &Row::codePage);
     if (row == kRows.end()) return std::nullopt;
-    return row->charset;
+    return static_cast<std::uint8_t>(row->charset);
+}
+
+std::uint64_t wsp::CharsetNamed(std::string_view name) {
+    const auto* const row =
+        std::ranges::find_if(kRows, [name](const Row& known) { return EqualNoCase(known.name, name); });
+    return row != kRows.end() ? row->charset : 0;
 }
 
 std::u16string wsp::WideText(std::string_view text, std::uint64_t charset) {

@@ -17,6 +17,9 @@ constexpr bool IsTwoOctets(std::uint64_t charset) { return charset == 1000 || ch
 std::optional<std::uint32_t> CodePageOf(std::uint64_t charset);
 std::optional<std::uint8_t> CharsetOf(std::uint32_t codePage);
 
+// The number of a character set by its name, in any case; 0 for one that is not known.
+std::uint64_t CharsetNamed(std::string_view name);
+
 // Text in a character set; 0 and what is not known count as UTF-8 when they can be that, else as ANSI.
 std::u16string WideText(std::string_view text, std::uint64_t charset);
 

@@ -2,7 +2,10 @@
 
 #include "Common/Wsp/WspCharsets.h"
 #include "Common/Wsp/WspContentTypes.h"
+#include "foundation/Text.h"
 
+#include <algorithm>
+#include <array>
 #include <limits>
 
 namespace {
@@ -32,48 +35,57 @@ std::string_view TextOf(const Value& value) {
     return value.kind == Value::Kind::kText ? Unquoted(value.octets) : std::string_view();
 }
 
-void ReadAssignedParameter(OctetReader& in, std::uint8_t number, ContentType& content) {
+void TakeCharset(const Value& value, ContentType& content) {
+    const bool isText = value.kind == Value::Kind::kText;
+    content.charset = isText ? CharsetNamed(TextOf(value)) : value.number;
+}
+void TakeName(const Value& value, ContentType& content) { content.name = TextOf(value); }
+void TakeFilename(const Value& value, ContentType& content) {
+    if (content.name.empty()) content.name = TextOf(value);
+}
+void TakeStart(const Value& value, ContentType& content) { content.start = TextOf(value); }
+void TakeBoundary(const Value& value, ContentType& content) { content.boundary = TextOf(value); }
+
+// The parameters that are read, by their numbers, of which some have another since version 1.4, and by their
+// names.
+struct Parameter {
+    std::string_view name;
+    std::uint8_t number, number14;  // 0 = none
+    void (*take)(const Value& value, ContentType& content);
+};
+constexpr auto kParameters = std::to_array<Parameter>({
+    {"charset", kCharset, 0, TakeCharset},
+    {"name", kName, 0x97, TakeName},
+    {"filename", 0x86, 0x98, TakeFilename},
+    {"start", kStart, 0x99, TakeStart},
+    {"boundary", 0, 0, TakeBoundary},
+});
+
+template <class IsWanted>
+void TakeParameter(const Value& value, ContentType& content, IsWanted isWanted) {
+    const auto* const parameter = std::ranges::find_if(kParameters, isWanted);
+    if (parameter != kParameters.end()) parameter->take(value, content);
+}
+
+void ReadParameter(OctetReader& in, ContentType& content) {
     constexpr std::uint8_t kQ = 0x80;
-    constexpr std::uint8_t kFilename = 0x86;
-    constexpr std::uint8_t kName14 = 0x97;
-    constexpr std::uint8_t kFilename14 = 0x98;
-    constexpr std::uint8_t kStart14 = 0x99;
-    if (number == kQ) {
+    if (in.Peek() == kQ) {
+        in.Skip(1);
         (void)ReadUintvar(in);
-        return;
-    }
-    const Value value = ReadValue(in);
-    switch (number) {
-        case kCharset:
-            if (value.kind != Value::Kind::kText) content.charset = value.number;
-            break;
-        case kName:
-        case kName14:
-            content.name = TextOf(value);
-            break;
-        case kFilename:
-        case kFilename14:
-            if (content.name.empty()) content.name = TextOf(value);
-            break;
-        case kStart:
-        case kStart14:
-            content.start = TextOf(value);
-            break;
-        default:
-            break;
+    } else if (in.Peek() >= kShort) {
+        const std::uint8_t number = in.Octet();
+        TakeParameter(ReadValue(in), content, [number](const Parameter& row) {
+            return number == row.number || number == row.number14;
+        });
+    } else {
+        const std::string_view name = TextOf(ReadValue(in));
+        TakeParameter(ReadValue(in), content,
+                      [name](const Parameter& row) { return EqualNoCase(name, row.name); });
     }
 }
 
 void ReadParameters(OctetReader& in, ContentType& content) {
-    while (!in.AtEnd()) {
-        if (in.Peek() >= kShort) {
-            ReadAssignedParameter(in, in.Octet(), content);
-        } else {
-            const std::string_view name = TextOf(ReadValue(in));
-            const std::string_view value = TextOf(ReadValue(in));
-            if (name == "boundary") content.boundary = value;
-        }
-    }
+    while (!in.AtEnd()) ReadParameter(in, content);
 }
 
 }  // namespace

@@ -64,6 +64,7 @@ Value ReadValue(OctetReader& in);
 // The number of a value that is one; 0 for a text.
 std::uint64_t ReadInteger(OctetReader& in);
 
+// The parameters by number or by name.
 struct ContentType {
     std::string_view type;
     std::string_view name;  // of the parameters Name or Filename

@@ -1,5 +1,6 @@
 #include "foundation/http/KorHttp.h"
 
+#include "foundation/Text.h"
 #include "foundation/http/HttpScheme.h"
 #include "foundation/http/HttpStatus.h"
 
@@ -27,6 +28,18 @@ std::uint32_t Milliseconds(std::uint32_t seconds) {
     return seconds >= Timer::kForever / 1000 ? Timer::kForever : seconds * 1000;
 }
 
+// Header lines without the one that names the host.
+std::string WithoutHost(std::string_view lines) {
+    constexpr std::string_view kName = "Host:";
+    constexpr std::string_view kLineEnd = "\r\n";
+    std::string rest;
+    for (const std::string_view line : Split(lines, kLineEnd)) {
+        if (line.empty() || EqualNoCase(line.substr(0, kName.size()), kName)) continue;
+        rest.append(line).append(kLineEnd);
+    }
+    return rest;
+}
+
 // What a failed send is to the callers.
 ResultCode SendFailure(std::uint32_t error) {
     switch (error) {
@@ -50,6 +63,7 @@ CKorHttp::~CKorHttp() { Close(); }
 ResultCode CKorHttp::Open(const std::string& url) {
     const HttpUrl parsed = HttpUrl::Parse(url);
     secure_ = settings.secure || parsed.scheme == HttpUrl::Scheme::kHttps;
+    firstHost_ = parsed.host;
     return OpenUrl(parsed);
 }
 
@@ -167,18 +181,20 @@ ResultCode CKorHttp::Answer(http::Peer peer, const Challenge& challenge) {
     return Failed(isProxy ? result::HttpProxyLogonFailed : result::HttpLogonFailed, "ACCOUNT", error);
 }
 
+std::string CKorHttp::Headers() const {
+    if (isPost_ && settings.postHeaders.empty()) return kFormHeader;
+    const std::string& lines = isPost_ ? settings.postHeaders : settings.getHeaders;
+    return EqualNoCase(url_.host, firstHost_) ? lines : WithoutHost(lines);
+}
+
 ResultCode CKorHttp::SendRequest(std::string_view body, const Timer& timer, Next& next) {
-    const std::string form(kFormHeader);
-    const std::string& headers = !isPost_                       ? settings.getHeaders
-                                 : settings.postHeaders.empty() ? form
-                                                                : settings.postHeaders;
     if (isPost_ && body.size() > kLongestLoggedBody) {
         Log(logmask::kVerbatim, "POST DATA           : [%ld Bytes]\n", static_cast<long>(body.size()));
     } else if (isPost_) {
         Log(logmask::kVerbatim, "POST DATA           : %s\n", std::string(body).c_str());
     }
     const std::uint32_t error =
-        transport_->Send(headers, isPost_ ? body : std::string_view(), timer.Remaining());
+        transport_->Send(Headers(), isPost_ ? body : std::string_view(), timer.Remaining());
     if (error == http::kOk) return result::Success;
     if (AsksForResend(error, next)) return result::Success;
     return Failed(SendFailure(error), "SEND", error);

@@ -19,6 +19,8 @@ struct HttpSettings {
     std::string proxy;           // "host:port"; empty = none
     http::Account proxyAccount;  // without a name, a proxy's challenge ends the request
     http::Account webAccount;
+    // Lines that go with every round. A line "Host:" among them is of the URL's host: where a redirect leads
+    // to another, the platform writes its own.
     std::string getHeaders;   // further lines of a GET
     std::string postHeaders;  // the content-type line of a POST, or several lines; empty = a form's
     std::string postText;     // the body of a POST; a request with none is a GET
@@ -89,10 +91,12 @@ class CKorHttp final : public CKorBase {
     void ReadErrorBody(const Timer& timer);
     ResultCode BodyFailure(ResultCode code, const Timer& timer, std::uint32_t error);
     ResultCode Failed(ResultCode code, const char* what, std::uint32_t error);
+    std::string Headers() const;
     void LogText(const char* format, const std::string& text);
 
     std::unique_ptr<HttpTransport> transport_;
     HttpUrl url_;
+    std::string firstHost_;  // that of the URL that was asked for, before any redirect
     bool secure_ = false;
     bool sessionOpen_ = false;
     std::string sessionProxy_;

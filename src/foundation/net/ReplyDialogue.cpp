@@ -43,7 +43,7 @@ int ReplyDialogue::SayText(std::string_view text, std::string_view shown) {
     if (std::exchange(wasHeard_, false)) {
         if (const int outcome = DropRest(); outcome != tcp::kSuccess) return outcome;
     }
-    return stream_->SendLine(std::string(text) + kReturn, manner_.sendTime, Timer::kForever);
+    return stream_->SendLine(std::string(text) + kReturn, manner_.sendTime, manner_.stillTime);
 }
 
 // Reads away what lies behind the last reply, and waits for the rest of its line.

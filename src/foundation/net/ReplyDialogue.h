@@ -23,6 +23,8 @@ struct DialogueManner {
     bool (*isEnd)(std::string_view piece);
 
     std::uint32_t sendTime;  // ms for a command to go out
+    // ms in which no octet of it goes out, which end it sooner.
+    std::uint32_t stillTime = Timer::kForever;
     // Octets only: ms that the next command waits for the end of the line in which a reply ended.
     std::uint32_t restOfLine;
     std::size_t longestLine;   // octets, about

@@ -84,6 +84,16 @@ inline constexpr auto kMmsUnits = std::to_array<MmsUnitRow>({
      "8C84 8D90 88 06 80 04 6553F100 84 0A 83 81 EA 85 'n.txt' 00 'Only text'",
      "X-Mms-Message-Type: 84\nX-Mms-MMS-Version: 90\nX-Mms-Expiry: 80 1700000000\n"
      "Content-Type: \"text/plain\"\nPart \"text/plain\" charset=106 id=\"\" location=\"n.txt\" 9 octets\n"},
+    {"m-retrieve-conf whose parts have their parameters spelled out",
+     "8C84 8D90 84 0B B3 'start' 00 '<s>' 00 03 "
+     "19 01 14 83 'charset' 00 'iso-8859-2' 00 C0 22 'i' 00 B1 "
+     "0D 01 0C 9E 'name' 00 'a.jpg' 00 'x' "
+     "19 01 9E AE 16 'attachment' 00 'filename' 00 'b' 00 'y'",
+     "X-Mms-Message-Type: 84\nX-Mms-MMS-Version: 90\n"
+     "Content-Type: \"application/vnd.wap.multipart.related\"\n"
+     "Part \"text/plain\" charset=5 id=\"i\" location=\"\" 1 octets\n"
+     "Part \"image/jpeg\" id=\"\" location=\"a.jpg\" 1 octets\n"
+     "Part \"image/jpeg\" id=\"\" location=\"b\" 1 octets\n"},
     {"m-retrieve-conf whose count is 0, with named headers, a code page shift and a disposition with a file "
      "name",
      "8C84 8D90 7F01 9081 84 B3 00 "

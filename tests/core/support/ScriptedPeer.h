@@ -52,6 +52,7 @@ class ScriptedPeer : public Stream {
     std::string heard;               // every octet that was sent to it
     std::size_t room = 100'000'000;  // octets that it still takes
     std::uint32_t writeTime = 0;     // ms that each taking takes
+    std::size_t mostTaken = room;    // octets that one taking takes
     int connectOutcome = tcp::kSuccess;
     std::uint32_t connectTime = 0;
 
@@ -74,7 +75,7 @@ class ScriptedPeer : public Stream {
     int Write(const char* data, std::size_t size) override {
         if (IsDue() && due_.front().act.kind == Act::Kind::kReset) return -net::kReset;
         clock_->Sleep(writeTime);
-        size = std::min(size, room);
+        size = std::min({size, room, mostTaken});
         if (size == 0) return -net::kWouldBlock;
         room -= size;
         heard.append(data, size);
