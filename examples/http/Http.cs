@@ -1,5 +1,6 @@
 // Sends one SMS through an HTTP gateway, whose requests two templates describe.
-// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll, then csc /r:NeltCtrl.Interop.dll /platform:x64 Http.cs
+// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll /namespace:NeltCtrl
+//        csc /r:NeltCtrl.Interop.dll /platform:x64 Http.cs
 using System;
 using System.Text.RegularExpressions;
 using NeltCtrl;
