@@ -34,7 +34,7 @@ SOURCES = ROOT / "src"
 PAGES = ROOT / "docs/reference"
 LISTING = ROOT / "tests/golden/reference.tsv"
 COMMON = SOURCES / "frame/CommonMembers.md"
-MADE = "<!-- Made by scripts/reference.py; what is written by hand stands in {}. -->\n"
+MADE = "<!-- Made by scripts/reference.py; what is written by hand stands {}. -->\n"
 TYPES = {"BSTR": "text", "LONG": "number", "VARIANT": "value", "VARIANT*": "value", "void": ""}
 COMMON_NAMES = ("LastError", "Version", "Build", "LogFile", "ActivityFile", "Module", "Clear", "GetErrorDescription")
 
@@ -246,7 +246,7 @@ def code_table(text, known, file):
 
 def page_of(cls, words, prog_id, library, known):
     constants = library.constants()
-    out = [MADE.format(f"[{words.file}](../../{words.file})").replace("[", "", 1).replace(f"](../../{words.file})", ""),
+    out = [MADE.format(f"in [{words.file}](../../{words.file})").replace("[", "", 1).replace(f"](../../{words.file})", ""),
            f"# {cls.name}\n", words.intro + "\n",
            "| | |\n|---|---|",
            f"| ProgID | `{prog_id}`, `{prog_id}.1` |",
@@ -280,7 +280,7 @@ def page_of(cls, words, prog_id, library, known):
 
 
 def constants_page(library):
-    out = [MADE.format("src/sms/SmsConstants.inc and src/mms/MmsConstants.inc"), "# Constants\n",
+    out = [MADE.format("in src/sms/SmsConstants.inc and src/mms/MmsConstants.inc"), "# Constants\n",
            "Every constant is a member of an enumeration of the type library, for languages that read it, and a property of "
            "[SmsConstants](SmsConstants.md) or [MmsConstants](MmsConstants.md), for those that do not.\n",
            "```vbscript run\nSet constants = CreateObject(\"Quorvane.SmsConstants\")\n"
@@ -297,7 +297,7 @@ def constants_page(library):
 
 
 def codes_page(groups, givers):
-    out = [MADE.format("src/foundation/ErrorTexts.inc and beside each class's IDL"), "# Result codes\n",
+    out = [MADE.format("in src/foundation/ErrorTexts.inc and beside each class's IDL"), "# Result codes\n",
            "`LastError` of an object is the code of its last method call; `GetErrorDescription` of any object gives the text "
            "of any code, \"Generic Error\" for every number that is not below. The spelling of the texts is part of them. "
            "Besides the codes of its own, any method can give [1040](#1040) when there is no memory, and [1100](#1100) for a fault of "

@@ -1,6 +1,7 @@
 // Sends an alarm and sees to it that somebody has it: to the first number, and when its phone does not confirm within a
 // minute, to the next.
-// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll, then csc /r:NeltCtrl.Interop.dll /platform:x64 Alarm.cs
+// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll /namespace:NeltCtrl
+//        csc /r:NeltCtrl.Interop.dll /platform:x64 Alarm.cs
 using System;
 using System.Text.RegularExpressions;
 using System.Threading;

@@ -1,9 +1,10 @@
 // Sends an alarm and sees to it that somebody has it: to the first number, and when its phone does not
 // confirm within a minute, to the next. Early bound through the vtable; NeltCtrl.h comes from the type
-// library (include/ of the package, or build/windows/generated).
+// library: it is in include/ of the package.
 #include "NeltCtrl.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <regex>
 #include <string>
 #include <windows.h>

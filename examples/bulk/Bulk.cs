@@ -1,5 +1,6 @@
 // Sends one text to all numbers of a file, a line each, at a steady rate, and tells at the end what became of it.
-// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll, then csc /r:NeltCtrl.Interop.dll /platform:x64 Bulk.cs
+// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll /namespace:NeltCtrl
+//        csc /r:NeltCtrl.Interop.dll /platform:x64 Bulk.cs
 using System;
 using System.Collections.Generic;
 using System.Diagnostics;

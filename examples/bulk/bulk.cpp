@@ -1,10 +1,11 @@
-// Sends one text to all numbers of a file, a line each, at a steady rate, and tells at the end what became of
-// it. Early bound through the vtable; NeltCtrl.h comes from the type library (include/ of the package, or
-// build/windows/generated).
+// Sends one text to all numbers of a file, a line each, at a steady rate, and tells at the end what became
+// of it. Early bound through the vtable; NeltCtrl.h comes from the type library: it is in include/ of the
+// package.
 #include "NeltCtrl.h"
 
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <map>

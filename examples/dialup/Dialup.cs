@@ -1,5 +1,6 @@
 // Sends one message through a dialled provider.
-// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll, then csc /r:NeltCtrl.Interop.dll /platform:x64 Dialup.cs
+// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll /namespace:NeltCtrl
+//        csc /r:NeltCtrl.Interop.dll /platform:x64 Dialup.cs
 using System;
 using NeltCtrl;
 

@@ -1,8 +1,9 @@
 // Sends one message through a dialled provider. Early bound through the vtable; NeltCtrl.h comes from the
-// type library (include/ of the package, or build/windows/generated).
+// type library: it is in include/ of the package.
 #include "NeltCtrl.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <windows.h>
 

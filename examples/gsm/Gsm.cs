@@ -1,5 +1,6 @@
 // SMS through a GSM modem.
-// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll, then csc /r:NeltCtrl.Interop.dll /platform:x64 Gsm.cs
+// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll /namespace:NeltCtrl
+//        csc /r:NeltCtrl.Interop.dll /platform:x64 Gsm.cs
 using System;
 using System.Collections.Generic;
 using System.Text.RegularExpressions;

@@ -1,9 +1,9 @@
 // SMS through a GSM modem.
-// Early bound through the vtable; NeltCtrl.h comes from the type library (include/ of the package, or
-// build/windows/generated).
+// Early bound through the vtable; NeltCtrl.h comes from the type library: it is in include/ of the package.
 #include "NeltCtrl.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <regex>
 #include <string>
 #include <windows.h>

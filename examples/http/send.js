@@ -13,7 +13,8 @@ var gateway = new ActiveXObject("Quorvane.SmsProtocolHttp");
 gateway.ProviderHost = WScript.Arguments.Item(0);
 gateway.ProviderPort = Number(WScript.Arguments.Item(1));
 // The templates: a request as the provider describes it, from behind "host/", with a placeholder where the number and
-// where the text stand. What follows "?" is posted. These are for lab/gateway.py; docs/http.md has all placeholders.
+// where the text stand. What follows "?" is posted. These are for a gateway that answers OK or ERROR; docs/http.md has
+// all placeholders.
 gateway.URLText = "send?to=%MESSAGERECIPIENT%&text=%MESSAGEDATA%";
 gateway.URLUnicode = "send?to=%MESSAGERECIPIENT%&ucs2=%MESSAGEDATA%";
 gateway.ProviderSuccessResponse = "OK";

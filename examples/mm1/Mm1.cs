@@ -1,6 +1,7 @@
 // Multimedia messages as a handset sends and fetches them (docs/mm1.md).
 // A modem that is given by its name in Windows dials; without one, or with a port, the connection of the machine is used.
-// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll, then csc /r:NeltCtrl.Interop.dll /platform:x64 Mm1.cs
+// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll /namespace:NeltCtrl
+//        csc /r:NeltCtrl.Interop.dll /platform:x64 Mm1.cs
 using System;
 using System.Collections.Generic;
 using System.IO;

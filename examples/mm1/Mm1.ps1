@@ -29,7 +29,7 @@ switch ($Job) {
         $message.Subject = 'A picture'
         $message.AddRecipient($First)
         Check $message
-        $message.AddSlide($slide)
+        $message.AddSlide([ref]$slide)
         $mm1.Connect()
         Check $mm1
         try {

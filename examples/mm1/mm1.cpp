@@ -1,10 +1,10 @@
 // Multimedia messages as a handset sends and fetches them (docs/mm1.md). A modem that is given by its name in
 // Windows dials; without one, or with a port, the connection of the machine is used.
-// Early bound through the vtable; NeltCtrl.h comes from the type library (include/ of the package, or
-// build/windows/generated).
+// Early bound through the vtable; NeltCtrl.h comes from the type library: it is in include/ of the package.
 #include "NeltCtrl.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <regex>
 #include <string>
 #include <vector>

@@ -1,5 +1,6 @@
 // Sends a text and pictures to a peer MMS server.
-// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll, then csc /r:NeltCtrl.Interop.dll /platform:x64 Mm4.cs
+// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll /namespace:NeltCtrl
+//        csc /r:NeltCtrl.Interop.dll /platform:x64 Mm4.cs
 using System;
 using System.Linq;
 using NeltCtrl;

@@ -1,5 +1,6 @@
 // Submits a picture message to the MMS centre whose settings are in a file (docs/mm7.md).
-// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll, then csc /r:NeltCtrl.Interop.dll /platform:x64 Mm7.cs
+// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll /namespace:NeltCtrl
+//        csc /r:NeltCtrl.Interop.dll /platform:x64 Mm7.cs
 using System;
 using NeltCtrl;
 

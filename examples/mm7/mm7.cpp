@@ -1,6 +1,5 @@
 // Submits a picture message to the MMS centre whose settings are in a file (docs/mm7.md).
-// Early bound through the vtable; NeltCtrl.h comes from the type library (include/ of the package, or
-// build/windows/generated).
+// Early bound through the vtable; NeltCtrl.h comes from the type library: it is in include/ of the package.
 #include "NeltCtrl.h"
 
 #include <cstdio>

@@ -1,8 +1,9 @@
 // Sends one page through a paging server. Early bound through the vtable; NeltCtrl.h comes from the type
-// library (include/ of the package, or build/windows/generated).
+// library: it is in include/ of the package.
 #include "NeltCtrl.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <windows.h>
 

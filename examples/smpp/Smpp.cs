@@ -1,5 +1,6 @@
 // SMS through an SMPP server.
-// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll, then csc /r:NeltCtrl.Interop.dll /platform:x64 Smpp.cs
+// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll /namespace:NeltCtrl
+//        csc /r:NeltCtrl.Interop.dll /platform:x64 Smpp.cs
 using System;
 using System.Text.RegularExpressions;
 using NeltCtrl;

@@ -1,6 +1,7 @@
 // Answers every text that comes from a number, until Ctrl-C or until so many are answered. What was answered is deleted;
 // what could not be answered is tried again. All else (data, MMS notifications, texts from names) stays on the device.
-// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll, then csc /r:NeltCtrl.Interop.dll /platform:x64 Answer.cs
+// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll /namespace:NeltCtrl
+//        csc /r:NeltCtrl.Interop.dll /platform:x64 Answer.cs
 using System;
 using System.Text.RegularExpressions;
 using System.Threading;

@@ -1,11 +1,12 @@
-// Answers every text that comes from a number, until Ctrl-C or until so many are answered. What was answered
-// is deleted; what could not be answered is tried again. All else (data, MMS notifications, texts from names)
-// stays on the device. Early bound through the vtable; NeltCtrl.h comes from the type library
-// (include/ of the package, or build/windows/generated).
+// Answers every text that comes from a number, until Ctrl-C or until so many are answered. What was
+// answered is deleted; what could not be answered is tried again. All else (data, MMS notifications, texts
+// from names) stays on the device. Early bound through the vtable; NeltCtrl.h comes from the type library:
+// it is in include/ of the package.
 #include "NeltCtrl.h"
 
 #include <climits>
 #include <cstdio>
+#include <cstdlib>
 #include <regex>
 #include <string>
 #include <windows.h>

@@ -1,5 +1,6 @@
 // Sends a text with a link that the phone offers to open.
-// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll, then csc /r:NeltCtrl.Interop.dll /platform:x64 Push.cs
+// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll /namespace:NeltCtrl
+//        csc /r:NeltCtrl.Interop.dll /platform:x64 Push.cs
 using System;
 using System.Text.RegularExpressions;
 using NeltCtrl;

@@ -1,9 +1,10 @@
 // Sends a text with a link that the phone offers to open. Early bound through the vtable; NeltCtrl.h comes
-// from the type library (include/ of the package, or build/windows/generated).
+// from the type library: it is in include/ of the package.
 #include "NeltCtrl.h"
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <windows.h>
 

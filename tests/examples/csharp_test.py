@@ -8,6 +8,7 @@ import unittest
 sys.path.insert(0, str(pathlib.Path(__file__).parent))
 import interface  # noqa: E402
 
+NAMESPACE = "NeltCtrl"  # of what the importer makes: the name of its output, unless it is told another
 # What the importer of Windows makes of each type.
 TYPES = {"LONG": "int", "BSTR": "string", "VARIANT": "object", "VARIANT*": "ref object", "void": "void"}
 
@@ -25,7 +26,7 @@ def declarations(member):
 
 def imported(types):
     """The source of the assembly that tlbimp makes of the type library, as far as a program sees it."""
-    lines = ["using System.Runtime.InteropServices;", "namespace NeltCtrl {"]
+    lines = ["using System.Runtime.InteropServices;", f"namespace {NAMESPACE} {{"]
     for one in types.values():
         if one.kind == "enum":
             lines += [f"public enum {one.name} {{", *(f"{name} = {value}," for name, value in one.members.items()), "}"]
@@ -67,6 +68,13 @@ class Compile(unittest.TestCase):
             with self.subTest(source.name):
                 done = self.compile(source)
                 self.assertEqual((done.returncode, done.stdout), (0, ""))
+
+    def test_each_tells_the_commands_that_make_the_assembly_it_uses(self):
+        for source in sorted(interface.EXAMPLES.glob("*/*.cs")):
+            with self.subTest(source.name):
+                self.assertIn(f"// Build: tlbimp NeltCtrlx64.dll /out:{self.interop.name} /namespace:{NAMESPACE}\n"
+                              f"//        csc /r:{self.interop.name} /platform:x64 {source.name}\n",
+                              source.read_text(encoding="utf-8"))
 
     def test_what_the_component_lacks_does_not_compile(self):
         alarm = (interface.EXAMPLES / "alarm/Alarm.cs").read_text(encoding="utf-8")

@@ -88,7 +88,7 @@ NONSENSE = [
     "alarm/alarm.py COM5 text", "wap-push/push.py COM5 1 2", "mm7/mm7.py provider.ini 1 text",
     "bulk/bulk.py host abc user password numbers.txt text", "bulk/bulk.py host 2775 user password numbers.txt text fast",
     "bulk/bulk.py host -1 user password numbers.txt text", "two-way/answer.py COM5 text abc", "two-way/answer.py COM5 text 1 -1",
-    "http/http.py host abc 1 text", "pager/pager.py host 4444x 1 text", "mm4/mm4.py host abc account password 1 domain text",
+    "http/gateway.py host abc 1 text", "pager/pager.py host 4444x 1 text", "mm4/mm4.py host abc account password 1 domain text",
     "dialup/dialup.py COM5 foo 1 2 text", "gsm/gsm.py foo COM5", "gsm/gsm.py send COM5 1", "gsm/gsm.py pin COM5",
     "gsm/gsm.py receive COM5 1", "smpp/smpp.py foo host 2775 user password", "smpp/smpp.py send host 2775 user password 1",
     "smpp/smpp.py send host abc user password 1 text", "smpp/smpp.py receive host 2775 user password abc",

@@ -13,7 +13,7 @@ TEXTS = ("gsm", "smpp", "http", "alarm", "two-way", "bulk")  # where texts of us
 PROGRAMS = {  # what each tells of its arguments
     "gsm_example": r"send [^\n]* \| receive [^\n]*",
     "smpp_example": r"send [^\n]* \| receive [^\n]*",
-    "http_example": r"127\.0\.0\.1 8080 [^\n]*",
+    "gateway_example": r"127\.0\.0\.1 8080 [^\n]*",
     "dialup_example": r"COM5 ucp\|tap [^\n]*",
     "mm4_example": r"127\.0\.0\.1 2525 [^\n]*",
     "pager_example": r"127\.0\.0\.1 4444 [^\n]*",
@@ -37,7 +37,7 @@ NONSENSE = [
     (("bulk/bulk.vbs", "bulk/bulk.js", "bulk_example"), ("127.0.0.1", "abc", *ACCOUNT, NUMBERS, "Hi"), USAGE),
     (("smpp/send.vbs", "smpp/send.js", "smpp_example send"), ("127.0.0.1", "abc", *ACCOUNT, "+31612345678", "Hi"), USAGE),
     (("smpp/receive.vbs", "smpp/receive.js", "smpp_example receive"), ("127.0.0.1", "abc", *ACCOUNT), USAGE),
-    (("http/send.vbs", "http/send.js", "http_example"), ("127.0.0.1", "abc", "+31612345678", "Hi"), USAGE),
+    (("http/send.vbs", "http/send.js", "gateway_example"), ("127.0.0.1", "abc", "+31612345678", "Hi"), USAGE),
     (("mm4/send.vbs", "mm4/send.js", "mm4_example"), ("127.0.0.1", "abc", *MM4), USAGE),
     (("bulk/bulk.vbs", "bulk/bulk.js", "bulk_example"), (*SERVER, *ACCOUNT, NUMBERS, "Hi", "fast"), USAGE),
     (("bulk/bulk.vbs", "bulk/bulk.js", "bulk_example"), (*SERVER, *ACCOUNT, "none.txt", "Hi"), UNREADABLE),

@@ -40,7 +40,7 @@ class Examples(unittest.TestCase):
         return wine.run(name, *arguments) if name.endswith(".exe") else wine.script(EXAMPLES / name, *arguments)
 
     def test_no_letter_is_lost(self):
-        for name in ("send.vbs", "send.js", "http_example.exe"):
+        for name in ("send.vbs", "send.js", "gateway_example.exe"):
             with self.subTest(name), gateway() as server:
                 for number, text in enumerate((wine.GSM_TEXT, wine.UNICODE_TEXT), 1001):
                     code, output = self.send(name, "127.0.0.1", server.port, "+31612345678", text)
@@ -49,14 +49,14 @@ class Examples(unittest.TestCase):
                                  [(wine.GSM_TEXT, False), (wine.UNICODE_TEXT, True)])
 
     def test_an_account_is_given(self):
-        for name in ("send.vbs", "send.js", "http_example.exe"):
+        for name in ("send.vbs", "send.js", "gateway_example.exe"):
             with self.subTest(name), gateway("--account", "demo:secret") as server:
                 code, output = self.send(name, "127.0.0.1", server.port, "+31612345678", "Hi", "demo", "secret")
                 self.assertEqual((code, output.strip()), (0, "Answer: OK 1001"))
                 self.assertEqual(self.send(name, "127.0.0.1", server.port, "+31612345678", "Hi")[0], 1)
 
     def test_a_failure_is_told(self):
-        for name in ("send.vbs", "send.js", "http_example.exe"):
+        for name in ("send.vbs", "send.js", "gateway_example.exe"):
             with self.subTest(name), gateway(rules=[{"match": "POST", "do": "answer", "body": "ERROR: 5"}]) as server:
                 code, output = self.send(name, "127.0.0.1", server.port, "+31612345678", "Hi")
                 self.assertEqual(code, 1)

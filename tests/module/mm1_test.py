@@ -232,9 +232,8 @@ class Examples(unittest.TestCase):
     def test_they_send_and_receive(self):
         with mmsc(*Fetching.STORED) as server, wine.folder() as path, \
                 modem(122, "--message", "mms SM +31611111111 http://mmsc.example.org/m1 Our holiday"):
-            (path / "provider.ini").write_text(
-                f"[Provider]\nProviderWAPGateway=http://127.0.0.1:{server.port}\nProviderMMSC=http://mmsc.example.org/mms\n",
-                encoding="ascii")
+            settings = (EXAMPLES / "provider.ini").read_text(encoding="ascii")
+            (path / "provider.ini").write_text(settings.replace("8090", str(server.port)), encoding="ascii")
             (path / "p.jpg").write_bytes(JPEG)
             provider, picture, there = (wine.windows_path(path / name) for name in ("provider.ini", "p.jpg", ""))
             sending = (provider, "+31612345678", "Hello", picture)

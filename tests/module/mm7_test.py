@@ -234,11 +234,13 @@ class Examples(unittest.TestCase):
             with self.subTest(name), mmsc(rules=rules) as server, wine.folder() as path:
                 (path / "picture.jpg").write_bytes(counting(1000))
                 provider = path / "provider.ini"
-                provider.write_text(f"[Provider]\nProviderHost=http://127.0.0.1:{server.port}/mm7\n", encoding="ascii")
+                settings = (EXAMPLES / "provider.ini").read_text(encoding="ascii")
+                provider.write_text(settings.replace("8090", str(server.port)), encoding="ascii")
                 arguments = (wine.windows_path(provider), "+31612345678", wine.GSM_TEXT.replace("Ω", "o"),
                              wine.windows_path(path / "picture.jpg"))
                 self.assertEqual(self.send(name, *arguments), (0, "Sent, message id 1@mmsc.lab\n"))
                 sent, = server.messages()
+                self.assertEqual((sent["vasp"], sent["vas"]), ("acme", "news"))
                 self.assertEqual([(part["size"], part["name"]) for part in sent["parts"][2:]], [(1000, "picture.jpg")])
                 code, output = self.send(name, *arguments)
                 self.assertEqual(code, 1)

@@ -1,5 +1,6 @@
 """The packages: the same twice, installed and used and removed, used without registration, and signed. In a prefix of its own,
 in which nothing is registered."""
+import contextlib
 import os
 import pathlib
 import re
@@ -34,6 +35,15 @@ def package(*arguments, root=wine.ROOT, folder=FOLDER, umask=-1, **surroundings)
     subprocess.run([sys.executable, root / "packaging/package.py", root / "build/windows", folder, *arguments], check=True,
                    umask=umask, env={**os.environ, **surroundings})
     return folder
+
+
+@contextlib.contextmanager
+def unpacked():
+    """The folder of the archive's files."""
+    with tempfile.TemporaryDirectory(dir=FOLDER) as path:
+        with zipfile.ZipFile(FOLDER / f"{NAME}.zip") as archive:
+            archive.extractall(path)
+        yield pathlib.Path(path).resolve() / NAME
 
 
 def registry():
@@ -112,16 +122,22 @@ class Packages(unittest.TestCase):
                               "docs/installing.md", "examples/gsm/send.vbs", "examples/regfree/program.manifest"}, set(names))
         self.assertFalse([name for name in names if re.search("CMake|pycache|~$", name)])
 
-    def test_the_documents_lead_to_what_is_in_the_package_alone(self):
-        with tempfile.TemporaryDirectory(dir=FOLDER) as path:
-            with zipfile.ZipFile(FOLDER / f"{NAME}.zip") as archive:
-                archive.extractall(path)
-            root = pathlib.Path(path).resolve() / NAME
-            documents = sorted(root.rglob("*.md"))
-            self.assertEqual(markdown.broken_links(documents, root), [])
+    def test_what_is_written_leads_to_what_is_in_the_package_alone(self):
+        with unpacked() as root:
+            self.assertEqual(markdown.broken_links(sorted(root.rglob("*.md")), root), [])
             of_sources = re.compile(r"\b(lab|scripts|tests|src|build)/|\w+\.sh\b|<!--")
-            self.assertEqual([(file.name, found[0]) for file in documents
+            written = [*root.rglob("*.md"), *(path for path in root.rglob("examples/*/*") if path.suffix != ".manifest")]
+            self.assertEqual([(file.name, found[0]) for file in sorted(written)
                               for found in of_sources.finditer(file.read_text(encoding="utf-8"))], [])
+
+    def test_a_program_is_built_as_the_examples_say(self):
+        with unpacked() as root:
+            told = re.search(r"^g\+\+ (.*)$", (root / "examples/README.md").read_text(encoding="utf-8"), re.M)[1].split()
+            built = subprocess.run(["x86_64-w64-mingw32-g++-posix", *told], cwd=root / "examples/alarm", stdout=subprocess.PIPE,
+                                   stderr=subprocess.STDOUT, text=True, check=False)
+            self.assertEqual((built.returncode, built.stdout), (0, ""))
+            code, output = wine.run(wine.windows_path(root / "examples/alarm/alarm_example.exe"))
+            self.assertEqual((code, output.split()[0]), (2, "alarm_example"))
 
 
 class Installed(unittest.TestCase):

@@ -1,5 +1,6 @@
 // Sends one SMS through an HTTP gateway, whose requests two templates describe.
-// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll, then csc /r:NeltCtrl.Interop.dll /platform:x64 Http.cs
+// Build: tlbimp NeltCtrlx64.dll /out:NeltCtrl.Interop.dll /namespace:NeltCtrl
+//        csc /r:NeltCtrl.Interop.dll /platform:x64 Gateway.cs
 using System;
 using System.Text.RegularExpressions;
 using NeltCtrl;
@@ -16,16 +17,16 @@ static class Program
         ushort port = 0;
         if (args.Length < 4 || !ushort.TryParse(args[1], out port))
         {
-            Console.WriteLine(@"Http.exe 127.0.0.1 8080 +31612345678 ""The text"" [account password]");
+            Console.WriteLine(@"Gateway.exe 127.0.0.1 8080 +31612345678 ""The text"" [account password]");
             Environment.Exit(2);
         }
         var gateway = new SmsProtocolHttp
         {
             ProviderHost = args[0],
             ProviderPort = port,
-            // The templates: a request as the provider describes it, from behind "host/", with a placeholder
-            // where the number and where the text stand. What follows "?" is posted. These are for
-            // lab/gateway.py; docs/http.md has all placeholders.
+            // The templates: a request as the provider describes it, from behind "host/", with a placeholder where
+            // the number and where the text stand. What follows "?" is posted. These are for a gateway that answers
+            // OK or ERROR; docs/http.md has all placeholders.
             URLText = "send?to=%MESSAGERECIPIENT%&text=%MESSAGEDATA%",
             URLUnicode = "send?to=%MESSAGERECIPIENT%&ucs2=%MESSAGEDATA%",
             ProviderSuccessResponse = "OK",

@@ -1,8 +1,9 @@
 // Sends one SMS through an HTTP gateway, whose requests two templates describe. Early bound through the
-// vtable; NeltCtrl.h comes from the type library (include/ of the package, or build/windows/generated).
+// vtable; NeltCtrl.h comes from the type library: it is in include/ of the package.
 #include "NeltCtrl.h"
 
 #include <cstdio>
+#include <cstdlib>
 #include <regex>
 #include <string>
 #include <windows.h>
@@ -73,16 +74,16 @@ bool IsNumber(const std::wstring& text) {
 
 int wmain(int argc, wchar_t** argv) {
     if (argc < 5 || !IsNumber(argv[2])) {
-        std::puts(R"(http_example 127.0.0.1 8080 +31612345678 "The text" [account password])");
+        std::puts(R"(gateway_example 127.0.0.1 8080 +31612345678 "The text" [account password])");
         return 2;
     }
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     ISmsProtocolHttp* gateway = New<SmsProtocolHttp, ISmsProtocolHttp>();
     gateway->put_ProviderHost(Text(argv[1]));
     gateway->put_ProviderPort(std::stoi(argv[2]));
-    // The templates: a request as the provider describes it, from behind "host/", with a placeholder
-    // where the number and where the text stand. What follows "?" is posted. These are for
-    // lab/gateway.py; docs/http.md has all placeholders.
+    // The templates: a request as the provider describes it, from behind "host/", with a placeholder where
+    // the number and where the text stand. What follows "?" is posted. These are for a gateway that answers
+    // OK or ERROR; docs/http.md has all placeholders.
     gateway->put_URLText(Text(L"send?to=%MESSAGERECIPIENT%&text=%MESSAGEDATA%"));
     gateway->put_URLUnicode(Text(L"send?to=%MESSAGERECIPIENT%&ucs2=%MESSAGEDATA%"));
     gateway->put_ProviderSuccessResponse(Text(L"OK"));

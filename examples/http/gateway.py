@@ -1,4 +1,4 @@
-"""http.py 127.0.0.1 8080 +31612345678 "The text" [account password]
+"""gateway.py 127.0.0.1 8080 +31612345678 "The text" [account password]
 
 Needs pywin32. Sends one SMS through an HTTP gateway, whose requests two templates describe.
 """
@@ -16,9 +16,9 @@ def send(server, port, recipient, text, account="", password=""):
     gateway = win32com.client.Dispatch("Quorvane.SmsProtocolHttp")
     gateway.ProviderHost = server
     gateway.ProviderPort = int(port)
-    # The templates: a request as the provider describes it, from behind "host/", with a placeholder
-    # where the number and where the text stand. What follows "?" is posted. These are for
-    # lab/gateway.py; docs/http.md has all placeholders.
+    # The templates: a request as the provider describes it, from behind "host/", with a placeholder where the number
+    # and where the text stand. What follows "?" is posted. These are for a gateway that answers OK or ERROR;
+    # docs/http.md has all placeholders.
     gateway.URLText = "send?to=%MESSAGERECIPIENT%&text=%MESSAGEDATA%"
     gateway.URLUnicode = "send?to=%MESSAGERECIPIENT%&ucs2=%MESSAGEDATA%"
     gateway.ProviderSuccessResponse = "OK"

@@ -2,7 +2,7 @@
 param([string]$Server, [int]$Port, [string]$Recipient, [string]$Text, [string]$Account, [string]$Password)
 
 if (-not $Text) {
-    'Http.ps1 127.0.0.1 8080 +31612345678 "The text" [account password]'
+    'Gateway.ps1 127.0.0.1 8080 +31612345678 "The text" [account password]'
     exit 2
 }
 $beyondGsm =
@@ -12,7 +12,8 @@ $gateway = New-Object -ComObject Quorvane.SmsProtocolHttp
 $gateway.ProviderHost = $Server
 $gateway.ProviderPort = $Port
 # The templates: a request as the provider describes it, from behind "host/", with a placeholder where the number and
-# where the text stand. What follows "?" is posted. These are for lab/gateway.py; docs/http.md has all placeholders.
+# where the text stand. What follows "?" is posted. These are for a gateway that answers OK or ERROR; docs/http.md has
+# all placeholders.
 $gateway.URLText = 'send?to=%MESSAGERECIPIENT%&text=%MESSAGEDATA%'
 $gateway.URLUnicode = 'send?to=%MESSAGERECIPIENT%&ucs2=%MESSAGEDATA%'
 $gateway.ProviderSuccessResponse = 'OK'
