@@ -142,8 +142,8 @@ ResultCode CMm1Protocol::Connect() {
 }
 
 void CMm1Protocol::LogSettings() {
-    Log(logmask::kVerbatim, "Velqar Build %s, Device=[%s]\n", product::kBuild, settings.device.c_str());
-    const std::pair<const char*, std::string> lines[] = {
+    const std::pair<std::string, std::string> lines[] = {
+        {"Velqar Build " + std::string(product::kBuild) + ", Device=[%s]\n", settings.device},
         {"Access Point Name     = [%s]\n", settings.accessPoint},
         {"Access Point Account  = [%s]\n", settings.account},
         {"Access Point Password = [%s]\n", Shown(settings.password)},
