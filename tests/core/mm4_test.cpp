@@ -8,6 +8,7 @@
 #include "mms/MmsProtocolMm4.h"
 #include "mms/MmsSlide.h"
 #include "mms/MmsVersions.h"
+#include "support/LogEntries.h"
 #include "support/ScriptedPeer.h"
 #include "support/TemporaryFolder.h"
 
@@ -598,30 +599,42 @@ TEST_F(Mm4, WritesItsLog) {
     channel->SetActivityFile(activity);
     channel->SetAdvancedSettings("MaskPasswords=1");
     ASSERT_EQ(channel->Send(&message), result::Success);
-    const std::string at = "[22:13:20]  ";
-    EXPECT_EQ(
-        TemporaryFolder::Read(file),
-        at + "Maximum MMS size is set to 350000 bytes\n" + at + std::string(118, '-') + "\n" + at +
-            "CONNECT [Velqar Build 5.3.10.1123 (x64)], Server=[mail.example.org:25], Result=[Success]\n" +
-            at + "RESPONSE: 220-here is\n" + at + "RESPONSE: 220 a server\n" + at + "COMMAND : HELO " +
-            ComputerName() + "\n" + at + "RESPONSE: 250 hello\n" + at + "COMMAND : AUTH LOGIN\n" + at +
-            "RESPONSE: 334 VXNlcm5hbWU6\n" + at + "COMMAND : YWNjb3VudA==\n" + at +
-            "RESPONSE: 334 UGFzc3dvcmQ6\n" + at + "COMMAND : ****\n" + at + "RESPONSE: 235 you are\n" + at +
-            "COMMAND : MAIL FROM: <31600000001@example.net>\n" + at + "RESPONSE: 250 sender\n" + at +
-            "COMMAND : RCPT TO: <31612345678@example.net>\n" + at + "RESPONSE: 250 recipient\n" + at +
-            "COMMAND : DATA\n" + at + "RESPONSE: 354 go on\n" + at + "COMMAND : <MESSAGE DATA>\n" + at +
-            "RESPONSE: 250-first\n" + at + "RESPONSE: 250 last\n" + at + "COMMAND : QUIT\n" + at +
-            "RESPONSE: 221 bye\n" + at + "DISCONNECTED\n");
-    const std::string entries = TemporaryFolder::Read(activity);
-    std::size_t from = 0;
-    for (const char* entry : {"MM4 Submitting message...", "MM4 Connecting server (mail.example.org)...",
-                              "CONNECT Server=[mail.example.org:25], Result=[Success]", "COMMAND : ****",
-                              "MM4 Submitting message...", "COMMAND : <MESSAGE DATA>", "DISCONNECTED",
-                              "MM4 Message successfully submitted."}) {
-        from = entries.find(entry, from);
-        ASSERT_NE(from, std::string::npos) << entry;
-    }
-    EXPECT_EQ(entries.find("c2VjcmV0"), std::string::npos);
+    using logmask::kActivity, logmask::kLog, logmask::kVerbatim;
+    constexpr unsigned kBoth = kLog | kActivity;
+    const std::vector<Entry> entries{
+        {kActivity, "MM4 Submitting message..."},
+        {kVerbatim, "Maximum MMS size is set to 350000 bytes"},
+        {kActivity, "MM4 Connecting server (mail.example.org)..."},
+        {kLog, std::string(118, '-')},
+        {kLog, "CONNECT [Velqar Build 5.3.10.1123 (x64)], Server=[mail.example.org:25], Result=[Success]"},
+        {kActivity, "CONNECT Server=[mail.example.org:25], Result=[Success]"},
+        {kBoth, "RESPONSE: 220-here is"},
+        {kBoth, "RESPONSE: 220 a server"},
+        {kBoth, "COMMAND : HELO " + ComputerName()},
+        {kBoth, "RESPONSE: 250 hello"},
+        {kBoth, "COMMAND : AUTH LOGIN"},
+        {kBoth, "RESPONSE: 334 VXNlcm5hbWU6"},
+        {kBoth, "COMMAND : YWNjb3VudA=="},
+        {kBoth, "RESPONSE: 334 UGFzc3dvcmQ6"},
+        {kBoth, "COMMAND : ****"},
+        {kBoth, "RESPONSE: 235 you are"},
+        {kActivity, "MM4 Submitting message..."},
+        {kBoth, "COMMAND : MAIL FROM: <31600000001@example.net>"},
+        {kBoth, "RESPONSE: 250 sender"},
+        {kBoth, "COMMAND : RCPT TO: <31612345678@example.net>"},
+        {kBoth, "RESPONSE: 250 recipient"},
+        {kBoth, "COMMAND : DATA"},
+        {kBoth, "RESPONSE: 354 go on"},
+        {kBoth, "COMMAND : <MESSAGE DATA>"},
+        {kBoth, "RESPONSE: 250-first"},
+        {kBoth, "RESPONSE: 250 last"},
+        {kBoth, "COMMAND : QUIT"},
+        {kBoth, "RESPONSE: 221 bye"},
+        {kBoth, "DISCONNECTED"},
+        {kActivity, "MM4 Message successfully submitted."},
+    };
+    EXPECT_EQ(LogEntries(file), TextsWith(entries, kLog | kVerbatim));
+    EXPECT_EQ(ActivityEntries(activity), TextsWith(entries, kActivity));
 
     // A short password is hidden too, and without the setting none is.
     const std::string shortFile = folder.File("short.txt");
@@ -638,10 +651,13 @@ TEST_F(Mm4, WritesItsLog) {
     channel->SetMessageSizeLimit(0);
     channel->SetActivityFile(activity);
     EXPECT_EQ(channel->Send(&message), 34133);
-    EXPECT_NE(TemporaryFolder::Read(shortFile).find("Data size exceeds MMS size limit ("), std::string::npos);
-    EXPECT_NE(TemporaryFolder::Read(activity).find(
-                  "MM4 Error submitting message (Size of MMS message exceeds the maximum message size)."),
-              std::string::npos);
+    EXPECT_EQ(LogEntries(shortFile).back(), "Data size exceeds MMS size limit (" +
+                                                std::to_string(message.EncodedMessage.size() * 3 / 4) +
+                                                " bytes)");
+    EXPECT_EQ(ActivityEntries(activity),
+              (std::vector<std::string>{
+                  "MM4 Submitting message...",
+                  "MM4 Error submitting message (Size of MMS message exceeds the maximum message size)."}));
 }
 
 TEST_F(Mm4, KeepsItsSettingsInAProviderFile) {
