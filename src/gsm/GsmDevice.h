@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 
 // What the caller sets.
 struct GsmSettings {
@@ -71,19 +72,18 @@ class CGsmDevice : public CVrmComIO {
     unsigned offeredStorages_ = 0;
 };
 
-// The settings must outlive it.
 class CGsmDevice::Session {
   public:
-    Session(CGsmDevice& device, const GsmSettings& settings)
-        : device_(&device), settings_(&settings), code_(device.OpenFor(settings)) {}
+    Session(CGsmDevice& device, GsmSettings settings)
+        : device_(&device), settings_(std::move(settings)), code_(device.OpenFor(settings_)) {}
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
-    ~Session() { device_->CloseFor(*settings_); }
+    ~Session() { device_->CloseFor(settings_); }
     ResultCode Code() const { return code_; }  // of the opening
 
   private:
     CGsmDevice* device_;
-    const GsmSettings* settings_;
+    GsmSettings settings_;
     ResultCode code_;
 };
 

@@ -132,7 +132,7 @@ void CMM7Body::WriteSender(std::string& out) const {
             AddElement(out, "Number", Escaped(number));
         } else {
             const bool isMail = address::IsMail(from);
-            AddElement(out, isMail ? "RFC2822Address" : "ShortCode", Escaped(mms::BareAddress(from)));
+            AddElement(out, isMail ? "RFC2822Address" : "ShortCode", Escaped(from));
         }
         out += "</SenderAddress>";
     }

@@ -118,11 +118,19 @@ void CMm1Protocol::Clear() {
 ResultCode CMm1Protocol::Told(ResultCode code, const char* success, const char* failure, const char* last) {
     if (code == result::Success) {
         Log(kEvent, "%s", success);
-        return code;
+    } else {
+        TellError(code, failure);
+        TellResult(code, last);
     }
-    Log(kEvent, "MM1 Error %s message (%s).\n", failure, Described(code).c_str());
-    Log(kEvent, "%s%d (%s)\n", last, code.Number(), Described(code).c_str());
     return code;
+}
+
+void CMm1Protocol::TellError(ResultCode code, const char* failure) {
+    Log(kEvent, "MM1 Error %s message (%s).\n", failure, Described(code).c_str());
+}
+
+void CMm1Protocol::TellResult(ResultCode code, const char* last) {
+    Log(kEvent, "%s%d (%s)\n", last, code.Number(), Described(code).c_str());
 }
 
 // --- connecting
@@ -131,19 +139,27 @@ ResultCode CMm1Protocol::Connect() {
     Guard();
     LogSettings();
     isOnExisting_ = false;
+    std::optional<CGsmDevice::Session> modem;
     ResultCode code = CheckSettings();
     if (code == result::Success && UsesExisting()) {
         Log(kEvent, "MM1 Using the connection that this machine has...\n");
         isOnExisting_ = true;
     } else if (code == result::Success) {
-        code = DialUp();
+        code = DialUp(modem);
     }
-    return Told(code, "MM1 Successfully connected to data network.\n", "submitting", "CONNECT ERROR #");
+    if (code == result::Success) {
+        Log(kEvent, "MM1 Successfully connected to data network.\n");
+        return code;
+    }
+    TellError(code, "submitting");
+    modem.reset();
+    TellResult(code, "CONNECT ERROR #");
+    return code;
 }
 
 void CMm1Protocol::LogSettings() {
-    Log(logmask::kVerbatim, "Velqar Build %s, Device=[%s]\n", product::kBuild, settings.device.c_str());
-    const std::pair<const char*, std::string> lines[] = {
+    const std::pair<std::string, std::string> lines[] = {
+        {"Velqar Build " + std::string(product::kBuild) + ", Device=[%s]\n", settings.device},
         {"Access Point Name     = [%s]\n", settings.accessPoint},
         {"Access Point Account  = [%s]\n", settings.account},
         {"Access Point Password = [%s]\n", Shown(settings.password)},
@@ -170,14 +186,19 @@ ResultCode CMm1Protocol::CheckGateway() {
     return IsGateway(settings.gateway) ? result::Success : result::WapGatewayInvalid;
 }
 
-ResultCode CMm1Protocol::DialUp() {
+// Closes the modem for the dialling; what fails before that leaves it to the caller.
+ResultCode CMm1Protocol::DialUp(std::optional<CGsmDevice::Session>& modem) {
     if (ras_.Load() != result::Success) return result::NoInstance;
     if (IsUp()) return result::Success;
     RasEntry entry{.name = "MMS on " + settings.device,
                    .device = settings.device,
                    .user = settings.account,
                    .password = settings.password};
+    Log(kEvent, "MM1 Initializing modem...\n");
+    modem.emplace(device_, ModemSettings());
+    if (modem->Code() != result::Success) return modem->Code();
     if (const ResultCode code = PrepareModem(entry.contextId); code != result::Success) return code;
+    modem.reset();
     if (const ResultCode code = Dial(entry); code != result::Success) return code;
     AddRoute(entry.name);
     return result::Success;
@@ -200,10 +221,6 @@ GsmSettings CMm1Protocol::ModemSettings() const {
 }
 
 ResultCode CMm1Protocol::PrepareModem(std::uint32_t& contextId) {
-    Log(kEvent, "MM1 Initializing modem...\n");
-    const GsmSettings modem = ModemSettings();
-    const CGsmDevice::Session session(device_, modem);
-    if (session.Code() != result::Success) return session.Code();
     // A modem for data alone may have no storages.
     if (const ResultCode code = InitialiseModem(); code == result::ModemNoResponse) return code;
     Log(kEvent, "MM1 Connecting GSM/UMTS datanetwork...\n");

@@ -84,7 +84,7 @@ class CMm1Protocol : public CVrmBase {
     void LogSettings();
     ResultCode CheckSettings();
     ResultCode CheckGateway();
-    ResultCode DialUp();
+    ResultCode DialUp(std::optional<CGsmDevice::Session>& modem);
     bool IsUp();
     ResultCode PrepareModem(std::uint32_t& contextId);
     ResultCode InitialiseModem();
@@ -101,6 +101,8 @@ class CMm1Protocol : public CVrmBase {
     void LogReply(const HttpReply& reply);
     void Take(Mm1Reply& reply);
     ResultCode Told(ResultCode code, const char* success, const char* failure, const char* last);
+    void TellError(ResultCode code, const char* failure);
+    void TellResult(ResultCode code, const char* last);
 
     ResultCode ReadNotifications();
     ResultCode ReadStorages();

@@ -32,7 +32,9 @@ ResultCode CMm7Protocol::Send(CMmsMessage* message) {
     providerResponse_.clear();
     messageId_.clear();
     GuardPasswords({settings.webPassword, settings.proxyPassword});
-    Log(kEvent, "Velqar Build %s, Server=[%s]\n", product::kBuild, settings.host.c_str());
+    const std::string host = OneLine(settings.host);
+    LogSized(kEvent, host.size() + kLogSlack, "Velqar Build %s, Server=[%s]\n", product::kBuild,
+             host.c_str());
     const ResultCode code = message != nullptr ? Submit(*message) : result::InvalidMessageObject;
     const std::string text(DescribeError(code));
     if (code == result::Success) {
@@ -58,7 +60,7 @@ ResultCode CMm7Protocol::Submit(CMmsMessage& message) {
     Log(kEvent, "MM7 Submitting message...\n");
     Configure(message);
     const std::string url = Url();
-    LogSized(kEvent, url.size() + kLogSlack, "MM7 Post data to server [%s]...\n", url.c_str());
+    LogSized(kEvent, url.size() + kLogSlack, "MM7 Post data to server [%s]...\n", OneLine(url).c_str());
     Log(kEvent, "MM7 Waiting for response...\n");
     const ResultCode requested = http_.Request(url, message.EncodedMessage);
     return Judge(requested, http_.TakeReply());

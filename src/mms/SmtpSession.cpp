@@ -12,8 +12,12 @@ namespace {
 constexpr std::size_t kCodeSize = 3;
 constexpr std::int32_t kReady = 220, kLoggedIn = 235, kDone = 250, kPrompt = 334, kGiveText = 354;
 constexpr std::int32_t kUnknownScheme = 504;
-constexpr std::size_t kLongestShown = 1023;  // characters of a command in the log
-constexpr std::string_view kInsteadOfText = "<MESSAGE DATA>";
+
+// What the log has of a command of this many characters: a long one is taken for the mail, whatever it is.
+std::string_view InLog(std::size_t size, std::string_view shown) {
+    constexpr std::size_t kLongestShown = 1023;
+    return size <= kLongestShown ? shown : "<MESSAGE DATA>";
+}
 
 // The fourth character tells whether more lines follow; a number alone is the last.
 bool IsLastLine(std::string_view line) {
@@ -87,8 +91,7 @@ std::int32_t SmtpSession::Take(const Reply& reply) {
 }
 
 std::int32_t SmtpSession::Exchange(const std::string& line) {
-    return Take(dialogue_.Ask(line, line.size() <= kLongestShown ? std::string_view(line) : kInsteadOfText,
-                              kUsualTimes));
+    return Take(dialogue_.Ask(line, InLog(line.size(), line), kUsualTimes));
 }
 
 ResultCode SmtpSession::Greet() { return Wanting(Take(dialogue_.Hear(kUsualTimes)), kReady); }
@@ -121,7 +124,7 @@ ResultCode SmtpSession::Login(const std::string& account, const std::string& pas
         std::string answer = "*";
         std::string shown = answer;
         (void)FindAnswer(account, password, answer, shown);
-        code = Take(dialogue_.Ask(answer, shown, kLoginTimes));
+        code = Take(dialogue_.Ask(answer, InLog(answer.size(), shown), kLoginTimes));
     }
     return Wanting(code, kLoggedIn);
 }
@@ -137,8 +140,7 @@ ResultCode SmtpSession::To(const std::string& address) {
 ResultCode SmtpSession::Data(std::string_view mail) {
     if (const ResultCode code = Wanting(Exchange("DATA"), kGiveText); code != result::Success) return code;
     const std::string text = Stuffed(mail) + "\r\n.";
-    const int said =
-        dialogue_.SayText(text, text.size() + 2 <= kLongestShown ? std::string_view(text) : kInsteadOfText);
+    const int said = dialogue_.SayText(text, InLog(text.size() + 2, text));
     return Wanting(Take(dialogue_.HearAfter(said, kUsualTimes)), kDone);
 }
 

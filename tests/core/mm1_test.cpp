@@ -2,6 +2,7 @@
 #include "foundation/ErrorTexts.h"
 #include "foundation/Text.h"
 #include "mms/Mm1Protocol.h"
+#include "support/LogEntries.h"
 #include "support/Octets.h"
 #include "support/ScriptedHttp.h"
 #include "support/ScriptedModem.h"
@@ -14,6 +15,8 @@
 
 namespace {
 
+using logmask::kActivity, logmask::kVerbatim;
+constexpr unsigned kEvent = kActivity | kVerbatim;
 const char* const kOk = "\r\nOK\r\n";
 const char* const kUnitType = "application/vnd.wap.mms-message";
 constexpr std::string_view kTaken = "8C81 98 'T1' 00 8D90 9280 93 'Ok' 00 8B 'MSG-1' 00";
@@ -39,10 +42,24 @@ class Mm1 : public testing::Test {
         engine.settings.mmsc = "http://mmsc.example.org:8002/mms";
         (void)message.AddRecipient("+31612345678", 0);
         message.AddSlide({0, 5, {{"image/jpeg", "<a.jpg>", "a.jpg", "", "JPEG", 0}}});
-        engine.SetLogFile(folder.File("log"));
-        engine.SetActivityFile(folder.File("activity"));
+        NameFiles("");
     }
 
+    void NameFiles(const std::string& before) {
+        names = before;
+        engine.SetLogFile(folder.File(names + "log"));
+        engine.SetActivityFile(folder.File(names + "activity"));
+    }
+    // In this order. Others stand between those of the log, but only the modem's between those of the
+    // activity.
+    void ExpectEntries(const std::vector<Entry>& entries) const {
+        EXPECT_EQ(FirstMissing(LogEntries(folder.File(names + "log")), TextsWith(entries, kVerbatim)), "");
+        std::vector<std::string> activity = ActivityEntries(folder.File(names + "activity"));
+        std::erase_if(activity, [](const std::string& entry) {
+            return entry.starts_with("Sending command [") || entry.starts_with("Reply: [");
+        });
+        EXPECT_EQ(activity, TextsWith(entries, kActivity));
+    }
     void OverExisting() { engine.SetAdvancedSettings("UseExistingConnection=1"); }
     std::int32_t Connected() {
         OverExisting();
@@ -62,6 +79,7 @@ class Mm1 : public testing::Test {
     bool HasLogged(std::string_view line) const { return HasEntry("log", line); }
 
     TemporaryFolder folder;
+    std::string names;  // of the files begin so
     VirtualClock clock;
     ScriptedModem modem{clock};
     RasScript ras{clock};
@@ -90,19 +108,57 @@ TEST_F(Mm1, ConnectsOverTheModem) {
     ASSERT_EQ(ras.created.size(), 1U);
     EXPECT_EQ(ras.created[0].destination, ::inet_addr("10.10.10.10"));
     EXPECT_EQ(ras.created[0].interfaceIndex, 7U);
-    for (const char* line :
-         {"Velqar Build 5.3.10.1123 (x64), Device=[COM3]\n", "Access Point Name     = [mms.example.org]\n",
-          "Access Point Account  = [user]\n", "Access Point Password = [s3cret]\n",
-          "MMSC Address          = [http://mmsc.example.org:8002/mms]\n",
-          "WAP Proxy             = [http://10.10.10.10:8080]\n", "MM1 Initializing modem...\n",
-          "MM1 Connecting GSM/UMTS datanetwork...\n", "Creating DUN entry 'MMS on COM3'\n",
-          "Connecting to GPRS network (mms.example.org)...\n",
-          "Setting IP route to 10.10.10.10 via dialup connection, result=0\n",
-          "MM1 Successfully connected to data network.\n"}) {
-        EXPECT_TRUE(HasLogged(line)) << line;
-    }
-    EXPECT_TRUE(HasEntry("activity", "Open Device (COM3), Result = Success"));
-    EXPECT_TRUE(HasEntry("activity", "Creating DUN entry 'MMS on COM3'"));
+    ExpectEntries({
+        {kVerbatim, "Velqar Build 5.3.10.1123 (x64), Device=[COM3]"},
+        {kVerbatim, "Access Point Name     = [mms.example.org]"},
+        {kVerbatim, "Access Point Account  = [user]"},
+        {kVerbatim, "Access Point Password = [s3cret]"},
+        {kVerbatim, "MMSC Address          = [http://mmsc.example.org:8002/mms]"},
+        {kVerbatim, "WAP Proxy             = [http://10.10.10.10:8080]"},
+        {kEvent, "MM1 Initializing modem..."},
+        {kActivity, "Open Device (COM3), Result = Success"},
+        {kEvent, "MM1 Connecting GSM/UMTS datanetwork..."},
+        {kVerbatim, "CLOSE DEVICE"},
+        {kActivity, "Device Closed (COM3)"},
+        {kEvent, "Creating DUN entry 'MMS on COM3'"},
+        {kVerbatim, "Dialstring used for DUN entry: *99***2#"},
+        {kEvent, "Connecting to GPRS network (mms.example.org)..."},
+        {kVerbatim, "Setting IP route to 10.10.10.10 via dialup connection, result=0"},
+        {kEvent, "MM1 Successfully connected to data network."},
+    });
+}
+
+// The modem is closed between the last two lines, or before the dialling.
+TEST_F(Mm1, TellsWhereConnectingFailed) {
+    modem.On("AT+CGDCONT=?", {"\r\nERROR\r\n"});
+    EXPECT_EQ(engine.Connect(), 30352);
+    ExpectEntries({
+        {kEvent, "MM1 Initializing modem..."},
+        {kActivity, "Open Device (COM3), Result = Success"},
+        {kEvent, "MM1 Connecting GSM/UMTS datanetwork..."},
+        {kEvent, "MM1 Error submitting message (Error response from modem)."},
+        {kVerbatim, "CLOSE DEVICE"},
+        {kActivity, "Device Closed (COM3)"},
+        {kEvent, "CONNECT ERROR #30352 (Error response from modem)"},
+    });
+
+    modem.On("AT+CGDCONT=?", {"\r\n+CGDCONT: (1-16),\"IP\"\r\n\r\nOK\r\n"});
+    ras.dialCode = 678;
+    NameFiles("dial");
+    EXPECT_EQ(engine.Connect(), 31678);
+    ExpectEntries({
+        {kEvent, "MM1 Initializing modem..."},
+        {kActivity, "Open Device (COM3), Result = Success"},
+        {kEvent, "MM1 Connecting GSM/UMTS datanetwork..."},
+        {kVerbatim, "CLOSE DEVICE"},
+        {kActivity, "Device Closed (COM3)"},
+        {kEvent, "Creating DUN entry 'MMS on COM3'"},
+        {kVerbatim, "Dialstring used for DUN entry: *99***2#"},
+        {kEvent, "Connecting to GPRS network (mms.example.org)..."},
+        {kEvent, "GPRS Connection failed, RAS error = 678"},
+        {kEvent, "MM1 Error submitting message (There is no answer.)."},
+        {kEvent, "CONNECT ERROR #31678 (There is no answer.)"},
+    });
 }
 
 TEST_F(Mm1, SettingsAreCheckedBeforeAnythingIsOpened) {
@@ -353,15 +409,37 @@ TEST_F(Mm1, PostsTheUnitThroughTheGateway) {
     EXPECT_EQ(web.sessions, std::vector{std::string(CKorHttp::kUserAgent) + " 10.10.10.10:8080"});
     EXPECT_EQ(engine.MessageId(), "MSG-1");
     EXPECT_EQ(engine.ProviderResponse(), u"Ok");
-    for (const char* line :
-         {"Sender address: \n", "Maximum MMS size is set to 307200 bytes\n",
-          "Packet HEX Dump:\n\n0000  8C 80 98 ", "Sending [m-send-req]...\n",
-          "Packet HEX Dump:\n\n0000  8C 81 98 54 31 00 8D 90 92 80 ", "Receiving [m-send-conf]...\n",
-          "MMSC response code : [80]\n", "MMSC response text : [Ok]\n", "MMSC messageid     : [MSG-1]\n",
-          "MM1 Message successfully submitted.\n"}) {
-        EXPECT_TRUE(HasLogged(line)) << line;
-    }
-    EXPECT_TRUE(HasEntry("activity", "Http Connect Result = [Success]"));
+}
+
+TEST_F(Mm1, TellsOfASentUnit) {
+    message.SetFrom("+31600000001");
+    message.AddSlide({0, 5, {{"image/jpeg", "<b.jpg>", "b.jpg", "", std::string(5000, 'x'), 0}}});
+    OverExisting();
+    EXPECT_EQ(engine.Connect(), 0);
+    NameFiles("sent");
+    EXPECT_EQ(Send(), 0);
+    std::vector<std::string> dumps = LogEntries(folder.File(names + "log"));
+    std::erase_if(dumps, [](const std::string& entry) { return !entry.starts_with("Packet HEX Dump:\n\n"); });
+    ASSERT_EQ(dumps.size(), 2U);
+    // The first 2048 octets of the unit.
+    EXPECT_NE(dumps[0].find("\n0000  8C 80 98 "), std::string::npos);
+    EXPECT_EQ(dumps[0].substr(dumps[0].rfind('\n')),
+              "\n07F0  78 78 78 78 78 78 78 78 78 78 78 78 78 78 78 78   xxxxxxxxxxxxxxxx");
+    EXPECT_NE(dumps[1].find("\n0000  8C 81 98 54 31 00 8D 90 92 80 "), std::string::npos);
+    ExpectEntries({
+        {kEvent, "MM1 Submitting message..."},
+        {kVerbatim, "Sender address: +31600000001/TYPE=PLMN"},
+        {kVerbatim, "Maximum MMS size is set to 307200 bytes"},
+        {kActivity, "Http Connect Result = [Success]"},
+        {kVerbatim, dumps[0]},
+        {kEvent, "Sending [m-send-req]..."},
+        {kVerbatim, dumps[1]},
+        {kEvent, "Receiving [m-send-conf]..."},
+        {kVerbatim, "MMSC response code : [80]"},
+        {kVerbatim, "MMSC response text : [Ok]"},
+        {kVerbatim, "MMSC messageid     : [MSG-1]"},
+        {kEvent, "MM1 Message successfully submitted."},
+    });
 }
 
 TEST_F(Mm1, AnswersToAMessage) {
@@ -732,6 +810,15 @@ TEST_F(Mm1, WhileTheLinkHasTheModemWhatWasReadBeforeCounts) {
     EXPECT_EQ(TextOf(first), kNotificationText);
     ras.states = {{0, 6}};  // the network has ended it
     EXPECT_EQ(engine.CountNotifications(count), 30104);
+}
+
+TEST_F(Mm1, ADeviceStaysOneLineOfTheLog) {
+    engine.settings.device = "COM3\r\n[22:13:20]  forged";
+    EXPECT_EQ(engine.Connect(), 0);
+    const std::vector<std::string> entries = LogEntries(folder.File("log"));
+    EXPECT_EQ(entries.front(), "Velqar Build 5.3.10.1123 (x64), Device=[COM3  [22:13:20]  forged]");
+    EXPECT_EQ(std::ranges::count_if(entries, [](const auto& entry) { return entry.starts_with("forged"); }),
+              0);
 }
 
 TEST_F(Mm1, WhatOthersSayStaysOneLineOfTheLog) {

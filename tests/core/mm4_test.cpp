@@ -1,5 +1,6 @@
 // The MM4 channel: the mail that a message becomes, and its dialogue with servers of any kind, in virtual
 // time.
+#include "foundation/Base64.h"
 #include "foundation/ComputerName.h"
 #include "foundation/ErrorTexts.h"
 #include "foundation/Text.h"
@@ -7,6 +8,7 @@
 #include "mms/MmsProtocolMm4.h"
 #include "mms/MmsSlide.h"
 #include "mms/MmsVersions.h"
+#include "support/LogEntries.h"
 #include "support/ScriptedPeer.h"
 #include "support/TemporaryFolder.h"
 
@@ -568,19 +570,24 @@ TEST(SmtpSession, LogsWhatIsShorterThan1024) {
     for (const std::size_t size : {1023U, 1024U}) {
         const std::string sender(size - std::string_view("MAIL FROM: <>").size(), 'a');
         const std::string mail(size - std::string_view("\r\n.\r\n").size(), 'b');
+        const std::string account(size / 4 * 3, 'c');  // 1020 or 1024 characters in base64
+        const std::string answer = base64::Encode(account);
         Peer peer(clock, {{"", {}},
+                          {"AUTH LOGIN", {Peer::Says("334 VXNlcm5hbWU6\r\n")}},
+                          {answer, {Peer::Says("235 you are\r\n")}},
                           {"MAIL FROM: <" + sender + ">", {Peer::Says("250 ok\r\n")}},
                           {"DATA", {Peer::Says("354 go\r\n")}},
                           {Peer::kUpToDot, {Peer::Says("250 ok\r\n")}}});
         ASSERT_EQ(peer.Connect("host", 25, 1000), tcp::kSuccess);
         SmtpSession session(peer, log);
+        EXPECT_EQ(session.Login(account, ""), result::Success);
         EXPECT_EQ(session.From(sender), result::Success);
         EXPECT_EQ(session.Data(mail), result::Success);
         const std::string text = TemporaryFolder::Read(folder.File("log.txt"));
-        const std::string instead = "COMMAND : <MESSAGE DATA>\n";
-        EXPECT_EQ(text.find(sender) != std::string::npos, size == 1023);
-        EXPECT_EQ(text.find(mail) != std::string::npos, size == 1023);
-        EXPECT_EQ(text.find(instead) != text.rfind(instead), size == 1024);
+        for (const std::string& said : {answer, "MAIL FROM: <" + sender + ">", mail}) {
+            EXPECT_EQ(text.find("COMMAND : " + said) != std::string::npos, size == 1023) << said;
+        }
+        EXPECT_EQ(Split(text, "COMMAND : <MESSAGE DATA>\n").size() - 1, size == 1023 ? 0U : 3U);
     }
 }
 
@@ -592,30 +599,42 @@ TEST_F(Mm4, WritesItsLog) {
     channel->SetActivityFile(activity);
     channel->SetAdvancedSettings("MaskPasswords=1");
     ASSERT_EQ(channel->Send(&message), result::Success);
-    const std::string at = "[22:13:20]  ";
-    EXPECT_EQ(
-        TemporaryFolder::Read(file),
-        at + "Maximum MMS size is set to 350000 bytes\n" + at + std::string(118, '-') + "\n" + at +
-            "CONNECT [Velqar Build 5.3.10.1123 (x64)], Server=[mail.example.org:25], Result=[Success]\n" +
-            at + "RESPONSE: 220-here is\n" + at + "RESPONSE: 220 a server\n" + at + "COMMAND : HELO " +
-            ComputerName() + "\n" + at + "RESPONSE: 250 hello\n" + at + "COMMAND : AUTH LOGIN\n" + at +
-            "RESPONSE: 334 VXNlcm5hbWU6\n" + at + "COMMAND : YWNjb3VudA==\n" + at +
-            "RESPONSE: 334 UGFzc3dvcmQ6\n" + at + "COMMAND : ****\n" + at + "RESPONSE: 235 you are\n" + at +
-            "COMMAND : MAIL FROM: <31600000001@example.net>\n" + at + "RESPONSE: 250 sender\n" + at +
-            "COMMAND : RCPT TO: <31612345678@example.net>\n" + at + "RESPONSE: 250 recipient\n" + at +
-            "COMMAND : DATA\n" + at + "RESPONSE: 354 go on\n" + at + "COMMAND : <MESSAGE DATA>\n" + at +
-            "RESPONSE: 250-first\n" + at + "RESPONSE: 250 last\n" + at + "COMMAND : QUIT\n" + at +
-            "RESPONSE: 221 bye\n" + at + "DISCONNECTED\n");
-    const std::string entries = TemporaryFolder::Read(activity);
-    std::size_t from = 0;
-    for (const char* entry : {"MM4 Submitting message...", "MM4 Connecting server (mail.example.org)...",
-                              "CONNECT Server=[mail.example.org:25], Result=[Success]", "COMMAND : ****",
-                              "MM4 Submitting message...", "COMMAND : <MESSAGE DATA>", "DISCONNECTED",
-                              "MM4 Message successfully submitted."}) {
-        from = entries.find(entry, from);
-        ASSERT_NE(from, std::string::npos) << entry;
-    }
-    EXPECT_EQ(entries.find("c2VjcmV0"), std::string::npos);
+    using logmask::kActivity, logmask::kLog, logmask::kVerbatim;
+    constexpr unsigned kBoth = kLog | kActivity;
+    const std::vector<Entry> entries{
+        {kActivity, "MM4 Submitting message..."},
+        {kVerbatim, "Maximum MMS size is set to 350000 bytes"},
+        {kActivity, "MM4 Connecting server (mail.example.org)..."},
+        {kLog, std::string(118, '-')},
+        {kLog, "CONNECT [Velqar Build 5.3.10.1123 (x64)], Server=[mail.example.org:25], Result=[Success]"},
+        {kActivity, "CONNECT Server=[mail.example.org:25], Result=[Success]"},
+        {kBoth, "RESPONSE: 220-here is"},
+        {kBoth, "RESPONSE: 220 a server"},
+        {kBoth, "COMMAND : HELO " + ComputerName()},
+        {kBoth, "RESPONSE: 250 hello"},
+        {kBoth, "COMMAND : AUTH LOGIN"},
+        {kBoth, "RESPONSE: 334 VXNlcm5hbWU6"},
+        {kBoth, "COMMAND : YWNjb3VudA=="},
+        {kBoth, "RESPONSE: 334 UGFzc3dvcmQ6"},
+        {kBoth, "COMMAND : ****"},
+        {kBoth, "RESPONSE: 235 you are"},
+        {kActivity, "MM4 Submitting message..."},
+        {kBoth, "COMMAND : MAIL FROM: <31600000001@example.net>"},
+        {kBoth, "RESPONSE: 250 sender"},
+        {kBoth, "COMMAND : RCPT TO: <31612345678@example.net>"},
+        {kBoth, "RESPONSE: 250 recipient"},
+        {kBoth, "COMMAND : DATA"},
+        {kBoth, "RESPONSE: 354 go on"},
+        {kBoth, "COMMAND : <MESSAGE DATA>"},
+        {kBoth, "RESPONSE: 250-first"},
+        {kBoth, "RESPONSE: 250 last"},
+        {kBoth, "COMMAND : QUIT"},
+        {kBoth, "RESPONSE: 221 bye"},
+        {kBoth, "DISCONNECTED"},
+        {kActivity, "MM4 Message successfully submitted."},
+    };
+    EXPECT_EQ(LogEntries(file), TextsWith(entries, kLog | kVerbatim));
+    EXPECT_EQ(ActivityEntries(activity), TextsWith(entries, kActivity));
 
     // A short password is hidden too, and without the setting none is.
     const std::string shortFile = folder.File("short.txt");
@@ -632,10 +651,13 @@ TEST_F(Mm4, WritesItsLog) {
     channel->SetMessageSizeLimit(0);
     channel->SetActivityFile(activity);
     EXPECT_EQ(channel->Send(&message), 34133);
-    EXPECT_NE(TemporaryFolder::Read(shortFile).find("Data size exceeds MMS size limit ("), std::string::npos);
-    EXPECT_NE(TemporaryFolder::Read(activity).find(
-                  "MM4 Error submitting message (Size of MMS message exceeds the maximum message size)."),
-              std::string::npos);
+    EXPECT_EQ(LogEntries(shortFile).back(), "Data size exceeds MMS size limit (" +
+                                                std::to_string(message.EncodedMessage.size() * 3 / 4) +
+                                                " bytes)");
+    EXPECT_EQ(ActivityEntries(activity),
+              (std::vector<std::string>{
+                  "MM4 Submitting message...",
+                  "MM4 Error submitting message (Size of MMS message exceeds the maximum message size)."}));
 }
 
 TEST_F(Mm4, KeepsItsSettingsInAProviderFile) {

@@ -112,7 +112,7 @@ TEST(Mm7Body, TheEnvelopeByTheMessage) {
                  [](CMmsMessage& m) { m.SetFrom(std::string("NOTAG:a\0b\1c\td", 13)); },
                  "<SenderAddress>a b c\td</SenderAddress>", "\1"},
              Row{"an internet address", [](CMmsMessage& m) { m.SetFrom("10.0.0.1"); },
-                 "<ShortCode>10.0.0.1</ShortCode>", "TYPE"},
+                 "<ShortCode>10.0.0.1/TYPE=IPv4</ShortCode>", "Number>10"},
              Row{"mail sender", [](CMmsMessage& m) { m.SetFrom("eve@example.org"); },
                  "<SenderAddress><RFC2822Address>eve@example.org</RFC2822Address>\r\n</SenderAddress>",
                  "Number>+3160"},

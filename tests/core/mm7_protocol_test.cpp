@@ -2,6 +2,7 @@
 // becomes of replies.
 #include "foundation/ErrorTexts.h"
 #include "mms/Mm7Protocol.h"
+#include "support/LogEntries.h"
 #include "support/ScriptedHttp.h"
 #include "support/TemporaryFolder.h"
 
@@ -268,31 +269,51 @@ TEST(Mm7Protocol, LogLines) {
     EXPECT_EQ(channel.Send(), 0);
     channel.engine.settings.sizeLimit = 10;
     EXPECT_EQ(channel.Send(), 34133);
-    const std::string log = TemporaryFolder::Read(folder.File("log"));
     const std::string size = std::to_string(channel.message.EncodedMessage.size());
-    std::size_t at = 0;
-    for (const std::string& line : {
-             std::string("Velqar Build 5.3.10.1123 (x64), Server=[mmsc.example.org]\n"),
-             std::string("Maximum MMS size is set to 307200 bytes\n"),
-             std::string("MM7 Submitting message...\n"),
-             std::string(
-                 "MM7 Post data to server [http://mmsc.example.org/mm7?password=****&proxy=****]...\n"),
-             std::string("MM7 Waiting for response...\n"),
-             std::string("MM7 STATUSCODE      : 1000\n"),
-             std::string("MM7 STATUSTEXT      : Success\n"),
-             std::string("MM7 MESSAGEID       : m1\n"),
-             std::string("MM7 Message successfully submitted.\n"),
-             std::string("Maximum MMS size is set to 10 bytes\n"),
-             "Data size exceeds MMS size limit (" + size + " bytes)\n",
-             std::string(
-                 "MM7 Error submitting message (Size of MMS message exceeds the maximum message size).\n"),
-             std::string("SEND RESULT: ERROR 34133 (Size of MMS message exceeds the maximum message size)\n"),
-         }) {
-        const std::size_t found = log.find(line, at);
-        EXPECT_NE(found, std::string::npos) << line;
-        if (found != std::string::npos) at = found + line.size();
-    }
+    EXPECT_EQ(FirstMissing(
+                  LogEntries(folder.File("log")),
+                  {
+                      "Velqar Build 5.3.10.1123 (x64), Server=[mmsc.example.org]",
+                      "Maximum MMS size is set to 307200 bytes",
+                      "MM7 Submitting message...",
+                      "MM7 Post data to server [http://mmsc.example.org/mm7?password=****&proxy=****]...",
+                      "MM7 Waiting for response...",
+                      "MM7 STATUSCODE      : 1000",
+                      "MM7 STATUSTEXT      : Success",
+                      "MM7 MESSAGEID       : m1",
+                      "MM7 Message successfully submitted.",
+                      "Maximum MMS size is set to 10 bytes",
+                      "Data size exceeds MMS size limit (" + size + " bytes)",
+                      "MM7 Error submitting message (Size of MMS message exceeds the maximum message size).",
+                      "SEND RESULT: ERROR 34133 (Size of MMS message exceeds the maximum message size)",
+                  }),
+              "");
+    const std::string log = TemporaryFolder::Read(folder.File("log"));
     EXPECT_THAT(log, testing::Not(testing::HasSubstr("secret")));
+}
+
+TEST(Mm7Protocol, ASettingStaysOneLineOfTheLog) {
+    const std::string forged = "\r\n[22:13:20]  forged";
+    for (const auto& [host, path, server, url] :
+         {std::tuple{"m" + forged, std::string(), "m  [22:13:20]  forged", "m  [22:13:20]  forged"},
+          {"m", "/p" + forged, "m", "http://m/p  [22:13:20]  forged"}}) {
+        const TemporaryFolder folder;
+        Channel channel({{.status = 401}, {.body = Reply("1000")}});
+        channel.engine.SetLogFile(folder.File("log"));
+        channel.engine.SetActivityFile(folder.File("activity"));
+        channel.engine.settings.proxyServer = "px" + forged;
+        channel.engine.settings.webAccount = "web" + forged;
+        channel.engine.settings.host = host;
+        channel.engine.settings.path = path;
+        (void)channel.Send();
+        const std::vector<std::string> wanted{
+            "Velqar Build 5.3.10.1123 (x64), Server=[" + std::string(server) + "]",
+            "MM7 Post data to server [" + std::string(url) + "]...", "MM7 Waiting for response..."};
+        EXPECT_EQ(FirstMissing(LogEntries(folder.File("log")), wanted), "");
+        EXPECT_EQ(FirstMissing(ActivityEntries(folder.File("activity")), wanted), "");
+        EXPECT_THAT(LogEntries(folder.File("log")),
+                    testing::Each(testing::Not(testing::StartsWith("forged"))));
+    }
 }
 
 TEST(Mm7Protocol, LogsAStatusOfRepliesAlone) {

@@ -260,6 +260,18 @@ TEST(Ras, HangsUpWhatAFailedDialLeftBeforeTheNext) {
     EXPECT_EQ(link.script.hungUp, (std::vector<ras::Handle>{7, 8}));
 }
 
+TEST(Ras, TheTimeOfADialIsThatOfHangingUpToo) {
+    Link link;
+    link.script.dialCode = 678;
+    EXPECT_EQ(link.ras.Dial("E", 20'000), 678);
+    link.script.dialCode = 0;
+    link.script.states = {{kDialling}};
+    link.script.statesAfterHangUp = {{}, {}, {0, 6}};  // gone after 1000 ms
+    EXPECT_EQ(link.ras.Dial("E", 2000), 31678);
+    EXPECT_EQ(link.script.askedAt, (Ticks{0, 500, 1000, 1000, 1500}));
+    EXPECT_EQ(link.clock.Slept(), 2000u);
+}
+
 TEST(Ras, LeavesTheConnectionUpWhenItGoes) {
     VirtualClock clock;
     RasScript script(clock);

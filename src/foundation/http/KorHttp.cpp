@@ -80,7 +80,7 @@ ResultCode CKorHttp::OpenUrl(const HttpUrl& url) {
     if (url.host.empty()) return Failed(result::HttpConnectFailed, "URL", 0);
     url_ = url;
     Log(logmask::kVerbatim, "HTTP PROXY SERVER   : %s\n",
-        settings.proxy.empty() ? "NONE" : settings.proxy.c_str());
+        settings.proxy.empty() ? "NONE" : OneLine(settings.proxy).c_str());
     Log(logmask::kVerbatim, "HTTP REQUESTTIMEOUT : %ld SECS\n", static_cast<long>(settings.timeout));
     if (sessionOpen_ && sessionProxy_ != settings.proxy) Close();
     if (!sessionOpen_) {
@@ -126,7 +126,7 @@ ResultCode CKorHttp::Request(const std::string& url, std::optional<std::string_v
 ResultCode CKorHttp::Exchange(const std::string& url, std::string_view body) {
     const ResultCode opened = Open(url);
     if (opened != result::Success) return opened;
-    LogSized(logmask::kVerbatim, url.size() + kLineRoom, "HTTP CONNECT        : %s\n", url.c_str());
+    LogSized(logmask::kVerbatim, url.size() + kLineRoom, "HTTP CONNECT        : %s\n", OneLine(url).c_str());
     Log(logmask::kVerbatim, "HTPP TIMEOUT        : %ld seconds\n", static_cast<long>(settings.timeout));
     Log(logmask::kVerbatim, "USING SSL           : %s\n", YesNo(secure_));
 
@@ -175,7 +175,7 @@ ResultCode CKorHttp::Answer(http::Peer peer, const Challenge& challenge) {
     const bool isProxy = peer == http::Peer::kProxy;
     const http::Account& account = isProxy ? settings.proxyAccount : settings.webAccount;
     Log(logmask::kVerbatim, isProxy ? "HTTP PROXY ACCOUNT  : %s\n" : "HTTP WEB ACCOUNT    : %s\n",
-        account.name.c_str());
+        OneLine(account.name).c_str());
     const std::uint32_t error = transport_->SetCredentials(peer, challenge.scheme, account);
     if (error == http::kOk) return result::Success;
     return Failed(isProxy ? result::HttpProxyLogonFailed : result::HttpLogonFailed, "ACCOUNT", error);

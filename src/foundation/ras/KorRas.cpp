@@ -108,8 +108,8 @@ ResultCode CKorRas::CreateEntry(const RasEntry& entry) {
 
 ResultCode CKorRas::Dial(const std::string& entry, std::uint32_t timeout) {
     if (!isLoaded_) return kNotLoaded;
-    (void)HangUp();  // what a failed call left keeps the modem, and its handle would be lost
     const Timer timer(GetClock(), timeout);
+    (void)HangUp();  // what a failed call left keeps the modem, and its handle would be lost
     ras::DialParameters parameters;
     parameters.entry = Field(entry, ras::kEntryName);
     if (const std::uint32_t code = platform_->GetDialParameters(parameters); code != ras::kOk) {

@@ -35,8 +35,8 @@ class CKorRas final : public CKorBase {
     // Writes an entry of the default phonebook, with its password; 0 or 33711.
     ResultCode CreateEntry(const RasEntry& entry);
 
-    // Connects an entry. A connection that an earlier call left is hung up first. `timeout`: ms for the link
-    // to come up; 0 = not waited for. 0, -1, 31678, or a code of the platform.
+    // Connects an entry. A connection that an earlier call left is hung up first. `timeout`: ms for that and
+    // for the link to come up; 0 = not waited for. 0, -1, 31678, or a code of the platform.
     ResultCode Dial(const std::string& entry, std::uint32_t timeout);
 
     // 0, also without a connection; -1 or a code of the platform.

@@ -119,33 +119,36 @@ bool RasApi::Complete() const {
            enumConnections != nullptr && getLinkStatistics != nullptr;
 }
 
-const RasApi& SystemRasApi() {
-    static const RasApi table = [] {
-        RasApi api;
-        if (const HMODULE library = ::LoadLibraryA("iphlpapi.dll"); library != nullptr) {
-            Look(library, "GetAdaptersInfo", api.getAdaptersInfo);
-            Look(library, "CreateIpForwardEntry", api.createIpForwardEntry);
-            Look(library, "GetIpForwardTable", api.getIpForwardTable);
-        }
-        if (const HMODULE library = ::LoadLibraryA("rasapi32.dll"); library != nullptr) {
-            Look(library, "RasGetEntryDialParamsA", api.getEntryDialParams);
-            Look(library, "RasDialA", api.dial);
-            Look(library, "RasHangUpA", api.hangUp);
-            Look(library, "RasGetConnectStatusA", api.getConnectStatus);
-            Look(library, "RasEnumDevicesA", api.enumDevices);
-            Look(library, "RasEnumEntriesA", api.enumEntries);
-            Look(library, "RasEnumConnectionsA", api.enumConnections);
-            Look(library, "RasGetLinkStatistics", api.getLinkStatistics);
-            Look(library, "RasSetEntryPropertiesA", api.setEntryProperties);
-            Look(library, "RasSetEntryDialParamsA", api.setEntryDialParams);
-        }
-        return api;
-    }();
-    return table;
+SystemRas::SystemRas() : ipSupport_(::LoadLibraryA("iphlpapi.dll")), ras_(::LoadLibraryA("rasapi32.dll")) {
+    if (const HMODULE library = ipSupport_.get(); library != nullptr) {
+        Look(library, "GetAdaptersInfo", api_.getAdaptersInfo);
+        Look(library, "CreateIpForwardEntry", api_.createIpForwardEntry);
+        Look(library, "GetIpForwardTable", api_.getIpForwardTable);
+    }
+    if (const HMODULE library = ras_.get(); library != nullptr) {
+        Look(library, "RasGetEntryDialParamsA", api_.getEntryDialParams);
+        Look(library, "RasDialA", api_.dial);
+        Look(library, "RasHangUpA", api_.hangUp);
+        Look(library, "RasGetConnectStatusA", api_.getConnectStatus);
+        Look(library, "RasEnumDevicesA", api_.enumDevices);
+        Look(library, "RasEnumEntriesA", api_.enumEntries);
+        Look(library, "RasEnumConnectionsA", api_.enumConnections);
+        Look(library, "RasGetLinkStatistics", api_.getLinkStatistics);
+        Look(library, "RasSetEntryPropertiesA", api_.setEntryProperties);
+        Look(library, "RasSetEntryDialParamsA", api_.setEntryDialParams);
+    }
+}
+
+const RasApi& RasPlatformWin::Api() {
+    if (api_ == nullptr) {
+        system_ = std::make_unique<SystemRas>();
+        api_ = &system_->Api();
+    }
+    return *api_;
 }
 
 std::uint32_t RasPlatformWin::SetEntryProperties(const std::string& entry, const ras::EntryProperties& what) {
-    if (api_->setEntryProperties == nullptr) return ras::kFunctionMissing;
+    if (Api().setEntryProperties == nullptr) return ras::kFunctionMissing;
     RASENTRYA record{};
     record.dwSize = kEntrySize;
     record.dwfOptions = what.options;
@@ -154,14 +157,14 @@ std::uint32_t RasPlatformWin::SetEntryProperties(const std::string& entry, const
     record.dwFramingProtocol = what.framing;
     Put(record.szDeviceType, what.deviceType);
     Put(record.szDeviceName, what.device);
-    return api_->setEntryProperties(nullptr, entry.c_str(), &record, kEntrySize, nullptr, 0);
+    return Api().setEntryProperties(nullptr, entry.c_str(), &record, kEntrySize, nullptr, 0);
 }
 
 std::uint32_t RasPlatformWin::SetDialParameters(const ras::DialParameters& parameters) {
-    if (api_->setEntryDialParams == nullptr) return ras::kFunctionMissing;
+    if (Api().setEntryDialParams == nullptr) return ras::kFunctionMissing;
     RASDIALPARAMSA record = Record(parameters);
     constexpr BOOL kForgetPassword = FALSE;
-    return api_->setEntryDialParams(nullptr, &record, kForgetPassword);
+    return Api().setEntryDialParams(nullptr, &record, kForgetPassword);
 }
 
 std::uint32_t RasPlatformWin::GetDialParameters(ras::DialParameters& parameters) {
@@ -169,7 +172,7 @@ std::uint32_t RasPlatformWin::GetDialParameters(ras::DialParameters& parameters)
     record.dwSize = kDialParametersSize;
     Put(record.szEntryName, parameters.entry);
     BOOL hasPassword = FALSE;
-    if (const DWORD code = api_->getEntryDialParams(nullptr, &record, &hasPassword); code != 0) return code;
+    if (const DWORD code = Api().getEntryDialParams(nullptr, &record, &hasPassword); code != 0) return code;
     parameters = {.entry = Text(record.szEntryName),
                   .phoneNumber = Text(record.szPhoneNumber),
                   .callbackNumber = Text(record.szCallbackNumber),
@@ -183,7 +186,7 @@ std::uint32_t RasPlatformWin::GetDialParameters(ras::DialParameters& parameters)
 std::uint32_t RasPlatformWin::Dial(const ras::DialParameters& parameters, ras::Handle& connection) {
     RASDIALPARAMSA record = Record(parameters);
     HRASCONN handle = nullptr;
-    const DWORD code = api_->dial(nullptr, nullptr, &record, 0, nullptr, &handle);
+    const DWORD code = Api().dial(nullptr, nullptr, &record, 0, nullptr, &handle);
     connection = reinterpret_cast<ras::Handle>(handle);
     return code;
 }
@@ -191,18 +194,18 @@ std::uint32_t RasPlatformWin::Dial(const ras::DialParameters& parameters, ras::H
 std::uint32_t RasPlatformWin::GetState(ras::Handle connection, std::uint32_t& state) {
     RASCONNSTATUSA status{};
     status.dwSize = kStatusSize;
-    const DWORD code = api_->getConnectStatus(ToPlatform(connection), &status);
+    const DWORD code = Api().getConnectStatus(ToPlatform(connection), &status);
     state = static_cast<std::uint32_t>(status.rasconnstate);
     return code;
 }
 
-std::uint32_t RasPlatformWin::HangUp(ras::Handle connection) { return api_->hangUp(ToPlatform(connection)); }
+std::uint32_t RasPlatformWin::HangUp(ras::Handle connection) { return Api().hangUp(ToPlatform(connection)); }
 
 std::uint32_t RasPlatformWin::GetAdapters(std::uint32_t& size, std::vector<ras::Adapter>& adapters) {
     std::vector<IP_ADAPTER_INFO> buffer(
         std::max<std::size_t>(1, (size + sizeof(IP_ADAPTER_INFO) - 1) / sizeof(IP_ADAPTER_INFO)));
     ULONG length = size;
-    const DWORD code = api_->getAdaptersInfo(buffer.data(), &length);
+    const DWORD code = Api().getAdaptersInfo(buffer.data(), &length);
     size = length;
     if (code != ERROR_SUCCESS) return code;
     for (const IP_ADAPTER_INFO* adapter = buffer.data(); adapter != nullptr; adapter = adapter->Next) {
@@ -216,7 +219,7 @@ std::uint32_t RasPlatformWin::GetRoutes(std::uint32_t& size, std::vector<ras::Ro
     std::vector<DWORD> buffer((std::max<std::size_t>(size, sizeof(MIB_IPFORWARDTABLE)) + 3) / 4);
     auto* table = reinterpret_cast<MIB_IPFORWARDTABLE*>(buffer.data());
     ULONG length = size;
-    const DWORD code = api_->getIpForwardTable(table, &length, FALSE);
+    const DWORD code = Api().getIpForwardTable(table, &length, FALSE);
     size = length;
     if (code != NO_ERROR) return code;
     const MIB_IPFORWARDROW* rows = table->table;
@@ -226,7 +229,7 @@ std::uint32_t RasPlatformWin::GetRoutes(std::uint32_t& size, std::vector<ras::Ro
 
 std::uint32_t RasPlatformWin::CreateRoute(const ras::Route& route) {
     MIB_IPFORWARDROW row = Row(route);
-    return api_->createIpForwardEntry(&row);
+    return Api().createIpForwardEntry(&row);
 }
 
 std::uint32_t RasPlatformWin::ToAddress(const std::string& text) { return ::inet_addr(text.c_str()); }

@@ -6,7 +6,9 @@
 
 // which the others go behind
 #include <iphlpapi.h>
+#include <memory>
 #include <ras.h>
+#include <type_traits>
 
 // The functions that are used, looked up by name at run time. A test hands in a table of its own.
 struct RasApi {
@@ -30,14 +32,31 @@ struct RasApi {
     bool Complete() const;
 };
 
-// The table of the system's libraries, which stay loaded; functions that they lack are null.
-const RasApi& SystemRasApi();
+// The functions of the system's libraries, which are freed with it; null for those that they lack.
+class SystemRas {
+  public:
+    SystemRas();
+
+    const RasApi& Api() const { return api_; }
+
+  private:
+    struct Free {
+        void operator()(HMODULE library) const { ::FreeLibrary(library); }
+    };
+    using Library = std::unique_ptr<std::remove_pointer_t<HMODULE>, Free>;
+
+    Library ipSupport_, ras_;
+    RasApi api_;
+};
 
 class RasPlatformWin final : public RasPlatform {
   public:
-    explicit RasPlatformWin(const RasApi& api = SystemRasApi()) : api_(&api) {}
+    // The system's functions, when they are first asked for.
+    RasPlatformWin() = default;
+    // The table must outlive it.
+    explicit RasPlatformWin(const RasApi& api) : api_(&api) {}
 
-    bool Load() override { return api_->Complete(); }
+    bool Load() override { return Api().Complete(); }
     std::uint32_t SetEntryProperties(const std::string& entry, const ras::EntryProperties& what) override;
     std::uint32_t SetDialParameters(const ras::DialParameters& parameters) override;
     std::uint32_t GetDialParameters(ras::DialParameters& parameters) override;
@@ -50,5 +69,8 @@ class RasPlatformWin final : public RasPlatform {
     std::uint32_t ToAddress(const std::string& text) override;
 
   private:
-    const RasApi* api_;
+    const RasApi& Api();
+
+    std::unique_ptr<SystemRas> system_;
+    const RasApi* api_ = nullptr;
 };

@@ -56,7 +56,7 @@ ResultCode CVrmComIO::Open(SerialSettings settings) {
     const ResultCode code = port ? OpenPort(settings) : OpenTelephony(settings);
     if (code == result::Success) finalOwed_ = false;
     Log(logmask::kVerbatim, "OPEN DEVICE   [Velqar Build %s], device=[%s], baudrate=[%d], result=[%s]\n",
-        product::kBuild, written.c_str(), static_cast<int>(settings.speed),
+        product::kBuild, OneLine(written).c_str(), static_cast<int>(settings.speed),
         std::string(DescribeError(code)).c_str());
     return code;
 }
