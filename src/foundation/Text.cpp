@@ -52,6 +52,11 @@ std::string OnlyDigits(std::string_view text) {
     return out;
 }
 
+bool StartsNoCase(std::string_view text, std::string_view beginning) {
+    return text.size() >= beginning.size() &&
+           std::equal(beginning.begin(), beginning.end(), text.begin(), SameNoCase);
+}
+
 std::size_t FindNoCase(std::string_view text, std::string_view wanted, std::size_t from) {
     if (from > text.size()) return std::string_view::npos;
     const auto rest = text.substr(from);
