@@ -487,8 +487,10 @@ class Commands(Dialogue):
     # --- submitted messages
 
     async def take_data(self, typed, cancelled):
-        announced, self.prompt = self.prompt, None
         rule = self.rule("PDU")
+        if rule.do == "lost-end" and not cancelled:
+            return
+        announced, self.prompt = self.prompt, None
         if cancelled:
             await self.lines(rule, ["OK"])
         elif rule.do in ("error", "reply"):
@@ -531,6 +533,7 @@ class Modem(Program):
         "no-end": Action("the reply without its last line end", play=no_end),
         "halves": Action("each line in two halves, `ms` apart", {"ms": 500}, halves),
         "block": Action("nothing is taken from the line for `ms`, from the reply on", {"ms": 7000}, block),
+        "lost-end": Action("what ends the data of a message is not heard: the prompt stays open until ESC"),
         "length": Action("AT+CMGL states lengths that are `add` octets off", {"add": 1}),
         "cut-pdu": Action("the PDUs of AT+CMGL lack their last `characters`", {"characters": 2}),
     } | provider.ACTIONS

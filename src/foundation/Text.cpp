@@ -6,6 +6,7 @@
 namespace {
 
 constexpr std::string_view kBlanks = " \t\r\n";
+constexpr std::size_t kUsualPieces = 16;  // that Split makes room for at first
 
 constexpr bool SameNoCase(char a, char b) { return UpperChar(a) == UpperChar(b); }
 
@@ -52,6 +53,11 @@ std::string OnlyDigits(std::string_view text) {
     return out;
 }
 
+bool StartsNoCase(std::string_view text, std::string_view beginning) {
+    return text.size() >= beginning.size() &&
+           std::equal(beginning.begin(), beginning.end(), text.begin(), SameNoCase);
+}
+
 std::size_t FindNoCase(std::string_view text, std::string_view wanted, std::size_t from) {
     if (from > text.size()) return std::string_view::npos;
     const auto rest = text.substr(from);
@@ -76,6 +82,7 @@ void ReplaceAllNoCase(std::string& text, std::string_view from, std::string_view
 
 std::vector<std::string_view> Split(std::string_view text, std::string_view separator) {
     std::vector<std::string_view> pieces;
+    pieces.reserve(kUsualPieces);
     std::size_t start = 0;
     for (;;) {
         const std::size_t at = text.find(separator, start);

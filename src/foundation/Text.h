@@ -16,6 +16,7 @@ std::string OneLine(std::string_view text);
 std::string Upper(std::string_view text);
 std::string OnlyDigits(std::string_view text);
 bool EqualNoCase(std::string_view a, std::string_view b);
+bool StartsNoCase(std::string_view text, std::string_view beginning);
 bool ContainsNoCase(std::string_view text, std::string_view wanted);
 std::size_t FindNoCase(std::string_view text, std::string_view wanted, std::size_t from = 0);
 void ReplaceAll(std::string& text, std::string_view from, std::string_view to);

@@ -19,11 +19,16 @@ bool IsName(const std::string& name) { return name.find('\0') == std::string::np
 constexpr int kReplaceAttempts = 5;
 constexpr std::uint32_t kReplacePause = 20;
 
+// A full disk may show when the buffer is full, or not before the end.
 bool Write(File file, const std::function<bool(const TextSink&)>& produce) {
-    const bool produced = produce([&file](std::string_view text) {
-        return std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
-    });
-    return std::fclose(file.release()) == 0 && produced;
+    const bool produced = file && produce([&file](std::string_view text) {
+                              return std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
+                          });
+    return file && std::fclose(file.release()) == 0 && produced;
+}
+
+bool Write(File file, std::string_view text) {
+    return Write(std::move(file), [text](const TextSink& sink) { return sink(text); });
 }
 
 // Copies one file over another, for a file that cannot be replaced because somebody reads it.
@@ -66,10 +71,7 @@ std::optional<std::string> ReadTextFile(const std::string& name, std::size_t lim
 }
 
 bool WriteTextFile(const std::string& name, std::string_view text) {
-    File file = OpenNamedFile(name, "wt+");
-    if (!file) return false;
-    const bool written = std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
-    return std::fclose(file.release()) == 0 && written;
+    return Write(OpenNamedFile(name, "wt+"), text);
 }
 
 bool ReplaceTextFile(const std::string& name, const std::function<bool(const TextSink&)>& produce,
@@ -79,10 +81,8 @@ bool ReplaceTextFile(const std::string& name, const std::function<bool(const Tex
     hex::AppendNumber(beside, UniqueNumber());  // two writers of one file do not meet
     beside += ".new";
     File file = OpenNamedFile(beside, "wt+");
-    if (!file) {  // there is no place beside it, for its name or for its folder
-        file = OpenNamedFile(name, "wt+");
-        return file && Write(std::move(file), produce);
-    }
+    // There is no place beside it, for its name or for its folder.
+    if (!file) return Write(OpenNamedFile(name, "wt+"), produce);
     const bool written = Write(std::move(file), produce) && PutInPlace(name, beside, clock);
     (void)std::remove(beside.c_str());
     return written;
@@ -112,8 +112,7 @@ bool ReadTextPieces(const std::string& name, const std::function<void(std::strin
 }
 
 bool AppendTextFile(const std::string& name, std::string_view text) {
-    const File file = OpenNamedFile(name, "at");
-    return file && std::fwrite(text.data(), 1, text.size(), file.get()) == text.size();
+    return Write(OpenNamedFile(name, "at"), text);
 }
 
 void RemoveFile(const std::string& name) {

@@ -12,7 +12,7 @@
 // The file's text, at most `limit` octets; nothing when it cannot be opened.
 std::optional<std::string> ReadTextFile(const std::string& name, std::size_t limit);
 
-// Creates or replaces the file's contents.
+// Creates or replaces the file's contents; false when it cannot be written.
 [[nodiscard]] bool WriteTextFile(const std::string& name, std::string_view text);
 
 // Takes the pieces of a text in order; false when it can take no more.
@@ -30,7 +30,7 @@ inline constexpr std::size_t kTextPiece = std::size_t{1} << 18;
 [[nodiscard]] bool ReadTextPieces(const std::string& name, const std::function<void(std::string_view)>& take,
                                   std::size_t pieceSize = kTextPiece);
 
-// Appends to the file, creating it when missing; false when it cannot be opened.
+// Appends to the file, creating it when missing; false when it cannot be written.
 bool AppendTextFile(const std::string& name, std::string_view text);
 
 void RemoveFile(const std::string& name);

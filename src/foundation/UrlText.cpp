@@ -16,7 +16,8 @@ constexpr bool IsUnreserved(char c) {
     return isLetter || IsDigit(c) || c == '-' || c == '.' || c == '_' || c == '~';
 }
 
-// What each octet becomes, and how much of that counts: copied whole, so that the loop has no branches.
+// What each octet becomes, and how much of that counts: copied whole, its size too, so that the loop has no
+// branches and stores once.
 struct Form {
     std::array<char, kEncodedSize> text;
     std::uint8_t size;
@@ -35,11 +36,11 @@ constexpr auto kForms = [] {
 
 void url::AppendEncoded(std::string& text, std::string_view octets) {
     const std::size_t start = text.size();
-    text.resize(start + kEncodedSize * octets.size());
+    text.resize(start + kEncodedSize * octets.size() + sizeof(Form) - kEncodedSize);
     char* out = text.data() + start;
     for (const char c : octets) {
         const Form& form = kForms[static_cast<std::uint8_t>(c)];
-        std::memcpy(out, form.text.data(), kEncodedSize);
+        std::memcpy(out, &form, sizeof form);
         out += form.size;
     }
     text.resize(static_cast<std::size_t>(out - text.data()));

@@ -69,14 +69,29 @@ ResultCode CGsmDevice::Command(std::string_view command, std::string_view expect
 ResultCode CGsmDevice::Announce(std::string_view command) {
     const AtExchange exchange = Exchange(command, kCommandTime, ">");
     if (exchange.outcome.status == AtStatus::kExpected) return result::Success;
-    const ResultCode code =
-        exchange.outcome.status == AtStatus::kOk ? result::ModemUnexpectedResponse : exchange.outcome.code;
+    return CalledOff(exchange.outcome.status == AtStatus::kOk ? result::ModemUnexpectedResponse
+                                                              : exchange.outcome.code);
+}
+
+AtExchange CGsmDevice::Submit(std::string_view data) {
+    AtExchange exchange = Exchange(std::string(data) + kCtrlZ, kSubmitTime, "+CMGS:");
+    exchange.outcome.code = CalledOff(exchange.outcome.code);
+    return exchange;
+}
+
+// A modem that gave no result may wait for data, and would take the next command for them.
+ResultCode CGsmDevice::CalledOff(ResultCode code) {
     if (code == result::ModemNoResponse || code == result::ModemUnexpectedResponse)
         (void)WriteBytes({&kEscape, 1});
     return code;
 }
 
+// A prompt that came late in an earlier call may be open.
 ResultCode CGsmDevice::Initialise(const GsmSettings& settings) {
+    return CalledOff(OpeningDialogue(settings));
+}
+
+ResultCode CGsmDevice::OpeningDialogue(const GsmSettings& settings) {
     if (!IsQuotable(settings.smsc)) return result::SmscSetFailed;
     for (const std::string_view command :
          {std::string_view(settings.initString), std::string_view("ATE0"), std::string_view("AT+CMEE=1")}) {

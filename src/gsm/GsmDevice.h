@@ -29,6 +29,7 @@ struct GsmDeviceTexts {
 class CGsmDevice : public CVrmComIO {
   public:
     static constexpr std::uint32_t kCommandTime = 5000;  // ms
+    static constexpr std::uint32_t kSubmitTime = 20000;
 
     explicit CGsmDevice(SerialOpener& opener, Clock& clock = SystemClock(), const GsmDeviceTexts& texts = {})
         : CVrmComIO(opener, clock), texts_(texts) {}
@@ -53,8 +54,10 @@ class CGsmDevice : public CVrmComIO {
     ResultCode Command(std::string_view command, std::string_view expected = {},
                        std::string* reply = nullptr);
 
-    // A command that a prompt answers. When none comes, what the modem still waits for is called off.
+    // A command that a prompt answers, and the data behind the prompt. What the modem still waits for when it
+    // gives no result is called off.
     ResultCode Announce(std::string_view command);
+    AtExchange Submit(std::string_view data);
 
     ResultCode Select(const GsmStorage& storage);
     // Hands on the PDUs of a storage, those read before and then the unread ones, also when one of the two
@@ -64,6 +67,8 @@ class CGsmDevice : public CVrmComIO {
   private:
     ResultCode OpenFor(const GsmSettings& settings);
     void CloseFor(const GsmSettings& settings);
+    ResultCode OpeningDialogue(const GsmSettings& settings);
+    ResultCode CalledOff(ResultCode code);
     ResultCode CheckPin(std::string_view pin);
     void WaitForRegistration();
 

@@ -14,7 +14,6 @@
 
 namespace {
 
-constexpr std::uint32_t kSubmitTime = 20000;
 constexpr std::uint32_t kPartPause = 1000;
 constexpr std::uint32_t kRetryPause = 2000;
 constexpr int kSubmitAttempts = 3;
@@ -135,14 +134,13 @@ ResultCode CGsmModem::SendPdus(const CSmsMessageX& message, std::string& referen
     return result::Success;
 }
 
-// The length counts the octets behind a service centre part of one octet, also when the part is longer: kept
-// so.
+// The length counts the octets behind a service centre part of one octet, also when the part is longer, and
+// all digits of the answer are the reference, also those of an acknowledgement behind it: both kept so.
 ResultCode CGsmModem::SendPdu(std::string_view pdu, std::string& reference) {
     const std::string announce = "AT+CMGS=" + std::to_string(pdu.size() / 2 - 1);
-    const std::string data = std::string(pdu) + CKorComIO::kCtrlZ;
     for (int attempt = 1;; ++attempt) {
         if (const ResultCode code = device_.Announce(announce); code != result::Success) return code;
-        const AtExchange exchange = device_.Exchange(data, kSubmitTime, "+CMGS:");
+        const AtExchange exchange = device_.Submit(pdu);
         if (exchange.outcome.code == result::Success) {
             reference = OnlyDigits(AnswerOf(exchange.reply));
             return result::Success;
@@ -163,7 +161,7 @@ ResultCode CGsmModem::SendText(const CSmsMessageX& message, std::string& referen
         return code;
     std::string body = ToAnsi(message.Data).substr(0, CKorComIO::kLongestText - 1);
     std::ranges::replace_if(body, EndsData, ' ');
-    const AtExchange exchange = device_.Exchange(body + CKorComIO::kCtrlZ, kSubmitTime, "+CMGS:");
+    const AtExchange exchange = device_.Submit(body);
     if (exchange.outcome.code == result::Success) references = OnlyDigits(exchange.reply);
     return exchange.outcome.code;
 }

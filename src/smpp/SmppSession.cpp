@@ -137,8 +137,10 @@ void CSmppSession::SendBind(const char* name) {
         return;
     }
     Put(pdu);
-    // The log shows the PDU that a hidden password would make: neither its field nor its octets tell it.
-    pdu.password = log_->Shown(settings_->systemPassword);
+    // The log shows the PDU that a hidden password would make: neither its field nor its octets tell it, nor
+    // do those of a field that is the same text.
+    for (std::string* field : {&pdu.password, &pdu.system_id, &pdu.system_type, &pdu.address_range})
+        *field = log_->Shown(*field);
     pdu.Encode();
     TraceSent(pdu, name);
 }

@@ -1,15 +1,19 @@
 // The delivery-report store and its files.
+#include "foundation/BinaryFile.h"
+#include "foundation/TextFile.h"
 #include "sms/SmsDeliveryReports.h"
 #include "support/TemporaryFolder.h"
 #include "support/VirtualClock.h"
 
 #include <array>
+#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
 #include <map>
 #include <random>
+#include <sys/resource.h>
 #include <thread>
 
 namespace {
@@ -356,6 +360,54 @@ TEST(DeliveryReports, LargeFilesAreSavedAndLoadedInPieces) {
     loaded.Clear();
     ASSERT_EQ(loaded.Load(folder.File("one")), 0);
     EXPECT_EQ(loaded.Count(), 1U);
+}
+
+// A disk that takes so many octets of a file, while it lives.
+class FullDisk {
+  public:
+    explicit FullDisk(rlim_t octets) : signal_(std::signal(SIGXFSZ, SIG_IGN)) {
+        ::getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit full{octets, before_.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &full);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+    ~FullDisk() {
+        ::setrlimit(RLIMIT_FSIZE, &before_);
+        (void)std::signal(SIGXFSZ, signal_);
+    }
+
+  private:
+    void (*signal_)(int);
+    rlimit before_{};
+};
+
+// The few octets of one report fail when the file is closed, those of many while it is written.
+TEST(DeliveryReports, AFullDiskIsToldAndLeavesTheOldFile) {
+    for (const int count : {1, 5000}) {
+        const TemporaryFolder folder;
+        const std::string file = folder.File("reports");
+        TemporaryFolder::Write(file, "old");
+        CSmsDeliveryReports reports;
+        for (int i = 0; i < count; ++i) Send(reports, std::to_string(i), "P");
+        const ResultCode code = [&] {
+            const FullDisk full(8);
+            return reports.Save(file);
+        }();
+        EXPECT_EQ(code, 33070) << count;
+        EXPECT_EQ(TemporaryFolder::Read(file), "old");
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.File("")), {}), 1);
+        EXPECT_EQ(reports.Save(file), 0);
+    }
+}
+
+TEST(TextFile, AFullDiskIsToldByEveryWayToWrite) {
+    for (const std::size_t size : {1U, 100'000U}) {
+        const std::string text(size, 'x');
+        EXPECT_FALSE(WriteTextFile("/dev/full", text)) << size;
+        EXPECT_FALSE(AppendTextFile("/dev/full", text)) << size;
+        EXPECT_FALSE(WriteBinaryFile("/dev/full", text)) << size;
+    }
 }
 
 TEST(TextFile, IsReadTheSameInPiecesOfAnySize) {

@@ -354,6 +354,9 @@ TEST(Dialup, JudgesTapReplies) {
              {"parity", {{0, "\x06\x8D"}}, 0, "", 3500},
              {"a line first", {{0, "\r\n211 ok\r\n\x06\r\n"}}, 0, "", 3500},
              {"in two reads", {{5400, "211 ok\r\x06"}, {6000, "\r"}}, 0, "211 ok", 6500},
+             {"a line in two reads", {{5400, "211 Pa"}, {6000, "ge ok\r\x06\r"}}, 0, "211 Page ok", 6500},
+             {"the same with parity", {{5400, "\xE1\xE2"}, {6000, "\xE3\x8D\x06\r"}}, 0, "abc", 6500},
+             {"a line a read", {{5400, "wait\r"}, {6000, "211 ok\r\x06\r"}}, 0, "211 ok", 6500},
              {"submitted", {{4000, "Message submitted"}}, 0, "Message submitted", 5500},
              {"submitted, with its line end", {{4000, "Message submitted\r"}}, 0, "Message submitted", 4000},
              {"invalid", {{0, "514 INVALID PAGER\r\x1E\r"}}, 34031, "514 INVALID PAGER", 3500},
@@ -366,6 +369,11 @@ TEST(Dialup, JudgesTapReplies) {
              {"the last moment", {{14'490, "\x06\r"}}, 0, "", 14'490},
              {"too late", {{14'510, "\x06\r"}}, 33505, "", 14'500},
              {"echo", {{0, echo + "\x06\r"}}, 0, "", 3500},
+             {"echo in two reads",
+              {{5400, echo.substr(0, 9)}, {6000, echo.substr(9) + "ok\r\x06\r"}},
+              0,
+              "ok",
+              6500},
              {"echo alone", {{0, echo}}, 33505, "", 14'500},
          }) {
         SCOPED_TRACE(row.name);

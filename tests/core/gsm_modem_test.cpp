@@ -257,6 +257,21 @@ TEST_F(Gsm, ATextIsNoCommand) {
     }
 }
 
+// Also those of an acknowledgement that a modem adds after AT+CSMS=1.
+TEST_F(Gsm, AllDigitsOfTheAnswerAreTheReference) {
+    modem.On("AT+CMGS=\"+31612345678\"", {"\r\n> "});
+    for (const char* keywords : {"ForcePduMode", "ForceTextMode"}) {
+        for (const auto& [answer, reference] :
+             {std::pair{"+CMGS: 7,\"07\"", "707"}, {"+CMGS:0", "0"}, {"+CMGS: 255 ", "255"}}) {
+            gsm.SetAdvancedSettings(keywords);
+            for (const char* data : {kPdu, "a"})
+                modem.On(data, {"\r\n" + std::string(answer) + "\r\n\r\nOK\r\n"});
+            EXPECT_EQ(Send(Message()), 0);
+            EXPECT_EQ(references, reference) << keywords << answer;
+        }
+    }
+}
+
 TEST_F(Gsm, AnOkWithoutAReferenceIsASuccessWithoutAReport) {
     modem.On("AT+CMGS=\"+31612345678\"", {"\r\n> "});
     for (const char* keywords : {"ForcePduMode", "ForceTextMode"}) {
@@ -300,6 +315,50 @@ TEST_F(Gsm, APromptThatDoesNotComeIsCalledOff) {
             EXPECT_EQ(modem.written.ends_with("\r\x1b"), row.escape) << row.answer;
             modem.Forget();
         }
+    }
+}
+
+// Nor may what a modem still waits for when it did not hear the end of the data take the next call's
+// commands.
+TEST_F(Gsm, DataWithoutAResultAreCalledOff) {
+    modem.On("AT+CMGS=\"+31612345678\"", {"\r\n> "});
+    struct Row {
+        const char* answer;
+        std::int32_t code;
+        bool escape;
+    };
+    for (const char* keywords : {"ForcePduMode", "ForceTextMode"}) {
+        for (const Row& row : {Row{"", 30350, true}, Row{"\r\nwhat\r\n", 30351, true},
+                               Row{"\r\n+CMS ERROR: 500\r\n", 30352, false},
+                               Row{"\r\nERROR\r\n", 30352, false}, Row{"\r\nOK\r\n", 0, false}}) {
+            gsm.SetAdvancedSettings(keywords);
+            modem.On(kPdu, {row.answer});
+            modem.On("a", {row.answer});
+            modem.written.clear();
+            EXPECT_EQ(Send(Message()), row.code);
+            EXPECT_EQ(modem.written.ends_with("\x1a\x1b"), row.escape) << row.answer;
+            EXPECT_EQ(modem.written.find('\x1b') != std::string::npos, row.escape) << row.answer;
+            modem.Forget();
+        }
+    }
+}
+
+// A prompt that came after it was called off is open still.
+TEST_F(Gsm, ADialogueThatDoesNotBeginIsCalledOff) {
+    struct Row {
+        const char* command;
+        const char* answer;
+        std::int32_t code;
+        bool escape;
+    };
+    for (const Row& row : {Row{"ATE0", "", 30350, true}, Row{"AT+CPMS=?", "\r\n> ", 30351, true},
+                           Row{"AT+CPMS=?", "\r\nERROR\r\n", 30352, false}}) {
+        ScriptedModem other(clock);
+        other.On(row.command, {row.answer});
+        CGsmModem fresh(other, clock);
+        fresh.settings.device = "COM3";
+        EXPECT_EQ(fresh.Send(Message(), references), row.code) << row.command;
+        EXPECT_EQ(other.written.ends_with("\r\x1b"), row.escape) << row.command;
     }
 }
 

@@ -252,16 +252,17 @@ TEST(HearUntil, TheAnswerIsThereOrTheTriesAreOver) {
     }
 }
 
-TEST_F(Serial, EachReadOfAWaitIsHandedOn) {
+TEST_F(Serial, EachReadOfAWaitIsHandedOnWithTheLineItGoesOnWith) {
     Open();
-    modem.GiveAfter(500, "one");
-    modem.GiveAfter(2500, "two");
-    modem.GiveAfter(2700, "done");
+    modem.GiveAfter(500, "one\r");
+    modem.GiveAfter(2500, "tw");
+    modem.GiveAfter(3500, "o\r");
+    modem.GiveAfter(3700, "done");
     std::vector<std::string> reads;
     const HearUntil wait{.tries = 5, .read = 1000, .text = "done"};
     EXPECT_EQ(Hear(port, wait, [&](std::string_view octets) { reads.emplace_back(octets); }).heard,
-              "onetwodone");
-    EXPECT_EQ(reads, (std::vector<std::string>{"one", "twodone"}));
+              "one\rtwo\rdone");
+    EXPECT_EQ(reads, (std::vector<std::string>{"one\r", "tw", "two\rdone"}));
 }
 
 TEST_F(Serial, AWaitEndsOnAnyLine) {

@@ -162,10 +162,11 @@ TEST_F(Connection, AnswersThatCameBeforeTheConnectionBrokeCount) {
         const std::uint32_t sequence = Submitted().sequence_number;
         answers[i < kWindow / 2 ? 0 : 1] += Pdu(0x80000004, sequence, "id" + std::to_string(i) + "\0"s);
     }
-    // The worker takes the first half, and is about to send more when the rest lies there and the peer is
-    // gone.
+    // A message that is received has the answers before it recorded at once, not when more has been sent: so
+    // the worker is held between reading and sending, while the rest comes and the peer goes.
     const std::string& last = references[kWindow / 2 - 1];
     clock.HoldWhen([&] { return IsAnswered(last); });
+    answers[0] += Pdu(5, 1, std::string(17, '\0'));
     peer.Write(answers[0]);
     clock.AwaitHeld();
     peer.Write(answers[1]);

@@ -478,6 +478,18 @@ TEST_F(Session, NothingVanishesWhenTheSessionDies) {
     EXPECT_EQ(Status("queued"), 12);
 }
 
+// A worker that finds the connection at its end hands on what it has read, and nothing more.
+TEST_F(Session, AnswersReadBeforeTheEndCountBeforeTheRestFails) {
+    Bind();
+    for (const char* reference : {"answered", "unanswered"}) Queue(reference, false);
+    session.OnTick();
+    session.Take(Pdu(0x80000004, 0, 2, std::string("A\0", 2)));
+    session.OnClosed();
+    EXPECT_EQ(Status("answered"), sms::asDELIVERYSTATUS_SUBMITTED);
+    EXPECT_EQ(reports.Query("answered")->providerReference, "A");
+    EXPECT_EQ(Status("unanswered"), sms::asDELIVERYSTATUS_FAILED);
+}
+
 TEST_F(Session, WhatComesBehindAnUnbindInOneReadCounts) {
     for (const bool byServer : {true, false}) {
         CSmppSession other(log, settings, reports, received, clock);
@@ -567,6 +579,36 @@ TEST_F(Session, AHiddenPasswordStandsNowhereInTheLog) {
     EXPECT_NE(masked.find("Password               : ****\n"), std::string::npos);
     EXPECT_NE(masked.find("6D 65 00 2A 2A 2A 2A 00 00 34 00 00 00"), std::string::npos);
     EXPECT_EQ(masked.find("pw"), std::string::npos);
+}
+
+TEST_F(Session, AFieldThatEqualsAHiddenPasswordIsHiddenWithIt) {
+    using namespace std::string_literals;
+    struct Row {
+        const char* systemId;
+        const char* systemType;
+        const char* addressRange;
+        const char* octets;  // of the dumped bind, from the system id on
+    };
+    log.HidePasswords({"pw"});
+    settings.systemPassword = "pw";
+    for (const Row& row : {
+             Row{"pw", "", "", "2A 2A 2A 2A 00 2A 2A 2A 2A 00 00 34 00 00 00 "},
+             Row{"", "pw", "", "00 2A 2A 2A 2A 00 2A 2A 2A 2A 00 34 00 00 00 "},
+             Row{"", "", "pw", "00 2A 2A 2A 2A 00 00 34 00 00 2A 2A 2A 2A 00 "},
+             Row{"pwd", "", "", "70 77 64 00 2A 2A 2A 2A 00 00 34 00 00 00 "},
+         }) {
+        const TemporaryFolder folder;
+        log.SetLogFile(folder.File("log"));
+        settings.systemId = row.systemId;
+        settings.systemType = row.systemType;
+        settings.addressRange = row.addressRange;
+        CSmppSession other(log, settings, reports, received, clock);
+        other.StartBind();
+        EXPECT_EQ(other.Output().substr(16),
+                  row.systemId + "\0pw\0"s + row.systemType + "\0\x34\0\0"s + row.addressRange + '\0');
+        const std::string text = TemporaryFolder::Read(folder.File("log"));
+        EXPECT_NE(text.find(row.octets), std::string::npos) << text;
+    }
 }
 
 TEST_F(Session, ThroughputSpacesTheMessages) {

@@ -98,6 +98,13 @@ class Commands(unittest.TestCase):
             self.assertEqual(port.exchange(command), reply)
         self.assertEqual(port.exchange("00", "\x1a"), ["+CMS", "ERROR:", "500"])
 
+    def test_a_prompt_that_stays_open(self):
+        port = Port(self, rules=[{"match": "PDU", "nth": [1], "do": "lost-end"}])
+        self.assertEqual(port.exchange("AT+CMGS=1"), [">"])
+        self.assertEqual(port.raw("00\x1aAT"), b"")
+        self.assertEqual(port.exchange("", "\x1b"), ["OK"])
+        self.assertEqual(port.exchange("AT"), ["OK"])
+
     def test_replies_that_come_oddly(self):
         port = Port(self, rules=[{"match": "AT+CSQ", "do": "late-end", "ms": 300},
                                  {"match": "AT+CMGF", "do": "no-end"},

@@ -132,6 +132,8 @@ class Dialogue(unittest.TestCase):
             ("split", [{"match": "AT", "do": "split", "ms": 5}], "Result gsm.Send(message)", ["17|0"], 20),
             ("garbage", [{"match": "AT+C", "do": "garbage", "text": "\x00\xff#?"}], "Result gsm.Send(message)",
              ["17|0"], 20),
+            ("lost end", [{"match": "PDU", "nth": [1], "do": "lost-end"}],
+             "Result gsm.Send(message)\nResult gsm.Send(message)", ["|30350", "17|0"], 30),
             ("hang up", [{"match": "AT+CMGF=0", "do": "hangup"}], "Result gsm.Send(message)", None, 15),
         ]
         for name, rules, body, wanted, limit in rows:

@@ -83,9 +83,8 @@ constexpr auto kErrorLines = std::to_array<FinalResult>({
 });
 
 const FinalResult* FinalResultOf(std::string_view line) {
-    const std::string upper = Upper(line);
-    const auto fits = [&](const FinalResult& row) {
-        return row.isBeginning ? upper.starts_with(row.text) : upper == row.text;
+    const auto fits = [line](const FinalResult& row) {
+        return (row.isBeginning || line.size() == row.text.size()) && StartsNoCase(line, row.text);
     };
     for (const auto table :
          {std::span<const FinalResult>(kFinalResults), std::span<const FinalResult>(kErrorLines)}) {
@@ -109,7 +108,7 @@ constexpr auto kUnsolicitedLines = std::to_array<UnsolicitedLine>({
 });
 
 bool BeginsWith(std::string_view line, std::string_view beginning) {
-    return !beginning.empty() && Upper(line.substr(0, beginning.size())) == Upper(beginning);
+    return !beginning.empty() && StartsNoCase(line, beginning);
 }
 
 }  // namespace

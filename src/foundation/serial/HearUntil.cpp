@@ -26,6 +26,11 @@ class Ear {
         return octets;
     }
 
+    // Whether the octets end within a line.
+    bool IsInLine(std::string_view octets) const {
+        return !octets.empty() && (wait_->sevenBits ? octets.back() & 0x7F : octets.back()) >= ' ';
+    }
+
     // Judges what was heard so far, which may end within the echo.
     Heard Judge(std::string_view heard) const {
         heard = heard.substr(0, EchoBegin(heard));
@@ -57,6 +62,7 @@ Hearing Hear(CVrmComIO& port, const HearUntil& wait, const OnRead& onRead) {
     const Ear ear(wait);
     Hearing hearing;
     std::string all;
+    std::size_t begin = 0;  // of the line with which the last read ended
     for (int attempt = 0; attempt < wait.tries && hearing.outcome == Heard::kNotYet; ++attempt) {
         port.GetClock().Sleep(attempt == 0 ? wait.before : wait.pause);
         if (wait.line != nullptr) port.Log(logmask::kVerbatim, "%s", wait.line);
@@ -64,11 +70,12 @@ Hearing Hear(CVrmComIO& port, const HearUntil& wait, const OnRead& onRead) {
         (void)port.ReadBytes(octets, kLongestRead, wait.read, [&](std::string_view arrived) {
             return ear.Judge(ear.HeardOf(all + std::string(arrived))) == Heard::kWhole;
         });
+        if (!ear.IsInLine(all)) begin = all.size();
         all += octets;
         hearing.heard = ear.HeardOf(all);
         hearing.outcome = ear.Judge(hearing.heard);
-        if (!onRead) continue;
-        if (const std::string heard = ear.HeardOf(octets); !heard.empty()) onRead(heard);
+        if (!onRead || octets.empty()) continue;
+        if (const std::string heard = ear.HeardOf(all.substr(begin)); !heard.empty()) onRead(heard);
     }
     return hearing;
 }

@@ -33,7 +33,8 @@ struct Hearing {
     std::string heard;  // in all reads
 };
 
-// `onRead` is given what was heard in each read, unless that was nothing.
+// `onRead` is given what was heard in each read, unless that was nothing; a read that goes on with a line
+// comes together with the one that began it.
 using OnRead = std::function<void(std::string_view octets)>;
 Hearing Hear(CVrmComIO& port, const HearUntil& wait, const OnRead& onRead = {});
 
