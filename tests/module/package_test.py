@@ -80,6 +80,10 @@ class Packages(unittest.TestCase):
             (other / name).parent.mkdir(parents=True, exist_ok=True)
             shutil.copyfile(wine.ROOT / name, other / name)
         shutil.copytree(BUILD / "generated", other / "build/windows/generated")
+        # There is no git in the copy. What editors and samples leave in it is no part of the packages.
+        for name in ("docs/.draft.md.swp", "examples/gsm/reports.txt", "examples/gsm/send.vbs~", "docs/.hidden/page.md"):
+            (other / name).parent.mkdir(exist_ok=True)
+            (other / name).write_text("stray", encoding="ascii")
         for path in other.rglob("*"):
             os.utime(path, (1234567890, 1234567890))
         package(root=other, folder=other / "made", umask=0o077, TZ="Asia/Tokyo", LC_ALL="C", PYTHONHASHSEED="7")
@@ -243,6 +247,28 @@ class Signed(unittest.TestCase):
 
     def verified(self, file, authority):
         return subprocess.run([self.SIGN, "--verify", file, FOLDER / f"{authority}.pem"], stderr=subprocess.DEVNULL, check=False).returncode == 0
+
+    def test_what_cannot_sign_makes_no_package(self):
+        own, none = FOLDER / "own.pem", FOLDER / "none.pem"
+        folder = FOLDER / "unmade"
+        folder.mkdir()
+        earlier = folder / f"{NAME}.msi"
+        rows = [  # the files, the exit code, whether an earlier package stays, what is said at last
+            ((own, none), 2, True, f"package.py: there is no file {none} that can be read\n"),
+            ((own, own), 1, False, f"package.py: NeltCtrlx64.dll cannot be signed with {own} and {own}\n"),
+        ]
+        for files, code, stays, said in rows:
+            with self.subTest(files):
+                earlier.write_bytes(b"earlier")
+                done = subprocess.run([sys.executable, wine.ROOT / "packaging/package.py", BUILD, folder, "--sign", *files],
+                                      capture_output=True, text=True, check=False)
+                self.assertEqual((done.returncode, done.stdout), (code, ""))
+                self.assertTrue(done.stderr.endswith(said), done.stderr)
+                self.assertNotIn("Traceback", done.stderr)
+                self.assertEqual([path.name for path in folder.iterdir()], [earlier.name] if stays else [])
+        done = subprocess.run(["scripts/package.sh", "--sign", own, none], cwd=wine.ROOT, capture_output=True, text=True, check=False)
+        self.assertEqual((done.returncode, done.stdout), (2, ""))
+        self.assertEqual(done.stderr, f"scripts/package.sh: there is no file {none} that can be read\n")
 
     def test_module_and_installer(self):
         folder = package("--sign", FOLDER / "own.pem", FOLDER / "own.key", folder=FOLDER / "signed")
