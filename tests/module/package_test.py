@@ -188,12 +188,12 @@ class Installed(unittest.TestCase):
     def test_the_tables_hold_what_the_module_registers(self):
         self.installed()
         module = wine.windows_path(HOME / "NeltCtrlx64.dll").replace(wine.windows_path(DRIVE), "C:")
-        by_tables = registered(registry())
+        by_tables = registered(registry("Classes"))
         self.assertGreater(len(by_tables), 10 * len(CLASSES))
         self.assertEqual(wine.run("regsvr32", "/s", "/u", module)[0], 0)
-        self.assertEqual(registered(registry()), {})
+        self.assertEqual(registered(registry("Classes")), {})
         self.assertEqual(wine.run("regsvr32", "/s", module)[0], 0)
-        self.assertEqual(registered(registry()), by_tables)
+        self.assertEqual(registered(registry("Classes")), by_tables)
 
     def test_what_others_put_below_our_keys_goes_and_the_rest_stays(self):
         self.installed()
