@@ -4,7 +4,7 @@
 #
 #     ./demo.sh [CHANNEL ...]          all channels, or these: gsm smpp http pager ucp tap mm1 mm4 mm7
 #     ./demo.sh --lab [CHANNEL ...]    starts the counterparts and shows what they see, for scripts of your own;
-#                                      with --any-port on free TCP ports, beside another lab
+#                                      with --any-port on free TCP ports, when the usual ones are taken
 set -eu
 case ${1:-} in -h | --help) sed -n '2,/^set/s/^# \{0,1\}//p' "$0"; exit ;; esac
 cd "$(dirname "$0")"

@@ -4,7 +4,7 @@
     ./demo.sh              every channel
     ./demo.sh gsm mm1      these channels
     ./demo.sh --lab        no scripts: every counterpart at once, for scripts of your own
-    ./demo.sh --lab --any-port    the same beside another lab, on free TCP ports
+    ./demo.sh --lab --any-port    the same on free TCP ports, when the usual ones are taken
 """
 import argparse
 import dataclasses
