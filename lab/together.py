@@ -124,11 +124,11 @@ async def run(options):
     loop = asyncio.get_running_loop()
     for number in (signal.SIGTERM, signal.SIGINT):
         loop.add_signal_handler(number, ended.set)
-    if not options.links.is_dir():
+    lab, following = Lab(options), []
+    if not options.links.is_dir() and any(peer.com for channel in lab.channels for peer in channel.peers):
         raise RuntimeError(f"there is no folder {options.links} for the COM ports: ./demo.sh makes that of Wine, --links names another")
     options.scenarios.mkdir(parents=True, exist_ok=True)
     prepare()
-    lab, following = Lab(options), []
     try:
         await lab.start()
         print(f"{lab.words()}\n\nCtrl-C ends all of them. What they see:\n", flush=True)
