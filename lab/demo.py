@@ -4,6 +4,7 @@
     ./demo.sh              every channel
     ./demo.sh gsm mm1      these channels
     ./demo.sh --lab        no scripts: every counterpart at once, for scripts of your own
+    ./demo.sh --lab --any-port    the same on free TCP ports, when the usual ones are taken
 """
 import argparse
 import dataclasses
@@ -49,7 +50,7 @@ class Shown:
         failure = re.search(r"failed: (.*)", self.output)
         result = failure[1] if failure else "Success" if self.code == 0 else "stopped"
         return [self.channel, str(self.count("Sent")), str(self.count("Received")), ", ".join(dict.fromkeys(reports)) or "-",
-                f"{self.seconds:.1f} s", result]
+                result, f"{self.seconds:.1f} s"]
 
     def count(self, word):
         return len(re.findall(rf"^ *{word} ", self.output, re.M))
@@ -88,14 +89,20 @@ def main(arguments=None):
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     together.add_arguments(parser)
     parser.add_argument("--lab", action="store_true", help="only start the counterparts, and show what they see")
+    parser.add_argument("--check", action="store_true", help="only look whether the arguments are right")
     options = together.parse(parser, arguments)
+    if options.check:
+        return 0
     if options.lab:
-        together.main(options.channels)
+        together.main([*options.channels, *["--any-port"] * options.any_port])
         return 0
     shutil.rmtree(WORK, ignore_errors=True)
     prepare()
-    shown = [present(channel) for channel in CHANNELS if channel.name in options.channels]
-    print(together.table(["channel", "sent", "received", "report", "time", "result"], [one.row() for one in shown]))
+    try:
+        shown = [present(channel) for channel in CHANNELS if channel.name in options.channels]
+    except RuntimeError as fault:
+        parser.exit(1, f"demo: {fault}\n")
+    print(together.table(["channel", "sent", "received", "report", "result", "time"], [one.row() for one in shown]))
     return next((one.code for one in shown if one.code != 0), 0)
 
 

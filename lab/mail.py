@@ -8,14 +8,11 @@ The answers to its prompts are the events "account" and "password", the end of a
 """
 import asyncio
 import logging
-import sys
 import warnings
 
-try:
-    import aiosmtpd  # noqa: F401
-except ImportError:  # another Python than the system's does not look where Debian puts its packages
-    sys.path.append("/usr/lib/python3/dist-packages")
-from aiosmtpd.smtp import SMTP, AuthResult
+from base import packages
+packages.find("aiosmtpd")
+from aiosmtpd.smtp import SMTP, AuthResult  # noqa: E402
 
 from base.line import HangUp, Line
 from base.scenario import Action

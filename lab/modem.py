@@ -21,6 +21,7 @@ The events of a scenario are the commands, and "PDU" the data behind the prompt 
 of TAP "ID", "PG1", "BLOCK" and "EOT", and "+++ATH0".
 """
 import asyncio
+import fcntl
 import os
 import re
 
@@ -37,6 +38,18 @@ NO_COMMAND = CANCEL + SUBMIT + b" \n"  # is ignored around a command
 
 def hexadecimal(text):
     return int(text, 16)
+
+
+def claim(link):
+    """The lock of a link, a file beside it: it holds until its modem closes it or ends, however it ends."""
+    folder, name = os.path.split(link)
+    lock = open(os.path.join(folder, f".{name}.lock"), "w", encoding="ascii")
+    try:
+        fcntl.flock(lock, fcntl.LOCK_EX | fcntl.LOCK_NB)
+    except BlockingIOError as fault:
+        lock.close()
+        raise OSError(f"{name.upper()} has another modem; end that lab first") from fault
+    return lock
 
 
 class Storages:
@@ -562,7 +575,7 @@ class Modem(Program):
 
     def __init__(self, options):
         super().__init__(options)
-        self.terminal = None
+        self.terminal = self.lock = None
         self.storages = Storages(options.storages.split(","), options.combined)
         try:
             self.contexts = Contexts(options.context_numbers, options.context)
@@ -584,6 +597,7 @@ class Modem(Program):
         link = self.options.link
         if os.path.lexists(link) and not os.path.islink(link):
             raise Refused(f"{link} is there and no link")
+        self.lock = claim(link)
         line, self.terminal = await Line.pseudo_terminal()
         if os.path.islink(link):
             os.unlink(link)
@@ -599,9 +613,10 @@ class Modem(Program):
         self.ended.set()
 
     async def close(self):
-        # Another modem may have taken the link over.
         if self.terminal and os.path.islink(self.options.link) and os.readlink(self.options.link) == self.terminal:
             os.unlink(self.options.link)
+        if self.lock:
+            self.lock.close()
 
 
 if __name__ == "__main__":

@@ -7,10 +7,12 @@ Each counterpart takes a scenario from its file in the folder of scenarios, and 
 """
 import argparse
 import asyncio
+import itertools
 import pathlib
 import re
 import signal
 import sys
+import textwrap
 
 from base.launch import LAB
 from base.wine import PREFIX, ROOT
@@ -38,7 +40,9 @@ class Running:
             stderr=asyncio.subprocess.STDOUT, start_new_session=True)  # Ctrl-C is for this program alone
         first = (await self.process.stdout.readline()).decode()
         if not re.search(r" ready ", first):
-            raise RuntimeError(f"{self.peer.program} does not start: {first}{(await self.process.stdout.read()).decode()}")
+            said = (first + (await self.process.stdout.read()).decode()).strip()
+            elsewhere = " (another lab? --any-port listens elsewhere)" if "address already in use" in said else ""
+            raise RuntimeError(f"{self.peer.program} does not start: {said}{elsewhere}")
         self.address = self.address or first.split()[-1]
 
     async def follow(self, width):
@@ -48,8 +52,9 @@ class Running:
         print(f"{self.name:{width}} | ended with {await self.process.wait()}", flush=True)
 
     async def stop(self):
-        if self.process and self.process.returncode is None:
-            self.process.terminate()
+        """By the end of its input: a signal asks first whether the process is still there, which takes its end from asyncio."""
+        if self.process:
+            self.process.stdin.close()
             await self.process.wait()
 
     @property
@@ -57,9 +62,12 @@ class Running:
         return self.address if self.peer.com else f"127.0.0.1:{self.address}"
 
     @property
+    def shown(self):
+        return self.scenario.relative_to(ROOT) if self.scenario.is_relative_to(ROOT) else self.scenario
+
+    @property
     def to_misbehave(self):
-        shown = self.scenario.relative_to(ROOT) if self.scenario.is_relative_to(ROOT) else self.scenario
-        return f"echo '[{self.peer.misbehave}]' >{shown}"
+        return f"lab/{self.peer.program}: echo '[{self.peer.misbehave}]' >{self.shown}"
 
 
 class Lab:
@@ -81,24 +89,27 @@ class Lab:
     async def stop(self):
         await asyncio.gather(*(one.stop() for one in self.running.values()))
 
-    def title(self, peer):
-        """Its name, and the channels that share it."""
-        others = [channel.name for channel in self.channels if peer in channel.peers[:1]][1:]
-        return ", ".join([self.running[peer].name, *others])
-
     def words(self):
-        of_channels = []
+        rows = []
         for channel in self.channels:
             peers = [self.running[peer] for peer in channel.peers]
-            of_channels.append([channel.name, ", ".join(peer.place for peer in peers),
-                                channel.settings.format(*(peer.address for peer in peers))])
-        return (table(["channel", "listens at", "what to set"], of_channels) + "\n\n" +
-                table(["counterpart", "to make it misbehave (its --help names every event and action)"],
-                      [[self.title(peer), one.to_misbehave] for peer, one in self.running.items()]))
+            told = [*wrapped(channel.settings.format(*(peer.address for peer in peers))), *(peer.to_misbehave for peer in peers)]
+            places = [peer.place for peer in peers]
+            rows += itertools.zip_longest([channel.name], places, told, fillvalue="")
+        first = self.running[self.channels[0].peers[0]]
+        return (table(["channel", "listens at", "what to set, and below it how to make it misbehave"], rows) +
+                f"\n\nlab/{first.peer.program} --help, and that of the others, names every event and action. The way back: "
+                f"echo '[]' >{first.shown}")
 
     def follow(self):
         width = max(len(one.name) for one in self.running.values())
         return [asyncio.create_task(one.follow(width)) for one in self.running.values()]
+
+
+def wrapped(settings):
+    """What to set, in lines that fit beside the other columns; none ends within a setting."""
+    lines = textwrap.wrap(settings.replace(" = ", "\0=\0"), 110, break_long_words=False, break_on_hyphens=False, subsequent_indent="    ")
+    return [line.replace("\0", " ") for line in lines]
 
 
 def table(titles, rows):
@@ -113,9 +124,11 @@ async def run(options):
     loop = asyncio.get_running_loop()
     for number in (signal.SIGTERM, signal.SIGINT):
         loop.add_signal_handler(number, ended.set)
+    lab, following = Lab(options), []
+    if not options.links.is_dir() and any(peer.com for channel in lab.channels for peer in channel.peers):
+        raise RuntimeError(f"there is no folder {options.links} for the COM ports: ./demo.sh makes that of Wine, --links names another")
     options.scenarios.mkdir(parents=True, exist_ok=True)
     prepare()
-    lab, following = Lab(options), []
     try:
         await lab.start()
         print(f"{lab.words()}\n\nCtrl-C ends all of them. What they see:\n", flush=True)
@@ -129,6 +142,7 @@ async def run(options):
 def add_arguments(parser):
     names = [channel.name for channel in CHANNELS]
     parser.add_argument("channels", nargs="*", metavar="CHANNEL", help=f"of {', '.join(names)}; all when none is named")
+    parser.add_argument("--any-port", action="store_true", help="the lab listens on free ports, not on the usual ones")
     parser.set_defaults(names=names)
 
 
@@ -146,7 +160,6 @@ def main(arguments=None):
     add_arguments(parser)
     parser.add_argument("--links", type=pathlib.Path, default=PREFIX / "dosdevices", help="folder of the COM ports' links")
     parser.add_argument("--scenarios", type=pathlib.Path, default=ROOT / "build/lab", help="folder of the scenarios' files")
-    parser.add_argument("--any-port", action="store_true", help="listen on free ports, not on the usual ones")
     try:
         asyncio.run(run(parse(parser, arguments)))
     except RuntimeError as fault:

@@ -8,13 +8,18 @@ if [ $# != 0 ] && { [ $# != 3 ] || [ "$1" != --sign ]; }; then
   echo "usage: $0 [--sign CERT KEY]" >&2
   exit 2
 fi
-here=$PWD
+if [ $# != 0 ]; then
+  for file in "$2" "$3"; do
+    if [ ! -f "$file" ] || [ ! -r "$file" ]; then
+      echo "$0: there is no file $file that can be read" >&2
+      exit 2
+    fi
+  done
+  # The files are named from where the caller stands.
+  set -- --sign "$(realpath "$2")" "$(realpath "$3")"
+fi
 cd "$(dirname "$0")/.."
 scripts/install.sh package
 scripts/build.sh module
-if [ $# != 0 ]; then
-  # The files were named from where the caller stands.
-  set -- --sign "$(cd "$here" && realpath "$2")" "$(cd "$here" && realpath "$3")"
-fi
 python3 packaging/package.py build/windows build/package "$@"
 ls -l build/package

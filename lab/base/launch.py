@@ -25,7 +25,8 @@ class Counterpart:
                                             stderr=subprocess.STDOUT)
         while not (found := re.search(r" ready (.*)\n", self.output())):
             if self.process.poll() is not None:
-                raise RuntimeError(f"{program} does not start: {self.output()}")
+                self.process.stdin.close()
+                raise RuntimeError(f"{program} does not start: {self.output().strip()}")
             time.sleep(0.02)
         self.ready = found[1]  # what stands behind "ready"
 

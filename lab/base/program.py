@@ -107,7 +107,7 @@ class Program:
             asyncio.run(cls(options).run())
         except Refused as fault:
             parser.exit(2, f"{cls.name()}: {fault}\n")
-        except (OSError, OverflowError) as fault:
+        except OSError as fault:
             parser.exit(1, f"{cls.name()}: {fault}\n")
 
     async def run(self):

@@ -3,6 +3,7 @@ import asyncio
 
 from base.line import LIMIT, Line
 from base.program import Program
+from base.scenario import Refused
 
 
 class Server(Program):
@@ -11,6 +12,8 @@ class Server(Program):
 
     def __init__(self, options):
         super().__init__(options)
+        if not 0 <= options.port < 1 << 16:
+            raise Refused(f"{options.port} is no TCP port")
         self.socket = None
         self.conversations = set()
 

@@ -1,11 +1,16 @@
 """Every command of the project tells its arguments when it is asked, and refuses, before it does anything, what it does not know."""
+import re
 import subprocess
 import sys
 import unittest
 
 from markdown import ROOT
 
+sys.path.insert(0, str(ROOT / "lab"))
+from channels import CHANNELS  # noqa: E402
+
 REFUSED = {  # words that each does not take
+    "demo.sh": ["--x", "x", "gsm x", "--lab x"],
     "test.sh": ["--ful", "--full x"],
     "scripts/bench.sh": ["x"],
     "scripts/build.sh": ["", "x", "native x"],
@@ -26,12 +31,16 @@ def run(name, *words):
 
 class Commands(unittest.TestCase):
     def test_tell_their_arguments(self):
-        for name in ("demo.sh", *REFUSED):
+        for name in REFUSED:
             for word in ("-h", "--help"):
                 with self.subTest(name, word=word):
                     done = run(name, word)
                     self.assertEqual((done.returncode, done.stderr), (0, ""))
                     self.assertIn(name.rpartition("/")[2], done.stdout)
+
+    def test_the_demo_tells_its_channels(self):
+        told = re.search(r"these: (.*)", run("demo.sh", "--help").stdout)[1]
+        self.assertEqual(told.split(), [channel.name for channel in CHANNELS])
 
     def test_are_all_here(self):
         commands = {f"scripts/{path.name}" for path in (ROOT / "scripts").glob("*.*")} - {"scripts/wine.sh"}  # sourced

@@ -2,16 +2,19 @@
 import dataclasses
 import pathlib
 import re
-import subprocess
+import sys
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
+sys.path.insert(0, str(ROOT / "packaging"))
+import sources  # noqa: E402
 
 
 def tracked(*patterns):
-    """The files of the project, also those that are not committed yet."""
-    listed = subprocess.run(["git", "ls-files", "-co", "--exclude-standard", "--", *patterns], cwd=ROOT, check=True,
-                            stdout=subprocess.PIPE, text=True).stdout
-    return [path for path in (ROOT / name for name in sorted(listed.splitlines())) if path.is_file()]
+    """The files of the project with such names, also those that are not committed yet."""
+    names = sources.listed(ROOT, "-co", "--exclude-standard")
+    if names is None:
+        names = sources.found(ROOT)
+    return [ROOT / name for name in names if any(pathlib.PurePath(name).match(pattern) for pattern in patterns)]
 
 
 def documents():

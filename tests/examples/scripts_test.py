@@ -7,11 +7,14 @@ import sys
 import tempfile
 import unittest
 
-from pygments.lexers import PowerShellLexer
-from pygments.token import Token
-
 sys.path.insert(0, str(pathlib.Path(__file__).parent))
 import interface  # noqa: E402
+
+sys.path.insert(0, str(interface.ROOT / "lab"))
+from base import packages  # noqa: E402
+packages.find("pygments")
+from pygments.lexers import PowerShellLexer  # noqa: E402
+from pygments.token import Token  # noqa: E402
 
 TYPES = interface.read_listing()
 CREATED = interface.interfaces_by_progid(TYPES)

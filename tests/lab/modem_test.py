@@ -149,6 +149,24 @@ class Commands(unittest.TestCase):
         self.assertEqual(port.modem.process.wait(10), 0)
         self.assertFalse(link.is_symlink())
 
+    def test_a_link_belongs_to_one_modem_as_long_as_that_lives(self):
+        link = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()), "com5")
+        first = self.enterContext(program("modem.py", "--link", link))
+        terminal = os.readlink(link)
+        with self.assertRaisesRegex(RuntimeError, "modem: COM5 has another modem; end that lab first$"):
+            self.enterContext(program("modem.py", "--link", link))
+        self.assertEqual(os.readlink(link), terminal)
+        first.process.kill()
+        first.process.wait()
+        self.assertTrue(link.is_symlink())  # of a dead modem, which the next one takes over
+        second = self.enterContext(program("modem.py", "--link", link))
+        port = os.open(link, os.O_RDWR | os.O_NOCTTY)
+        self.addCleanup(os.close, port)
+        os.write(port, b"AT\r")
+        self.assertTrue(select.select([port], [], [], 10)[0])
+        self.assertEqual(second.close(), 0)
+        self.assertFalse(link.is_symlink())
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -133,7 +133,7 @@ class Programs(unittest.TestCase):
                 (["smsc.py", "--scenario", "/none.json"], 2, "smsc: scenario /none.json: No such file"),
                 (["smsc.py", "--deliver", "parts:1,3 +31 x"], 2, "smsc: cannot deliver 'parts:1,3 +31 x': 1,3 is not"),
                 (["smsc.py", "--port", taken.getsockname()[1]], 1, "smsc: [Errno 98]"),
-                (["smsc.py", "--port", 70000], 1, "smsc: "),
+                (["smsc.py", "--port", 70000], 2, "smsc: 70000 is no TCP port\n"),
                 (["modem.py", "--link", "/none/modem"], 1, "modem: [Errno 2]"),
                 (["modem.py", "--link", __file__], 2, f"modem: {__file__} is there and no link"),
                 (["modem.py", "--link", "x", "--message", "text XX +31 Hi"], 2, "modem: cannot store"),

@@ -44,11 +44,15 @@ class Together(unittest.TestCase):
     def test_the_table_leads_to_each_and_one_stream_shows_them(self):
         for channel in CHANNELS:
             with self.subTest(channel.name):
-                self.assertRegex(self.table, rf"(?m)^{channel.name} +(COM{channel.peers[0].com or '-'}|127\.0\.0\.1:\d+).* +\w+: ")
-        rows = re.findall(r"(?m)^(([\w.]+)(?:, \w+)*) +echo '\[{.*}\]' >.*/\2\.json$", self.table)
-        names = [name for _, name in rows]
+                self.assertRegex(self.table, rf"(?m)^{channel.name} +(COM{channel.peers[0].com or '-'}|127\.0\.0\.1:\d+) +\w+: ")
+        rows = re.findall(r"(?m)^.* {26}lab/(\w+\.py): echo '\[{.*}\]' >.*/([\w.]+)\.json$", self.table)
+        self.assertEqual([program for program, _ in rows], [peer.program for channel in CHANNELS for peer in channel.peers])
+        names = {name for _, name in rows}
         self.assertEqual(len(names), len({peer for channel in CHANNELS for peer in channel.peers}))
-        self.assertEqual([title for title, name in rows if title != name], ["mm1, mm7"])
+        self.assertEqual(rows[-1], ("mmsc.py", "mm1"))  # MM7 shares the centre of MM1
+        wide = [line for line in self.table.split("\n") if len(line.replace(f"{self.folder}/rules", "build/lab")) > 140]
+        self.assertEqual(wide, [])
+        self.assertIn(f"echo '[]' >{self.folder}/rules/gsm.json\n", self.table)
         port = int(re.search(r"(?m)^pager +127\.0\.0\.1:(\d+)", self.table)[1])
         with socket.create_connection(("127.0.0.1", port), 10) as pager, pager.makefile("rw", newline="\r\n") as line:
             def ask(text):
@@ -60,7 +64,7 @@ class Together(unittest.TestCase):
                 answer = ask(command)
             self.assertEqual(answer, "250 Message sent")
             self.assertRegex(self.until("5551212"), r"(?m)^pager +\| page for 5551212: Hello$")
-            rule = re.search(r"(?m)^pager +echo '(.*)' >", self.table)[1]
+            rule = re.search(r"lab/pager.py: echo '(.*)' >", self.table)[1]
             (self.folder / "rules/pager.json").write_text(rule, encoding="utf-8")
             self.assertEqual(ask("PAGE 5551212"), "550 refused")
             self.until("new scenario, rules: 1")
@@ -79,14 +83,26 @@ class Together(unittest.TestCase):
         self.assertEqual(sorted(re.findall(r"(?m)^([\w.]+) +\| ended with 0$", rest)), sorted(names))
         self.assertEqual([*self.folder.glob("com*")], [])
 
-    def test_one_that_cannot_start_is_named(self):
+    def fails(self, *arguments):
+        done = subprocess.run([sys.executable, LAB / "together.py", "--scenarios", self.folder / "other", *arguments],
+                              capture_output=True, text=True, timeout=60, check=False)
+        self.assertEqual((done.returncode, done.stdout), (1, ""))
+        return done.stderr
+
+    def test_one_that_cannot_start_is_named_and_takes_nothing(self):
+        terminal = os.readlink(self.folder / "com5")
+        self.assertEqual(self.fails("--links", self.folder, "--any-port"),
+                         "lab: modem.py does not start: modem: COM5 has another modem; end that lab first\n")
+        self.assertEqual(os.readlink(self.folder / "com5"), terminal)
+        self.assertRegex(self.fails("--links", self.folder / "none"), rf"^lab: there is no folder {self.folder}/none for the COM ports: .*\n$")
         port = re.search(r"(?m)^smpp +127\.0\.0\.1:(\d+)", self.table)[1]
-        done = subprocess.run([sys.executable, "-c", "import sys; sys.path.insert(0, sys.argv[1]); import together, channels; "
+        done = subprocess.run([sys.executable, "-X", "dev", "-c", "import sys; sys.path.insert(0, sys.argv[1]); import together, channels; "
                                "together.CHANNELS[:] = [channels.Channel('smpp', '', (channels.Peer('smsc.py', ('--port', sys.argv[2]), '', ''),), '')]; "
-                               "together.main(['smpp', '--scenarios', sys.argv[3]])", LAB, port, self.folder / "other"],
+                               "together.main(['smpp', '--scenarios', sys.argv[3], '--links', '/none'])", LAB, port, self.folder],
                               capture_output=True, text=True, timeout=60, check=False)
         self.assertEqual(done.returncode, 1)
-        self.assertIn("lab: smsc.py does not start: smsc: ", done.stderr)
+        self.assertRegex(done.stderr, r"^lab: smsc.py does not start: smsc: .*address already in use "
+                                      r"\(another lab\? --any-port listens elsewhere\)\n$")
 
 
 if __name__ == "__main__":

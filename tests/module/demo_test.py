@@ -55,5 +55,19 @@ class Scripts(unittest.TestCase):
                 self.assertEqual(self.play(text), wanted)
 
 
+class Ports(unittest.TestCase):
+    def test_the_port_of_another_lab_is_left_to_it(self):
+        with wine.modem(5) as other:
+            link = wine.PREFIX / "dosdevices/com5"
+            terminal = link.readlink()
+            with contextlib.redirect_stdout(io.StringIO()), contextlib.redirect_stderr(io.StringIO()) as said, \
+                    self.assertRaises(SystemExit) as ended:
+                demo.main(["gsm"])
+            self.assertEqual(ended.exception.code, 1)
+            self.assertEqual(said.getvalue(),
+                             "demo: modem.py does not start: modem: COM5 has another modem; end that lab first\n")
+            self.assertEqual((link.readlink(), other.commands()), (terminal, []))
+
+
 if __name__ == "__main__":
     unittest.main()

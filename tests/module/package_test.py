@@ -1,6 +1,7 @@
 """The packages: the same twice, installed and used and removed, used without registration, and signed. In a prefix of its own,
 in which nothing is registered."""
 import contextlib
+import functools
 import os
 import pathlib
 import re
@@ -28,6 +29,9 @@ NAME = "NeltCtrl-5.3.10-x64"
 CLASSES = [row.name for row in component.classes()]
 DRIVE = FOLDER / "prefix/drive_c"
 HOME = DRIVE / "Program Files/Quorvane/Velqar"
+SETTINGS, UNINSTALL = r"Quorvane\Velqar", r"Microsoft\Windows\CurrentVersion\Uninstall"
+CHANGED = [root + key for root in ("", "Wow6432Node\\")
+           for key in ("Classes", "Quorvane", r"Microsoft\Windows\CurrentVersion\Installer", UNINSTALL)]
 LIBRARY = "{52FC26A8-E26C-4C45-A617-BD173EF0AE9C}"
 
 
@@ -46,21 +50,35 @@ def unpacked():
         yield pathlib.Path(path).resolve() / NAME
 
 
-def registry():
-    """What of HKEY_LOCAL_MACHINE\\Software an installation changes, but for what the system's installer leaves empty."""
-    file = FOLDER / "registry.reg"
-    wine.run("reg", "export", r"HKLM\Software", wine.windows_path(file), "/y")
-    found, key = {}, None
-    text = file.read_text(encoding="utf-16").replace("\\\n  ", "")
-    for line in text.split("\n"):
-        if line.startswith("["):
-            key = line[1:-1].removeprefix("HKEY_LOCAL_MACHINE\\Software\\")
-            found[key] = {}
-        elif "=" in line and key:
-            name, _, value = line.partition("=")
-            found[key][name.strip('"')] = value.strip('"').replace("\\\\", "\\")
-    changed = re.compile(r"(Wow6432Node\\)?(Classes|Quorvane|Microsoft\\Windows\\CurrentVersion\\(Installer|Uninstall))(\\|$)")
-    return {key: values for key, values in found.items() if changed.match(key) and (values or "\\Installer" not in key)}
+@functools.cache
+def made():
+    """The packages as they are made, unsigned."""
+    return package()
+
+
+def commands(*lines):
+    """Runs the programs that the lines name, in one start of Wine; one that fails stops none."""
+    batch = FOLDER / "batch.cmd"
+    batch.write_text("".join(f"@{line}\r\n" for line in lines), encoding="ascii", newline="")
+    wine.run("cmd", "/c", wine.windows_path(batch))
+
+
+def registry(*keys):
+    """What of HKEY_LOCAL_MACHINE\\Software an installation changes, or of it these keys, but for what the system's installer leaves
+    empty. A key may be missing."""
+    folder = pathlib.Path(tempfile.mkdtemp(dir=FOLDER))
+    commands(*(rf'reg export "HKLM\Software\{key}" {wine.windows_path(folder / f"{number}.reg")} /y'
+               for number, key in enumerate(keys or CHANGED)))
+    found = {}
+    for file in folder.iterdir():
+        for line in file.read_text(encoding="utf-16").replace("\\\n  ", "").split("\n"):
+            if line.startswith("["):
+                key = line[1:-1].removeprefix("HKEY_LOCAL_MACHINE\\Software\\")
+                found[key] = {}
+            elif "=" in line:
+                name, _, value = line.partition("=")
+                found[key][name.strip('"')] = value.strip('"').replace("\\\\", "\\")
+    return {key: values for key, values in found.items() if values or "\\Installer" not in key}
 
 
 def registered(found):
@@ -80,7 +98,7 @@ class Packages(unittest.TestCase):
     """Made before the first of them."""
     @classmethod
     def setUpClass(cls):
-        package()
+        made()
 
     def test_the_same_octets_from_another_folder_and_time(self):
         other = FOLDER / "other"
@@ -90,6 +108,10 @@ class Packages(unittest.TestCase):
             (other / name).parent.mkdir(parents=True, exist_ok=True)
             shutil.copyfile(wine.ROOT / name, other / name)
         shutil.copytree(BUILD / "generated", other / "build/windows/generated")
+        # There is no git in the copy. What editors and samples leave in it is no part of the packages.
+        for name in ("docs/.draft.md.swp", "examples/gsm/reports.txt", "examples/gsm/send.vbs~", "docs/.hidden/page.md"):
+            (other / name).parent.mkdir(exist_ok=True)
+            (other / name).write_text("stray", encoding="ascii")
         for path in other.rglob("*"):
             os.utime(path, (1234567890, 1234567890))
         package(root=other, folder=other / "made", umask=0o077, TZ="Asia/Tokyo", LC_ALL="C", PYTHONHASHSEED="7")
@@ -143,14 +165,22 @@ class Packages(unittest.TestCase):
 class Installed(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        package()
-        cls.package = FOLDER / f"{NAME}.msi"
+        cls.package = made() / f"{NAME}.msi"
         wine.lines_of("", "vbs")  # Wine registers some of its own with the first script
         cls.before = registry()
 
-    def installed(self, *options):
-        self.assertEqual(install(self.package, *options), 0)
-        self.addCleanup(install, self.package, way="/x")
+    def setUp(self):
+        self.there = None
+        self.addCleanup(lambda: self.there and install(self.there, way="/x"))
+
+    def installed(self, *options, path=None):
+        path = path or self.package
+        self.assertEqual(install(path, *options), 0)
+        self.there = path
+
+    def removed(self):
+        self.assertEqual(install(self.there, way="/x"), 0)
+        self.there = None
 
     def assert_as_before(self, found):
         differing = {key for key in found.keys() | self.before.keys() if found.get(key) != self.before.get(key)}
@@ -162,57 +192,54 @@ class Installed(unittest.TestCase):
         programs = "\n".join(f'WScript.Echo TypeName(CreateObject("{row.prog_id}"))\n'
                              f'WScript.Echo TypeName(CreateObject("{row.prog_id}.1"))' for row in component.classes())
         self.assertEqual(wine.lines_of(programs, "vbs"), [f"I{name}" for name in CLASSES for _ in range(2)])
-        self.assertEqual(registry()[r"Quorvane\Velqar"], {"InstallRoot": "C:\\Program Files\\Quorvane\\Velqar\\"})
+        self.assertEqual(registry(SETTINGS)[SETTINGS], {"InstallRoot": "C:\\Program Files\\Quorvane\\Velqar\\"})
         self.assertTrue((HOME / "Providers").is_dir())
         with zipfile.ZipFile(FOLDER / f"{NAME}.zip") as archive:
             for name in archive.namelist():
                 self.assertEqual((HOME / name.removeprefix(f"{NAME}/")).read_bytes(), archive.read(name), name)
-        self.assertEqual(install(self.package, way="/x"), 0)
+        self.removed()
         self.assert_as_before(registry())
         self.assertFalse(HOME.parent.exists())
 
     def test_the_tables_hold_what_the_module_registers(self):
         self.installed()
         module = wine.windows_path(HOME / "NeltCtrlx64.dll").replace(wine.windows_path(DRIVE), "C:")
-        by_tables = registered(registry())
+        by_tables = registered(registry("Classes"))
         self.assertGreater(len(by_tables), 10 * len(CLASSES))
         self.assertEqual(wine.run("regsvr32", "/s", "/u", module)[0], 0)
-        self.assertEqual(registered(registry()), {})
+        self.assertEqual(registered(registry("Classes")), {})
         self.assertEqual(wine.run("regsvr32", "/s", module)[0], 0)
-        self.assertEqual(registered(registry()), by_tables)
+        self.assertEqual(registered(registry("Classes")), by_tables)
 
     def test_what_others_put_below_our_keys_goes_and_the_rest_stays(self):
         self.installed()
-        clsid = component.classes()[0].clsid
-        theirs, settings = r"HKLM\Software\Classes\QuorvaneBeside", r"HKLM\Software\Quorvane\Velqar"
-        wine.run("reg", "add", rf"HKLM\Software\Classes\CLSID\{clsid}\Implemented Categories\X", "/f")
-        wine.run("reg", "add", theirs, "/f")
-        wine.run("reg", "add", settings, "/v", "AdvancedSettings", "/d", "MaskPasswords=1", "/f")
+        below, theirs = rf"Classes\CLSID\{component.classes()[0].clsid}\Implemented Categories\X", r"Classes\QuorvaneBeside"
+        commands(rf'reg add "HKLM\Software\{below}" /f', rf"reg add HKLM\Software\{theirs} /f",
+                 rf"reg add HKLM\Software\{SETTINGS} /v AdvancedSettings /d MaskPasswords=1 /f")
+        self.assertIn(below, registry(below))
         (HOME / "Providers/own.ini").write_text("[Provider]\n", encoding="ascii")
-        self.assertEqual(install(self.package, way="/x"), 0)
+        self.removed()
         after = registry()
-        self.assertEqual(after.pop(r"Quorvane\Velqar"), {"AdvancedSettings": "MaskPasswords=1"})
+        self.assertEqual(after.pop(SETTINGS), {"AdvancedSettings": "MaskPasswords=1"})
         after.pop("Quorvane")
-        after.pop(r"Classes\QuorvaneBeside")
+        after.pop(theirs)
         self.assert_as_before(after)
         self.assertEqual([path.name for path in HOME.rglob("*")], ["Providers", "own.ini"])
         shutil.rmtree(HOME.parent)
-        for key in (theirs, r"HKLM\Software\Quorvane"):
-            wine.run("reg", "delete", key, "/f")
+        commands(*(rf"reg delete HKLM\Software\{key} /f" for key in (theirs, "Quorvane")))
 
     def test_a_newer_version_replaces_an_older_where_it_lies(self):
         self.installed(r"INSTALLDIR=C:\Own Place")
         newer = package("--release", "5.4.0") / "NeltCtrl-5.4.0-x64.msi"
-        self.addCleanup(install, newer, way="/x")
-        self.assertEqual(install(newer), 0)
-        installed = [values for key, values in registry().items()
-                     if key.startswith(r"Microsoft\Windows\CurrentVersion\Uninstall") and values.get("DisplayName") == "Velqar"]
+        self.installed(path=newer)
+        changed = registry(UNINSTALL, SETTINGS)
+        installed = [values for values in changed.values() if values.get("DisplayName") == "Velqar"]
         self.assertEqual([values["DisplayVersion"] for values in installed], ["5.4.0"])
-        self.assertEqual(registry()[r"Quorvane\Velqar"], {"InstallRoot": "C:\\Own Place\\"})
+        self.assertEqual(changed[SETTINGS], {"InstallRoot": "C:\\Own Place\\"})
         self.assertTrue((DRIVE / "Own Place/NeltCtrlx64.dll").exists())
         self.assertEqual(wine.lines_of('WScript.Echo CreateObject("Quorvane.MmsSlide").Module', "vbs"), ["NeltCtrlx64.dll"])
         self.assertNotEqual(install(self.package), 0)  # not back to an older one
-        self.assertEqual(install(newer, way="/x"), 0)
+        self.removed()
         self.assert_as_before(registry())
         self.assertFalse((DRIVE / "Own Place").exists())
 
@@ -260,11 +287,33 @@ class Signed(unittest.TestCase):
     def verified(self, file, authority):
         return subprocess.run([self.SIGN, "--verify", file, FOLDER / f"{authority}.pem"], stderr=subprocess.DEVNULL, check=False).returncode == 0
 
+    def test_what_cannot_sign_makes_no_package(self):
+        own, none = FOLDER / "own.pem", FOLDER / "none.pem"
+        folder = FOLDER / "unmade"
+        folder.mkdir()
+        earlier = folder / f"{NAME}.msi"
+        rows = [  # the files, the exit code, whether an earlier package stays, what is said at last
+            ((own, none), 2, True, f"package.py: there is no file {none} that can be read\n"),
+            ((own, own), 1, False, f"package.py: NeltCtrlx64.dll cannot be signed with {own} and {own}\n"),
+        ]
+        for files, code, stays, said in rows:
+            with self.subTest(files):
+                earlier.write_bytes(b"earlier")
+                done = subprocess.run([sys.executable, wine.ROOT / "packaging/package.py", BUILD, folder, "--sign", *files],
+                                      capture_output=True, text=True, check=False)
+                self.assertEqual((done.returncode, done.stdout), (code, ""))
+                self.assertTrue(done.stderr.endswith(said), done.stderr)
+                self.assertNotIn("Traceback", done.stderr)
+                self.assertEqual([path.name for path in folder.iterdir()], [earlier.name] if stays else [])
+        done = subprocess.run(["scripts/package.sh", "--sign", own, none], cwd=wine.ROOT, capture_output=True, text=True, check=False)
+        self.assertEqual((done.returncode, done.stdout), (2, ""))
+        self.assertEqual(done.stderr, f"scripts/package.sh: there is no file {none} that can be read\n")
+
     def test_module_and_installer(self):
         folder = package("--sign", FOLDER / "own.pem", FOLDER / "own.key", folder=FOLDER / "signed")
         with zipfile.ZipFile(folder / f"{NAME}.zip") as archive:
             (folder / "NeltCtrlx64.dll").write_bytes(archive.read(f"{NAME}/NeltCtrlx64.dll"))
-        unsigned = {f"{NAME}.msi": package() / f"{NAME}.msi", "NeltCtrlx64.dll": BUILD / "NeltCtrlx64.dll"}
+        unsigned = {f"{NAME}.msi": made() / f"{NAME}.msi", "NeltCtrlx64.dll": BUILD / "NeltCtrlx64.dll"}
         for name, before in unsigned.items():
             with self.subTest(name):
                 signed = folder / name
