@@ -11,4 +11,4 @@ fi
 . "$(dirname "${BASH_SOURCE[0]}")/wine.sh"
 wine_start
 cd "$root/build/windows"
-exec wine "$@"
+exec $steady wine "$@"

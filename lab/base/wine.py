@@ -1,7 +1,10 @@
 """Runs Windows programs and scripts under Wine, in the project's own prefix."""
 import os
 import pathlib
+import shutil
 import subprocess
+import sys
+import tempfile
 
 from base.launch import LAB
 
@@ -11,9 +14,10 @@ IN_WINE = ROOT / "scripts/in-wine.sh"
 
 
 def run(*arguments, timeout=120, encoding="utf-8"):
-    """Runs a Windows program; gives its exit code and what it printed."""
+    """Runs a Windows program; gives its exit code and what it printed. Its complaints are passed on."""
     done = subprocess.run([IN_WINE, *map(str, arguments)], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                          stderr=subprocess.DEVNULL, timeout=timeout, check=False)
+                          stderr=subprocess.PIPE, timeout=timeout, check=False)
+    sys.stderr.write(done.stderr.decode(encoding, "replace").replace("\r", ""))
     return done.returncode, done.stdout.decode(encoding, "replace").replace("\r", "")
 
 
@@ -23,4 +27,7 @@ def windows_path(path):
 
 def script(path, *arguments, timeout=120):
     """An error in a script shows in neither: cscript prints nothing and ends with 0."""
-    return run("cscript", "//nologo", windows_path(path), *arguments, timeout=timeout, encoding="cp850")
+    # Of two that start the same file at once Wine's cscript runs one, so each start has its own.
+    with tempfile.TemporaryDirectory(prefix="neltctrl-", ignore_cleanup_errors=True) as folder:
+        own = windows_path(shutil.copy(path, folder))
+        return run("cscript", "//nologo", own, *arguments, timeout=timeout, encoding="cp850")

@@ -18,13 +18,16 @@ END = "The script came to its end"
 
 
 def lines_of(text, kind, *arguments, timeout=120):
-    """What a script printed that must come to its end: an error in it shows in no other way."""
+    """What a script printed that must come to its end: an error in it shows in no other way, save in JScript."""
+    if kind == "js":
+        text = f'try {{\n{text}\n}} catch (fault) {{ WScript.Echo(fault.message); WScript.Quit(3); }}'
     with folder() as path:
         file = path / f"test.{kind}"
         file.write_text(f'{text}\nWScript.Echo("{END}")\n', encoding="utf-8")
-        lines = script(file, *arguments, timeout=timeout)[1].split("\n")
+        code, output = script(file, *arguments, timeout=timeout)
+    lines = output.split("\n")
     if lines[-2:] != [END, ""]:
-        raise AssertionError(f"the script stopped after {lines[:-1]}")
+        raise AssertionError(f"the script stopped with {code} after {lines[:-1]}")
     return lines[:-2]
 
 
