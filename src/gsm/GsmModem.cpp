@@ -89,7 +89,7 @@ ResultCode CGsmModem::Send(const CSmsMessageX& message, std::string& references)
     const CGsmDevice::Session session(device_, settings);
     if (session.Code() != result::Success) return session.Code();
     if (const ResultCode code = Initialise(); code != result::Success) return code;
-    Log(logmask::kVerbatim, "RECIPIENT ADDRESS : %s\n", message.Recipient.c_str());
+    Log(logmask::kVerbatim, "RECIPIENT ADDRESS : %s\n", OneLine(message.Recipient).c_str());
     Log(logmask::kVerbatim, "MESSAGE FORMAT    : %s\n", std::string(FormatOf(message.Format).name).c_str());
     if (message.ValidityPeriod != 0) {
         Log(logmask::kVerbatim, "VALIDITY PERIOD   : %d min\n", message.ValidityPeriod);

@@ -2,6 +2,7 @@
 
 #include "foundation/ErrorTexts.h"
 #include "foundation/Product.h"
+#include "foundation/Text.h"
 #include "http/HttpSubmit.h"
 #include "http/HttpTemplate.h"
 #include "http/HttpVerdict.h"
@@ -101,17 +102,20 @@ void CHttpProtocol::LogText(unsigned mask, const char* format, const std::string
 }
 
 void CHttpProtocol::LogSubmit(const CSmsMessageX& message) {
+    if (!IsLogging()) return;
+    const std::string host = OneLine(settings.host);
+    const std::string recipient = OneLine(message.Recipient);
     if (settings.proxyServer.empty()) {
         Log(logmask::kVerbatim, "HTTP POST [Velqar Build %s], Provider=[%s:%d], Proxy=[not using proxy]\n",
-            product::kBuild, settings.host.c_str(), settings.port);
+            product::kBuild, host.c_str(), settings.port);
     } else {
         Log(logmask::kVerbatim, "HTTP POST [Velqar Build %s], Provider=[%s:%d], Proxy=[%s:%d]\n",
-            product::kBuild, settings.host.c_str(), settings.port, settings.proxyServer.c_str(),
+            product::kBuild, host.c_str(), settings.port, OneLine(settings.proxyServer).c_str(),
             settings.proxyPort);
     }
-    Log(logmask::kVerbatim, "SENDER ADDRESS      : %s\n", message.Sender.c_str());
-    Log(logmask::kVerbatim, "RECIPIENT ADDRESS   : %s\n", message.Recipient.c_str());
-    Log(logmask::kActivity, "Http Post Submitting message to [%s]\n", message.Recipient.c_str());
+    Log(logmask::kVerbatim, "SENDER ADDRESS      : %s\n", OneLine(message.Sender).c_str());
+    Log(logmask::kVerbatim, "RECIPIENT ADDRESS   : %s\n", recipient.c_str());
+    Log(logmask::kActivity, "Http Post Submitting message to [%s]\n", recipient.c_str());
 }
 
 void CHttpProtocol::LogTemplates() {

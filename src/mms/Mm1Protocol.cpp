@@ -504,7 +504,7 @@ ResultCode CMm1Protocol::SaveConfig(const std::string& file) {
     const ResultCode code = SaveProviderFile(file, ProviderRows());
     if (code != result::Success) {
         LogSized(kEvent, file.size() + kLogRoom,
-                 "Saving MMS settings to file [%s], result: ERROR #%ld (%s)\n", file.c_str(),
+                 "Saving MMS settings to file [%s], result: ERROR #%ld (%s)\n", OneLine(file).c_str(),
                  static_cast<long>(code.Number()), Described(code).c_str());
     }
     return code;

@@ -273,6 +273,23 @@ TEST(HttpProtocol, LogsFailures) {
               std::string::npos);
 }
 
+TEST(HttpProtocol, NoPropertyMakesALineOfItsOwn) {
+    for (const char* proxy : {"", "px\nFORGED"}) {
+        LoggedChannel channel;
+        channel.engine.settings.host = "gw\r\nFORGED";
+        channel.engine.settings.proxyServer = proxy;
+        channel.message.Sender = "1\nFORGED";
+        channel.message.Recipient = "+31612345678\r\nFORGED";
+        channel.Log();
+        channel.Send();
+        for (const char* file : {"log.txt", "activity.ini"}) {
+            const std::string text = channel.Read(file);
+            EXPECT_NE(text.find(" FORGED"), std::string::npos) << text;
+            EXPECT_EQ(text.find("\nFORGED"), std::string::npos) << text;
+        }
+    }
+}
+
 TEST(HttpProtocol, LongTextsAreLoggedWhole) {
     LoggedChannel channel({{.body = std::string(100'000, 'r')}});
     channel.engine.settings.urlText = "a?" + std::string(100'000, 't');
