@@ -13,6 +13,7 @@ namespace {
 constexpr std::size_t kShortestPin = 4;
 constexpr std::size_t kLongestPin = 8;
 constexpr std::uint32_t kPinPause = 1000;
+constexpr std::uint32_t kEscapeTime = 300;  // ms for the answer to what calls off
 constexpr std::uint32_t kRegistrationPause = 2000;
 constexpr int kRegistrationAttempts = 10;
 constexpr std::size_t kEntrySlack = 2048;  // what an entry of the log holds besides the reply
@@ -79,10 +80,13 @@ AtExchange CGsmDevice::Submit(std::string_view data) {
     return exchange;
 }
 
-// A modem that gave no result may wait for data, and would take the next command for them.
+// A modem that gave no result may wait for data, and would take the next command for them. Its answer, when
+// it gives one, is waited for: closing the port drops what has not gone out yet.
 ResultCode CGsmDevice::CalledOff(ResultCode code) {
-    if (code == result::ModemNoResponse || code == result::ModemUnexpectedResponse)
-        (void)WriteBytes({&kEscape, 1});
+    if (code != result::ModemNoResponse && code != result::ModemUnexpectedResponse) return code;
+    (void)WriteBytes({&kEscape, 1});
+    std::string answer;
+    (void)CKorComIO::ReadString(answer, kLongestLine, kEscapeTime, "\r\n");
     return code;
 }
 

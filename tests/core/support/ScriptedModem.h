@@ -39,6 +39,7 @@ class ScriptedModem : public SerialOpener {
     SerialSettings settings;            // of the last opening
     int openings = 0;
     int closings = 0;
+    std::uint32_t quiet = 0;  // ms from the last octet written to the last closing
     bool viaTelephony = false;
     bool dtr = false, rts = false;  // as last set
     ResultCode openResult = result::Success;
@@ -62,7 +63,10 @@ class ScriptedModem : public SerialOpener {
     class Line : public SerialDevice {
       public:
         explicit Line(ScriptedModem& modem) : modem_(&modem) {}
-        ~Line() override { ++modem_->closings; }
+        ~Line() override {
+            ++modem_->closings;
+            modem_->quiet = modem_->clock_->Slept() - modem_->writtenAt_;
+        }
         bool Write(std::span<const char> octets, std::uint32_t limit) override {
             return modem_->Take({octets.data(), octets.size()}, limit);
         }
@@ -89,6 +93,7 @@ class ScriptedModem : public SerialOpener {
         clock_->Sleep(blocked);
         if (blocked != 0 && blocked == limit) return false;
         written += octets;
+        writtenAt_ = clock_->Slept();
         for (const char octet : octets) {
             if (octet != '\r' && octet != '\x1a') {
                 pending_ += octet;
@@ -140,6 +145,7 @@ class ScriptedModem : public SerialOpener {
     std::map<std::string, std::vector<std::string>> rules_;
     std::vector<std::string> otherwise_{"\r\nOK\r\n"};
     std::string pending_;
+    std::uint32_t writtenAt_ = 0;  // when the last octet was
     std::string incoming_;
     std::map<std::string, Pieces> inPieces_;
     std::multimap<std::uint64_t, std::string> late_;  // octets by when they come
