@@ -8,7 +8,7 @@ sys.path.insert(0, str(pathlib.Path(__file__).parent))
 import wine  # noqa: E402
 
 EXAMPLES = wine.ROOT / "examples/content"
-BASE = 60  # the COM ports of this file's tests
+BASE = wine.PORTS["content"]
 
 CONTENTS = """
 function Make(name, fields) {

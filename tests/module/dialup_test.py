@@ -8,7 +8,7 @@ sys.path.insert(0, str(pathlib.Path(__file__).parent))
 import wine  # noqa: E402
 
 EXAMPLES = wine.ROOT / "examples/dialup"
-BASE = 60  # the COM ports of this file's tests
+BASE = wine.PORTS["dialup"]
 
 HEAD = """
 var constants = new ActiveXObject("Quorvane.SmsConstants");

@@ -9,7 +9,7 @@ sys.path.insert(0, str(pathlib.Path(__file__).parent))
 import wine  # noqa: E402
 
 EXAMPLES = wine.ROOT / "examples/gsm"
-BASE = 20  # the COM ports of this file's tests
+BASE = wine.PORTS["gsm"]
 
 HEAD = """
 Set gsm = CreateObject("Quorvane.SmsProtocolGsm")

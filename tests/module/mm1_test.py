@@ -8,6 +8,7 @@ import wine  # noqa: E402
 from wine import mmsc, modem  # noqa: E402
 
 EXAMPLES = wine.ROOT / "examples/mm1"
+BASE = wine.PORTS["mm1"]
 JPEG = bytes([0xFF, 0xD8, 0xFF, 0xE0, 0, 13, 10, 26])
 SETTINGS = r"HKLM\Software\Quorvane\Velqar"
 
@@ -153,10 +154,9 @@ class Fetching(Scripts):
 
     def test_from_the_notification_to_the_message(self):
         with mmsc(*self.STORED, "--no-transaction") as server, \
-                modem(121, "--message", "mms SM +31611111111 http://mmsc.example.org/m1 Our holiday",
+                modem(BASE, "--message", "mms SM +31611111111 http://mmsc.example.org/m1 Our holiday",
                       "--message", "text SM +31622222222 Not for this channel") as device:
-            lines = self.run_script(server, r"""
-mm1.Device = "COM121";
+            lines = self.run_script(server, f'mm1.Device = "{device.com}";' + r"""
 Say(mm1.CountReceivedMessages(), mm1.LastError);
 var notification = mm1.GetFirstMessage();
 Say(notification.Format, notification.Sender, notification.Data.replace(/EXPIRATION=\d+/, "EXPIRATION"));
@@ -231,7 +231,7 @@ Say(mm1.ProvidersFolder);
 class Examples(unittest.TestCase):
     def test_they_send_and_receive(self):
         with mmsc(*Fetching.STORED) as server, wine.folder() as path, \
-                modem(122, "--message", "mms SM +31611111111 http://mmsc.example.org/m1 Our holiday"):
+                modem(BASE + 1, "--message", "mms SM +31611111111 http://mmsc.example.org/m1 Our holiday") as device:
             settings = (EXAMPLES / "provider.ini").read_text(encoding="ascii")
             (path / "provider.ini").write_text(settings.replace("8090", str(server.port)), encoding="ascii")
             (path / "p.jpg").write_bytes(JPEG)
@@ -243,13 +243,13 @@ class Examples(unittest.TestCase):
                 self.assertRegex(output, r"message id \d@mmsc\.lab")
             self.assertEqual([[part["type"] for part in sent["parts"]][:2] for sent in server.messages()],
                              [["text/plain", "image/jpeg"]] * 2)
-            for code, output in (wine.script(EXAMPLES / "receive.js", provider, "COM122", there.rstrip("\\")),
-                                 wine.run("mm1_example.exe", "receive", provider, "COM122", there.rstrip("\\"))):
+            for code, output in (wine.script(EXAMPLES / "receive.js", provider, device.com, there.rstrip("\\")),
+                                 wine.run("mm1_example.exe", "receive", provider, device.com, there.rstrip("\\"))):
                 self.assertEqual(code, 0, output)
                 self.assertIn("Our holiday", output)
             self.assertTrue(list(path.glob("*.mms")))
-            for code, output in (wine.script(EXAMPLES / "receive.js", provider, "COM122", there + "none"),
-                                 wine.run("mm1_example.exe", "receive", provider, "COM122", there + "none")):
+            for code, output in (wine.script(EXAMPLES / "receive.js", provider, device.com, there + "none"),
+                                 wine.run("mm1_example.exe", "receive", provider, device.com, there + "none")):
                 self.assertEqual(code, 1, output)
                 self.assertRegex(output, r"(Not saved: \w|Failed: \d)[^\n]*\n$")
 

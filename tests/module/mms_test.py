@@ -213,7 +213,7 @@ for (var message = channel.GetFirstMessage(); channel.LastError == 0; message = 
 
         relative = b"\x04\x81\x02\x0e\x10"
         messages = [pdu(NOTIFICATION % relative), pdu(REPORT), pdu(REPORT[:-3])]
-        with wine.modem(80, *(word for message in messages for word in ("--message", message))) as modem:
+        with wine.modem(wine.PORTS["mms"], *(word for message in messages for word in ("--message", message))) as modem:
             self.assertEqual(wine.lines_of("""
 var channel = new ActiveXObject("Quorvane.SmsProtocolGsm");
 channel.Device = WScript.Arguments.Item(0);

@@ -220,23 +220,6 @@ smpp.Connect(); Show(smpp.QueryStatus(smpp.Send(Message("x")), false).StatusComp
 """)
             self.assertEqual(lines, ["n/a|0"])
 
-    def test_passwords_are_hidden_for_the_whole_machine(self):
-        value = ("HKLM\\Software\\Quorvane\\Velqar", "/v", "AdvancedSettings", "/f")
-        with wine.folder() as path, smsc() as server:
-            log = json.dumps(wine.windows_path(path / "log.txt"))
-            wine.run("reg", "add", *value, "/d", "MaskPasswords=1")
-            try:
-                lines, _ = run_script(server, f"""
-smpp.LogFile = {log}; smpp.SystemPassword = "xyzzy"; smpp.Connect(); Show(""); smpp.Disconnect();
-""")
-            finally:
-                wine.run("reg", "delete", *value)
-            self.assertEqual(lines, ["|0"])
-            text = (path / "log.txt").read_text()
-            self.assertIn("Password               : ****\n", text)
-            self.assertNotIn("xyzzy", text)
-            self.assertNotIn("78 79 7A 7A 79", text)
-
     def test_many_connections_and_messages(self):
         with smsc("--quiet", "--receipts", "none") as server:
             lines, _ = run_script(server, """

@@ -7,7 +7,7 @@ import unittest
 sys.path.insert(0, str(pathlib.Path(__file__).parent))
 import wine  # noqa: E402
 
-BASE = 100  # the COM ports of this file's tests
+BASE = wine.PORTS["tasks"]
 STAMP = "32114122310200"  # the time in a PDU
 ONE, TWO, THREE = "+31611111111", "+31622222222", "+31633333333"
 

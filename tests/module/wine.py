@@ -16,6 +16,9 @@ GSM_TEXT, UNICODE_TEXT = "Café à 5 € [Ω] @", "Fête à l'hôtel, garçon `�
 
 END = "The script came to its end"
 
+# The first of the COM ports of each file's modems: files that run at once must not share one.
+PORTS = {"gsm": 20, "content": 40, "dialup": 60, "mms": 80, "tasks": 100, "mm1": 120}
+
 
 def lines_of(text, kind, *arguments, timeout=120):
     """What a script printed that must come to its end: an error in it shows in no other way, save in JScript."""
